@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vuk::util::xml {
+
+struct Token {
+  enum Kind { kText, kOpen, kClose, kEmptyTag, kComment };
+  Kind kind;
+  // Tags: what stands between the markers, raw. Text: decoded once.
+  std::string text;
+};
+
+// Splits markup into tokens up to the end or a NUL. Knows no quotes: a ">"
+// inside an attribute value ends the tag, as files written earlier expect.
+std::vector<Token> Tokenize(const std::string& markup);
+
+}  // namespace vuk::util::xml
