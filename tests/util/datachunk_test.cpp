@@ -1,0 +1,136 @@
+#include "util/datachunk.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace vuk::util {
+namespace {
+
+Bytes Header(std::int32_t dataSize, std::int32_t childCount, std::int32_t nameLength) {
+  Bytes out;
+  ByteWriter writer(out);
+  writer.Put(dataSize);
+  writer.Put(childCount);
+  writer.Put(nameLength);
+  return out;
+}
+
+Bytes Cat(std::initializer_list<Bytes> parts) {
+  Bytes out;
+  for (const Bytes& part : parts) out.insert(out.end(), part.begin(), part.end());
+  return out;
+}
+
+Bytes Text(const std::string& text) { return Bytes(text.begin(), text.end()); }
+
+TEST(DataChunk, FlatFormIsExact) {
+  DataChunk root("Car", {});
+  root.AddChild("v", Bytes{0x01, 0x02});
+  root.AddChild("k").AddChild("x", Bytes{0xFF});
+
+  const Bytes expected = Cat({Header(0, 2, 3), Text("Car"),          // root
+                              Header(2, 0, 1), Text("v"), {1, 2},     // first child
+                              Header(0, 1, 1), Text("k"),             // second child
+                              Header(1, 0, 1), Text("x"), {0xFF}});   // its child
+  EXPECT_EQ(root.Flatten(), expected);
+  EXPECT_EQ(root.FlatSize(), expected.size());
+
+  DataChunk back;
+  std::string error;
+  ASSERT_TRUE(back.Read(expected, &error)) << error;
+  EXPECT_EQ(back.packed, expected);
+  EXPECT_EQ(back.name, "Car");
+  ASSERT_EQ(back.children.size(), 2u);
+  EXPECT_EQ(back.FindChild("v")->data, (Bytes{1, 2}));
+  EXPECT_EQ(back.FindChild("k")->FindChild("x")->data, Bytes{0xFF});
+  EXPECT_EQ(back.FindChild("missing"), nullptr);
+}
+
+DataChunk RandomTree(std::mt19937& random, int depth) {
+  DataChunk chunk;
+  chunk.name.resize(random() % 20);
+  for (char& c : chunk.name) c = static_cast<char>(random());
+  chunk.data.resize(random() % 40);
+  for (auto& byte : chunk.data) byte = static_cast<std::uint8_t>(random());
+  const int children = depth > 0 ? static_cast<int>(random() % 4) : 0;
+  for (int i = 0; i < children; ++i) chunk.children.push_back(RandomTree(random, depth - 1));
+  return chunk;
+}
+
+void ExpectSameTree(const DataChunk& a, const DataChunk& b) {
+  EXPECT_EQ(a.name, b.name);
+  EXPECT_EQ(a.data, b.data);
+  ASSERT_EQ(a.children.size(), b.children.size());
+  for (std::size_t i = 0; i < a.children.size(); ++i) ExpectSameTree(a.children[i], b.children[i]);
+}
+
+TEST(DataChunk, RandomTreesRoundTrip) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 100; ++round) {
+    const DataChunk tree = RandomTree(random, 4);
+    DataChunk back;
+    ASSERT_TRUE(back.Read(tree.Flatten()));
+    ExpectSameTree(tree, back);
+  }
+}
+
+TEST(DataChunk, TrailingBytesAreNotPartOfTheChunk) {
+  const Bytes block = Cat({Header(1, 0, 1), Text("a"), {7}, {9, 9, 9}});
+  DataChunk chunk;
+  ASSERT_TRUE(chunk.Read(block));
+  EXPECT_EQ(chunk.packed.size(), 14u);
+}
+
+TEST(DataChunk, NameOfExactlyTheLimitReads) {
+  const std::string name(256, 'n');
+  DataChunk chunk;
+  EXPECT_TRUE(chunk.Read(Cat({Header(0, 0, 256), Text(name)})));
+  EXPECT_EQ(chunk.name, name);
+}
+
+struct BadBlock {
+  const char* why;
+  Bytes block;
+  const char* message;
+};
+
+class DataChunkBad : public testing::TestWithParam<BadBlock> {};
+
+TEST_P(DataChunkBad, IsRefusedWithWhereAndWhat) {
+  DataChunk chunk("old", {1});
+  std::string error;
+  EXPECT_FALSE(chunk.Read(GetParam().block, &error));
+  EXPECT_NE(error.find(GetParam().message), std::string::npos) << error;
+  EXPECT_TRUE(chunk.name.empty());
+  EXPECT_TRUE(chunk.data.empty());
+  EXPECT_TRUE(chunk.children.empty());
+  EXPECT_TRUE(chunk.packed.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, DataChunkBad,
+    testing::Values(
+        BadBlock{"empty", {}, "byte 0: header cut short"},
+        BadBlock{"name too long", Cat({Header(0, 0, 257), Bytes(257, 'n')}), "name length 257"},
+        BadBlock{"negative name", Header(0, 0, -1), "name length -1"},
+        BadBlock{"negative data", Header(-4, 0, 0), "negative data size"},
+        BadBlock{"negative children", Header(0, -1, 0), "negative child count"},
+        BadBlock{"data past end", Cat({Header(100, 0, 1), Text("a"), {1, 2}}), "run past the end"},
+        BadBlock{"hostile child count", Cat({Header(0, 0x7FFFFFFF, 0), Bytes(100, 0)}), "can't fit"},
+        BadBlock{"bad child", Cat({Header(0, 1, 1), Text("a"), Header(0, 0, 300)}), "byte 13: name length 300"}));
+
+TEST(DataChunk, DeepNestingIsRefusedNotOverflowed) {
+  Bytes block;
+  for (int level = 0; level < 100000; ++level) {
+    const Bytes header = Header(0, 1, 0);
+    block.insert(block.end(), header.begin(), header.end());
+  }
+  DataChunk chunk;
+  std::string error;
+  EXPECT_FALSE(chunk.Read(block, &error));
+  EXPECT_NE(error.find("nested deeper"), std::string::npos) << error;
+}
+
+}  // namespace
+}  // namespace vuk::util
