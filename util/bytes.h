@@ -37,7 +37,9 @@ class ByteWriter {
     if (detail::IsBigEndian()) {
       for (std::size_t i = sizeof(T); i-- > 0;) out_.push_back(raw[i]);
     } else {
-      out_.insert(out_.end(), raw, raw + sizeof(T));
+      const std::size_t at = out_.size();
+      out_.resize(at + sizeof(T));
+      std::memcpy(out_.data() + at, raw, sizeof(T));
     }
   }
 

@@ -1,0 +1,95 @@
+#pragma once
+// Rotations as quaternions, stored x, y, z, w. The product a * b applies a
+// first and b second: the reverse of the matrix product, on purpose.
+
+#include <cmath>
+
+#include "util/vector3.h"
+
+namespace vuk::util {
+
+template <typename T>
+struct Quat {
+  T x = 0, y = 0, z = 0, w = 1;
+
+  constexpr Quat() = default;
+  constexpr Quat(T qx, T qy, T qz, T qw) : x(qx), y(qy), z(qz), w(qw) {}
+
+  static Quat FromAxisAngle(Vector3<T> axis, T angle) {
+    const T s = std::sin(angle / 2);
+    axis.Normalize();
+    return {axis.x * s, axis.y * s, axis.z * s, std::cos(angle / 2)};
+  }
+
+  // The exponential of a rotation vector. The axis is normalised unless the
+  // components sum to exactly 0; the test on the sum, not on the length, is
+  // kept as saved rigs depend on it.
+  static Quat FromRotationVector(const Vector3<T>& v) {
+    const T h = v.Length() / 2;
+    const T s = std::sin(h);
+    const Vector3<T> axis = (v.x + v.y + v.z == 0) ? v : v.Normalized();
+    return {axis.x * s, axis.y * s, axis.z * s, std::cos(h)};
+  }
+
+  // a * b: the Hamilton product b (x) a, so a acts first.
+  constexpr Quat operator*(const Quat& b) const {
+    const Quat& a = *this;
+    return {b.x * a.w + a.z * b.y - a.y * b.z + a.x * b.w, a.w * b.y - b.x * a.z + a.x * b.z + b.w * a.y,
+            a.y * b.x - a.x * b.y + b.z * a.w + b.w * a.z, b.w * a.w - (a.x * b.x + a.y * b.y + a.z * b.z)};
+  }
+  Quat& operator*=(const Quat& b) { return *this = *this * b; }
+  constexpr Quat operator-() const { return {-x, -y, -z, -w}; }
+  constexpr bool operator==(const Quat& o) const { return x == o.x && y == o.y && z == o.z && w == o.w; }
+  constexpr bool operator!=(const Quat& o) const { return !(*this == o); }
+
+  constexpr T Dot(const Quat& o) const { return x * o.x + y * o.y + z * o.z + w * o.w; }
+  T Norm() const { return std::sqrt(Dot(*this)); }
+  constexpr Quat Conjugate() const { return {-x, -y, -z, w}; }
+  // The inverse rotation of a unit quaternion.
+  constexpr Quat Inverse() const { return Conjugate(); }
+
+  // A zero quaternion becomes the identity.
+  Quat& Normalize() {
+    const T norm = Norm();
+    if (norm == 0) {
+      *this = Quat();
+    } else {
+      x /= norm;
+      y /= norm;
+      z /= norm;
+      w /= norm;
+    }
+    return *this;
+  }
+  Quat Normalized() const { return Quat(*this).Normalize(); }
+
+  // The image of v under this rotation (unit quaternion), as the matrix of
+  // the quaternion maps it.
+  constexpr Vector3<T> Rotate(const Vector3<T>& v) const {
+    const Vector3<T> u{x, y, z};
+    const Vector3<T> t = u.Cross(v) * T(2);
+    return v + t * w + u.Cross(t);
+  }
+
+  // Spherical interpolation along the shorter arc.
+  static Quat Slerp(const Quat& a, Quat b, T t) {
+    T cosine = a.Dot(b);
+    if (cosine < 0) {
+      b = -b;
+      cosine = -cosine;
+    }
+    T wa = 1 - t, wb = t;
+    // Nearly equal rotations: the straight line is exact enough and stable.
+    if (cosine < T(0.9999995)) {
+      const T angle = std::acos(cosine);
+      const T s = std::sin(angle);
+      wa = std::sin((1 - t) * angle) / s;
+      wb = std::sin(t * angle) / s;
+    }
+    return Quat{a.x * wa + b.x * wb, a.y * wa + b.y * wb, a.z * wa + b.z * wb, a.w * wa + b.w * wb}.Normalize();
+  }
+};
+
+static_assert(sizeof(Quat<double>) == 32, "saved histories store four doubles");
+
+}  // namespace vuk::util
