@@ -1,0 +1,48 @@
+#pragma once
+// The process-wide object that ties the system together. It is built at first
+// use; its parts are made in a fixed order and destroyed in the reverse one,
+// ending with the adaptor's Shutdown.
+
+#include <string>
+
+#include "core/adaptormanager.h"
+#include "core/coreinterface.h"
+#include "core/mainconfigsettings.h"
+#include "util/singleton.h"
+
+namespace vuk::rgw::core {
+
+class CoreImplementation : public CoreInterface, public AdaptorManager, public util::Singleton<CoreImplementation> {
+ public:
+  CoreImplementation();
+  ~CoreImplementation() override;
+
+  // The start with the host's adaptor. Null when the adaptor speaks another
+  // interface version, or when the core was started already; the system then
+  // stays inert.
+  CoreInterface* Start(AdaptorInterface* adaptor);
+  bool IsStarted() const { return started_; }
+
+  void SetDouble(std::int32_t id, double value) override;
+  void SetString(std::int32_t id, const std::string& value) override;
+  void SetInt(std::int32_t id, std::int32_t value) override;
+  void SetBool(std::int32_t id, bool value) override;
+  Setting* GetSetting(std::int32_t id) override;
+
+  MainConfigSettings& GetSettings() { return settings_; }
+  // The user's "settings.xml" of the adaptor in use; empty before the start.
+  const std::string& GetSettingsPath() const { return settingsPath_; }
+
+ private:
+  void PrepareAdaptorFolder(AdaptorInterface* adaptor);
+  void SaveSettings();
+
+  MainConfigSettings settings_;
+  std::string settingsPath_;
+  bool started_ = false;
+};
+
+// The start for the process-wide core.
+CoreInterface* StartCore(AdaptorInterface* adaptor);
+
+}  // namespace vuk::rgw::core
