@@ -7,6 +7,7 @@
 #include <fstream>
 #include <limits>
 
+#include "util/numbertext.h"
 #include "util/xml/element.h"
 #include "util/xml/tag.h"
 
@@ -55,13 +56,7 @@ bool Read(const std::string& text, std::string& value) {
 
 std::string Write(std::int32_t value) { return std::to_string(value); }
 
-std::string Write(double value) {
-  std::ostringstream out;
-  out.imbue(std::locale::classic());
-  out.precision(std::numeric_limits<double>::max_digits10);
-  out << value;
-  return out.str();
-}
+std::string Write(double value) { return util::FormatDouble(value); }
 
 std::string Write(bool value) { return value ? "1" : "0"; }
 

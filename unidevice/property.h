@@ -22,9 +22,25 @@ class Property : public ControlTarget {
     virtual ~Factory() = default;
   };
 
+  explicit Property(std::string propertyName = std::string());
+  Property(const Property&) = delete;
+  Property& operator=(const Property&) = delete;
+
+  // The source went away: the property reads its offset until bound again,
+  // and waits for the control to come back.
   void ControlRemoved(Control* control) override;
+  // pow(max(0, |x| - deadzone) / (1 - deadzone), exponent) x sign(x) x
+  // multiplier + offset, with x the source value or 0.
   virtual double Evaluate();
   virtual ~Property();
+
+  // Wires the property to a control, or to none.
+  void Bind(Control* control);
+  // "property" with "name" and the numbers and binding as children.
+  util::xml::Element Save() const;
+  // Takes the numbers and binds the named control. A control that isn't
+  // there yet is kept in `config` and bound when its device comes in.
+  void Load(const util::xml::Element& element);
 
   std::vector<ControlTarget*> targets;
   Control* source = nullptr;
@@ -35,6 +51,7 @@ class Property : public ControlTarget {
   double exponent = 1.0;
   double deadzone = 0.1;
   double offset = 0.0;
+  // The saved "control" element of the binding, empty without one.
   util::xml::Element config;
 };
 

@@ -1,0 +1,103 @@
+#include "unidevice/emulatedtrinarydevice.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/unidevice/testdevice.h"
+#include "unidevice/driverlist.h"
+#include "unidevice/dummydriver.h"
+
+namespace vuk::unidevice {
+namespace {
+
+using testing_support::TestDevice;
+
+class EmulatedTrinary : public testing::Test {
+ protected:
+  void SetUp() override {
+    keyboard = new TestDevice("Keyboard", 4);
+    keys.AddDevice(keyboard);
+    emulator = new EmulatedTrinaryDevice();
+  }
+
+  DummyDriver dummy;  // the emulator joins it
+  Driver keys{"keys"};
+  TestDevice* keyboard = nullptr;
+  EmulatedTrinaryDevice* emulator = nullptr;
+  struct Registration {
+    explicit Registration(Driver* driver) : driver(driver) { DriverList::Instance().Register(driver); }
+    ~Registration() { DriverList::Instance().Unregister(driver); }
+    Driver* driver;
+  } registration{&keys};
+};
+
+TEST_F(EmulatedTrinary, TwoKeysMakeThreeStates) {
+  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1));
+  EXPECT_EQ(emulator->driver, &dummy);
+  EXPECT_EQ(axis->GetValue(), 0.0);
+  keyboard->Press(0);
+  EXPECT_EQ(axis->GetValue(), 1.0);
+  keyboard->Press(1);
+  EXPECT_EQ(axis->GetValue(), 0.0);  // both held
+  keyboard->Press(0, 0.0);
+  EXPECT_EQ(axis->GetValue(), -1.0);
+}
+
+TEST_F(EmulatedTrinary, AVanishedSourceReadsZero) {
+  auto* spare = new TestDevice("Spare", 1);
+  keys.AddDevice(spare);
+  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(0), spare->GetControl(0));
+  keyboard->Press(0);
+  keys.RemoveDevice(spare);
+  delete spare;
+  EXPECT_EQ(axis->negative, nullptr);
+  EXPECT_EQ(axis->GetValue(), 0.0);
+}
+
+TEST_F(EmulatedTrinary, SavedFormBuildsTheSameControlInEitherOrder) {
+  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(2), keyboard->GetControl(3));
+  util::xml::Element saved = axis->Save();
+  ASSERT_EQ(saved.CountChildren("control"), 2u);
+  EXPECT_EQ(saved.GetChild("control", 0).GetAttribute("te_direction"), "positive");
+  EXPECT_EQ(saved.GetChild("control", 1).GetAttribute("te_direction"), "negative");
+  EXPECT_EQ(saved.GetAttribute("device"), "TrinaryEmulator");
+  EXPECT_EQ(emulator->FindControl(saved), axis);
+
+  // The children the other way round name the same pair.
+  util::xml::Element reversed = saved;
+  std::swap(reversed.children[1], reversed.children[2]);
+  EXPECT_EQ(emulator->FindControl(reversed), axis);
+  EXPECT_EQ(emulator->GetControlCount(), 1);
+}
+
+TEST_F(EmulatedTrinary, AnElementForANewPairMakesAControl) {
+  EmulatedTControl made(keyboard->GetControl(1), keyboard->GetControl(0));
+  made.device = emulator;
+  made.type = "Axis";
+  const util::xml::Element saved = made.Save();
+  Control* found = emulator->FindControl(saved);
+  ASSERT_NE(found, nullptr);
+  auto* axis = static_cast<EmulatedTControl*>(found);
+  EXPECT_EQ(axis->positive, keyboard->GetControl(1));
+  EXPECT_EQ(axis->negative, keyboard->GetControl(0));
+  EXPECT_EQ(emulator->FindControl(saved), found);
+}
+
+TEST_F(EmulatedTrinary, FewerThanTwoSourcesGiveNoControl) {
+  util::xml::Element element = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1))->Save();
+  element.children.pop_back();
+  element.SetAttribute("index") = "7";
+  EXPECT_EQ(emulator->FindControl(element), nullptr);
+}
+
+TEST_F(EmulatedTrinary, OpenSettlesAndDetectsNothing) {
+  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1));
+  axis->value = 1.0;
+  EXPECT_FALSE(emulator->Open(nullptr));
+  EXPECT_EQ(axis->previousValue, 1.0);
+  EXPECT_EQ(emulator->DetectControl({}), nullptr);
+  emulator->ResetControls();
+  EXPECT_EQ(axis->value, 0.0);
+}
+
+}  // namespace
+}  // namespace vuk::unidevice

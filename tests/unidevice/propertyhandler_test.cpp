@@ -1,0 +1,112 @@
+#include "unidevice/propertyhandler.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/unidevice/testdevice.h"
+#include "unidevice/driver.h"
+#include "unidevice/driverlist.h"
+
+namespace vuk::unidevice {
+namespace {
+
+using testing_support::TestDevice;
+
+class Profiles : public testing::Test {
+ protected:
+  Profiles() { DriverList::Instance().Register(&driver); }
+  ~Profiles() override { DriverList::Instance().Unregister(&driver); }
+
+  TestDevice* Plug(const std::string& name) {
+    auto* device = new TestDevice(name, 3, "Axis");
+    device->deviceIndex = driver.NextDeviceIndex(name);
+    driver.AddDevice(device);
+    DriverList::Instance().DeviceAdded(device);
+    return device;
+  }
+  void Unplug(TestDevice* device) {
+    driver.RemoveDevice(device);
+    delete device;
+  }
+
+  Driver driver{"test"};
+};
+
+TEST_F(Profiles, AddGivesTheExistingChannel) {
+  PropertyHandler handler;
+  Property* steering = handler.Add("Steering");
+  EXPECT_EQ(handler.Add("Steering"), steering);
+  EXPECT_EQ(handler.Count(), 1u);
+  EXPECT_EQ(steering->owner, &handler);
+  EXPECT_EQ(handler.Find("Gas"), nullptr);
+}
+
+TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
+  TestDevice* pad = Plug("Pad");
+  PropertyHandler handler;
+  Property* steering = handler.Add("Steering");
+  steering->exponent = 1.3;
+  steering->deadzone = 0.15;
+  steering->multiplier = -0.1;  // no short decimal form
+  steering->Bind(pad->GetControl(1));
+  handler.Add("Gas");
+
+  const util::xml::Element profile = handler.SaveProfile("Racing");
+  EXPECT_EQ(profile.GetAttribute("name"), "Racing");
+  PropertyHandler back;
+  Property* again = back.Add("Steering");
+  back.Add("Gas");
+  back.LoadProfile(util::xml::Element(profile));
+  EXPECT_EQ(again->exponent, 1.3);
+  EXPECT_EQ(again->deadzone, 0.15);
+  EXPECT_EQ(again->multiplier, -0.1);
+  EXPECT_EQ(again->source, pad->GetControl(1));
+  EXPECT_EQ(back.Find("Gas")->source, nullptr);
+  EXPECT_EQ(back.SaveProfile("Racing").Write(), profile.Write());
+}
+
+TEST_F(Profiles, ABindingWaitsForItsDeviceAndSurvivesUnplugging) {
+  util::xml::Element profile;
+  {
+    TestDevice* wheel = Plug("Wheel");
+    PropertyHandler handler;
+    handler.Add("Steering")->Bind(wheel->GetControl(0));
+    profile = handler.SaveProfile("Drive");
+    Unplug(wheel);
+  }
+  PropertyHandler handler;
+  Property* steering = handler.Add("Steering");
+  handler.LoadProfile(profile);
+  steering->offset = 0.25;
+  EXPECT_EQ(steering->source, nullptr);
+  EXPECT_TRUE(DriverList::Instance().IsWaiting(steering));
+  EXPECT_EQ(steering->Evaluate(), 0.25);
+  // The binding text is kept while it waits.
+  EXPECT_EQ(handler.SaveProfile("Drive").GetChild("property").GetChild("control").Write(),
+            profile.GetChild("property").GetChild("control").Write());
+
+  TestDevice* wheel = Plug("Wheel");
+  EXPECT_EQ(steering->source, wheel->GetControl(0));
+  EXPECT_FALSE(DriverList::Instance().IsWaiting(steering));
+
+  Unplug(wheel);
+  EXPECT_EQ(steering->Evaluate(), 0.25);
+  EXPECT_TRUE(DriverList::Instance().IsWaiting(steering));
+  TestDevice* again = Plug("Wheel");
+  EXPECT_EQ(steering->source, again->GetControl(0));
+}
+
+TEST_F(Profiles, BadNumbersKeepTheCurrentValues) {
+  util::xml::Element property;
+  property.ParseText("<property name=\"Steering\"><exponent>fast</exponent><deadzone>0.2</deadzone></property>");
+  util::xml::Element profile;
+  profile.ParseText("<profile name=\"x\"/>");
+  profile.AddChild(property);
+  PropertyHandler handler;
+  Property* steering = handler.Add("Steering");
+  handler.LoadProfile(profile);
+  EXPECT_EQ(steering->exponent, 1.0);
+  EXPECT_EQ(steering->deadzone, 0.2);
+}
+
+}  // namespace
+}  // namespace vuk::unidevice
