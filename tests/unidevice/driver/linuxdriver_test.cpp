@@ -1,0 +1,143 @@
+#include "unidevice/driver/linuxdriver.h"
+
+#include <gtest/gtest.h>
+
+#include "unidevice/driver/sdljoystickdevice.h"
+#include "unidevice/driverlist.h"
+#include "unidevice/ffeffect.h"
+#include "unidevice/propertyhandler.h"
+
+namespace vuk::unidevice::driver {
+namespace {
+
+// SDL's virtual joysticks stand in for hardware: eight axes (six axes and two
+// sliders), four buttons and one hat.
+class VirtualJoystick : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_TRUE(SDL_WasInit(SDL_INIT_JOYSTICK)) << SDL_GetError();
+    sdlIndex = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 8, 4, 1);
+    ASSERT_GE(sdlIndex, 0) << SDL_GetError();
+    instance = SDL_JoystickGetDeviceInstanceID(sdlIndex);
+    driver.PollAll();
+    device = Joystick();
+    ASSERT_NE(device, nullptr);
+    handle = SDL_JoystickFromInstanceID(instance);
+    ASSERT_NE(handle, nullptr);
+  }
+
+  void TearDown() override {
+    if (SDL_JoystickIsVirtual(sdlIndex)) SDL_JoystickDetachVirtual(sdlIndex);
+    driver.PollAll();
+  }
+
+  SdlJoystickDevice* Joystick() {
+    for (Device* d : driver.devices) {
+      if (auto* joystick = dynamic_cast<SdlJoystickDevice*>(d)) return joystick;
+    }
+    return nullptr;
+  }
+
+  Control* Named(const std::string& description) {
+    for (int i = 0; i < device->GetControlCount(); ++i) {
+      if (device->GetControl(i)->description == description) return device->GetControl(i);
+    }
+    return nullptr;
+  }
+
+  LinuxDriver driver;
+  int sdlIndex = -1;
+  SDL_JoystickID instance = -1;
+  SdlJoystickDevice* device = nullptr;
+  SDL_Joystick* handle = nullptr;
+};
+
+TEST_F(VirtualJoystick, ControlsInTheirOrderWithTheirNames) {
+  ASSERT_EQ(device->GetControlCount(), 6 + 2 + 2 + 4);
+  const char* expected[] = {"Axis 1 (X)",     "Axis 2 (Y)",     "Axis 3 (Z)", "Axis 4",   "Axis 5",
+                            "Axis 6",         "Slider 1",       "Slider 2",   "Hat 1 (X axis)",
+                            "Hat 1 (Y axis)", "Button 1",       "Button 2",   "Button 3", "Button 4"};
+  const char* types[] = {"Axis", "Axis", "Axis", "Axis", "Axis", "Axis", "Slider",
+                         "Slider", "Hat", "Hat", "Button", "Button", "Button", "Button"};
+  for (int i = 0; i < device->GetControlCount(); ++i) {
+    EXPECT_EQ(device->GetControl(i)->description, expected[i]);
+    EXPECT_EQ(device->GetControl(i)->type, types[i]);
+  }
+  EXPECT_EQ(Named("Axis 1 (X)")->changeThreshold, 0.1);
+  EXPECT_EQ(Named("Slider 2")->saveIndex, 1);
+  EXPECT_EQ(device->GetControl(14), nullptr);
+}
+
+TEST_F(VirtualJoystick, AxesSlidersAndButtonsReadTheirRanges) {
+  SDL_JoystickSetVirtualAxis(handle, 0, 32767);
+  SDL_JoystickSetVirtualAxis(handle, 1, -32768);
+  SDL_JoystickSetVirtualAxis(handle, 6, 16384);
+  SDL_JoystickSetVirtualButton(handle, 2, 1);
+  driver.PollAll();
+  EXPECT_EQ(Named("Axis 1 (X)")->value, 1.0);
+  EXPECT_EQ(Named("Axis 2 (Y)")->value, -1.0);
+  EXPECT_NEAR(Named("Slider 1")->value, 0.5, 1e-4);
+  EXPECT_EQ(Named("Button 3")->value, 1.0);
+  EXPECT_EQ(Named("Button 1")->value, 0.0);
+}
+
+struct HatCase {
+  Uint8 position;
+  double x;
+  double y;
+};
+
+class VirtualJoystickHat : public VirtualJoystick, public testing::WithParamInterface<HatCase> {};
+
+TEST_P(VirtualJoystickHat, ReadsLikeTheSineAndCosineRule) {
+  SDL_JoystickSetVirtualHat(handle, 0, GetParam().position);
+  driver.PollAll();
+  EXPECT_EQ(Named("Hat 1 (X axis)")->value, GetParam().x);
+  EXPECT_EQ(Named("Hat 1 (Y axis)")->value, GetParam().y);
+}
+
+INSTANTIATE_TEST_SUITE_P(Positions, VirtualJoystickHat,
+                         testing::Values(HatCase{SDL_HAT_CENTERED, 0, 0}, HatCase{SDL_HAT_UP, 0, 1},
+                                         HatCase{SDL_HAT_RIGHT, 1, 0}, HatCase{SDL_HAT_RIGHTUP, 1, 1},
+                                         HatCase{SDL_HAT_DOWN, 0, -1}, HatCase{SDL_HAT_LEFTDOWN, -1, -1}));
+
+TEST_F(VirtualJoystick, UnplugLeavesTheOffsetAndReplugBindsAgain) {
+  PropertyHandler handler;
+  Property* gas = handler.Add("Gas");
+  gas->deadzone = 0;
+  gas->offset = 0.5;
+  gas->Bind(Named("Axis 3 (Z)"));
+  SDL_JoystickSetVirtualAxis(handle, 2, 32767);
+  driver.PollAll();
+  EXPECT_EQ(gas->Evaluate(), 1.5);
+
+  SDL_JoystickDetachVirtual(sdlIndex);
+  driver.PollAll();
+  EXPECT_EQ(Joystick(), nullptr);
+  EXPECT_EQ(gas->source, nullptr);
+  EXPECT_EQ(gas->Evaluate(), 0.5);
+
+  sdlIndex = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 8, 4, 1);
+  driver.PollAll();
+  device = Joystick();
+  ASSERT_NE(device, nullptr);
+  EXPECT_EQ(gas->source, Named("Axis 3 (Z)"));
+  EXPECT_FALSE(DriverList::Instance().IsWaiting(gas));
+}
+
+TEST_F(VirtualJoystick, NoHapticMeansNoEffect) {
+  Control* axis = Named("Axis 1 (X)");
+  EXPECT_FALSE(axis->SupportsForceFeedback());
+  EXPECT_EQ(axis->CreateForceFeedbackEffect(FFEffect::kSine), nullptr);
+}
+
+TEST(LinuxDriver, IsRegisteredWithTheKeyboard) {
+  LinuxDriver driver;
+  EXPECT_EQ(DriverList::Instance().Find(LinuxDriver::kName), &driver);
+  ASSERT_NE(driver.GetKeyboard(), nullptr);
+  EXPECT_EQ(driver.GetDevice(0), driver.GetKeyboard());
+  EXPECT_EQ(driver.GetTablet(), nullptr);
+}
+
+}  // namespace
+}  // namespace vuk::unidevice::driver
