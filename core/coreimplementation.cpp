@@ -39,7 +39,7 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
               ", this core needs " + std::to_string(kInterfaceVersion) + "; nothing is started");
     return nullptr;
   }
-  // Next: the device manager with its drivers, and the input emulation.
+  devices_ = std::make_unique<DeviceManager>(adaptor->GetMainWindow());
 
   std::string error;
   if (!settings_.Load(settingsPath_, &error)) log.Warning(error);

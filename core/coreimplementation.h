@@ -3,10 +3,12 @@
 // use; its parts are made in a fixed order and destroyed in the reverse one,
 // ending with the adaptor's Shutdown.
 
+#include <memory>
 #include <string>
 
 #include "core/adaptormanager.h"
 #include "core/coreinterface.h"
+#include "core/devicemanager.h"
 #include "core/mainconfigsettings.h"
 #include "util/singleton.h"
 
@@ -30,6 +32,8 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   Setting* GetSetting(std::int32_t id) override;
 
   MainConfigSettings& GetSettings() { return settings_; }
+  // Null before the start and when the start was refused.
+  DeviceManager* GetDevices() { return devices_.get(); }
   // The user's "settings.xml" of the adaptor in use; empty before the start.
   const std::string& GetSettingsPath() const { return settingsPath_; }
 
@@ -38,6 +42,7 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   void SaveSettings();
 
   MainConfigSettings settings_;
+  std::unique_ptr<DeviceManager> devices_;
   std::string settingsPath_;
   bool started_ = false;
 };

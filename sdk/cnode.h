@@ -11,6 +11,15 @@ namespace vuk::rgw {
 
 class CNode : public CExtendable {
  public:
+  // Receives a node handed over with the node message 31.
+  class Handler {
+   public:
+    virtual std::intptr_t HandleNode(CNode* node) = 0;
+
+   protected:
+    ~Handler() = default;
+  };
+
   virtual void Show() = 0;
   virtual void Hide() = 0;
   virtual bool IsVisible() = 0;

@@ -1,0 +1,72 @@
+#pragma once
+// One object of the embedded scene: its place in the tree, its look and
+// kind, its per-node strings, and its transform over time.
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "adaptor/standalone/meshraytree.h"
+#include "adaptor/standalone/transformtrack.h"
+#include "util/mesh.h"
+
+namespace vuk::rgw::adaptor::standalone {
+
+enum class ObjectKind { kEmpty, kHelper, kMesh, kCamera, kShape };
+
+struct CameraData {
+  double fovDegrees = 45.0;
+  std::int32_t fovType = 0;  // 0 horizontal, 1 vertical, 2 diagonal
+  double targetDistance = 1.0;
+};
+
+// Splines as polylines through their points, parameterised by length.
+struct ShapeData {
+  std::vector<std::vector<util::Vector3<double>>> splines;
+
+  static double Length(const std::vector<util::Vector3<double>>& spline);
+  // u from 0 to 1 along the length; clamped.
+  static util::Vector3<double> PointAt(const std::vector<util::Vector3<double>>& spline, double u);
+};
+
+class SceneNode {
+ public:
+  using Handle = std::uint32_t;
+
+  SceneNode(Handle nodeHandle, ObjectKind objectKind, std::string name)
+      : handle(nodeHandle), kind(objectKind), hostName(std::move(name)) {}
+
+  // The pose relative to the parent, and in the world.
+  util::Matrix<double> Local(Tick tick) const { return track.Evaluate(tick); }
+  util::Matrix<double> World(Tick tick) const;
+  // True when the node is in the scene tree (not deleted).
+  bool IsInScene() const;
+
+  void SetMesh(const util::CMesh& newMesh);
+  // Built at the first ray and kept until the mesh changes.
+  const MeshRayTree& RayTree() const;
+
+  const Handle handle;
+  ObjectKind kind;
+  std::string hostName;
+  SceneNode* parent = nullptr;
+  std::vector<SceneNode*> children;
+  bool visible = true;
+  bool selected = false;
+  bool isRoot = false;
+  std::map<std::string, std::string> properties;
+
+  util::CMesh mesh;
+  bool wireframe = true;
+  bool backfaceCull = false;
+  CameraData camera;
+  ShapeData shape;
+  TransformTrack track;
+
+ private:
+  mutable std::unique_ptr<MeshRayTree> rayTree_;
+};
+
+}  // namespace vuk::rgw::adaptor::standalone

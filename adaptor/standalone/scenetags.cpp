@@ -1,0 +1,109 @@
+#include "adaptor/standalone/scenetags.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+
+#include "sdk/cextendable.h"
+#include "util/base64.h"
+#include "util/compressedblock.h"
+#include "util/xml/tag.h"
+
+namespace vuk::rgw::adaptor::standalone {
+
+using util::xml::Element;
+
+util::xml::Element MakeNodeTag(const std::string& instanceName, const std::string& objectName) {
+  util::xml::Tag tag("RGT_tag");
+  tag.AddChild(util::xml::TagWithData("name", instanceName));
+  tag.AddChild(util::xml::TagWithData("objectname", objectName));
+  return std::move(tag);
+}
+
+util::xml::Element MakeMasterNodes(core::InstanceHandle instance) {
+  util::xml::Tag masters("masternodes");
+  if (instance) instance->Extension(extension::kMasterNode, &masters);
+  return std::move(masters);
+}
+
+namespace {
+
+std::string PluginName(const Element& master) { return master.GetChild("RGT_Plugin").GetChild("name").GetText(); }
+
+// Unpacks a compressed "RGT_Plugin" in place. False when its blob is empty:
+// the master is then dropped.
+bool Unpack(Element& master) {
+  for (auto& child : master.children) {
+    Element& plugin = *child;
+    if (plugin.name != "RGT_Plugin" || plugin.GetAttribute("compressed") != "1") continue;
+    if (plugin.children.size() != 1 || plugin.children[0]->kind != Element::kText) return true;
+    util::Bytes packed, text;
+    if (!util::Base64::Decode(plugin.children[0]->name, packed) || packed.empty()) return false;
+    if (util::CompressedBlock::Unpack(packed, text) == util::CompressedBlock::Unpacked::kDamaged) return false;
+    Element unpacked;
+    unpacked.ParseText(std::string(text.begin(), text.end()));
+    plugin = std::move(unpacked);
+    return true;
+  }
+  return true;
+}
+
+struct Builder {
+  Element* master;
+  int childIndex = 0;
+  std::vector<Builder*> children;
+};
+
+void SortByChildIndex(std::vector<Builder*>& builders) {
+  std::stable_sort(builders.begin(), builders.end(),
+                   [](const Builder* a, const Builder* b) { return a->childIndex < b->childIndex; });
+}
+
+Element TreeOf(Builder& builder) {
+  Element plugin = builder.master->GetChild("RGT_Plugin");
+  SortByChildIndex(builder.children);
+  for (Builder* child : builder.children) plugin.AddChild(TreeOf(*child));
+  return plugin;
+}
+
+}  // namespace
+
+Element BuildGatheredTree(std::vector<Element> masters) {
+  std::vector<Element> kept;
+  for (auto it = masters.rbegin(); it != masters.rend(); ++it) {
+    if (Unpack(*it)) kept.push_back(std::move(*it));
+  }
+  std::reverse(kept.begin(), kept.end());
+  // One tool, however many merges brought it: the first stands.
+  for (std::size_t i = 0; i < kept.size(); ++i) {
+    for (std::size_t j = kept.size(); j-- > i + 1;) {
+      if (PluginName(kept[j]) == PluginName(kept[i])) kept.erase(kept.begin() + static_cast<std::ptrdiff_t>(j));
+    }
+  }
+
+  std::vector<Builder> builders(kept.size());
+  for (std::size_t i = 0; i < kept.size(); ++i) builders[i].master = &kept[i];
+  std::vector<Builder*> roots;
+  for (std::size_t i = builders.size(); i-- > 0;) {
+    Builder& builder = builders[i];
+    builder.childIndex = std::atoi(builder.master->GetChild("childindex").GetText().c_str());
+    const std::string parent = builder.master->GetChild("parent").GetText();
+    Builder* parentBuilder = nullptr;
+    if (!parent.empty()) {
+      for (Builder& candidate : builders) {
+        if (&candidate != &builder && PluginName(*candidate.master) == parent) parentBuilder = &candidate;
+      }
+    }
+    if (parentBuilder) {
+      parentBuilder->children.push_back(&builder);
+    } else {
+      roots.push_back(&builder);
+    }
+  }
+  SortByChildIndex(roots);
+  util::xml::Tag tree("RGT");
+  for (Builder* root : roots) tree.AddChild(TreeOf(*root));
+  return std::move(tree);
+}
+
+}  // namespace vuk::rgw::adaptor::standalone

@@ -1,0 +1,379 @@
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <iostream>
+
+#include "adaptor/standalone/standalonenode.h"
+#include "adaptor/standalone/scenetags.h"
+#include "sdk/cinterface.h"
+
+namespace vuk::rgw::adaptor::standalone {
+
+namespace {
+
+constexpr std::size_t kMaxHostName = 1024;
+
+// A node made or deleted through the adaptor: undo takes it off the list or
+// puts it back, and tells the tool through the callback it was made with.
+class NodeListRestore : public CUndo {
+ public:
+  NodeListRestore(StandaloneAdaptorInterface* adaptor, StandaloneNode* node, bool created)
+      : adaptor_(adaptor), node_(node), created_(created) {}
+  void Undo(bool) override { Apply(!created_); }
+  void Redo() override { Apply(created_); }
+
+ private:
+  void Apply(bool listed) {
+    auto* callback = reinterpret_cast<CInterface::Callback*>(node_->extra);
+    if (listed) {
+      adaptor_->AddNode(node_);
+      node_->external = false;
+      if (callback) callback->NodeRestored(node_);
+    } else {
+      adaptor_->RemoveNode(node_);
+      node_->external = true;
+      if (callback) callback->NodeLost(node_);
+    }
+  }
+
+  StandaloneAdaptorInterface* adaptor_;
+  StandaloneNode* node_;
+  bool created_;
+};
+
+// The time a recording started at, restored when it is undone.
+class SetTimeRestore : public CUndo {
+ public:
+  SetTimeRestore(StandaloneAdaptorInterface* adaptor, double time) : adaptor_(adaptor), before_(time) {}
+  void Undo(bool) override {
+    after_ = adaptor_->GetTime();
+    adaptor_->SetTime(before_);
+  }
+  void Redo() override { adaptor_->SetTime(after_); }
+
+ private:
+  StandaloneAdaptorInterface* adaptor_;
+  double before_;
+  double after_ = 0;
+};
+
+// CUndo records of tools and the core, kept in the scene's undo buffer.
+class ForeignRecord : public UndoRecord {
+ public:
+  explicit ForeignRecord(CUndo* record) : record_(record) {}
+  ~ForeignRecord() override { CUndo::Release(record_); }
+  void Restore() override { record_->Undo(true); }
+  void Redo() override { record_->Redo(); }
+
+ private:
+  CUndo* record_;
+};
+
+}  // namespace
+
+StandaloneAdaptorInterface::StandaloneAdaptorInterface() : util::MessageNode("StandaloneAdaptorInterface") {}
+
+StandaloneAdaptorInterface::~StandaloneAdaptorInterface() {
+  // Undo records may point at nodes: drop them first.
+  scene_.undo = UndoBuffer();
+  const std::vector<StandaloneNode*> owned = nodes_;
+  for (StandaloneNode* node : owned) delete node;
+}
+
+std::string StandaloneAdaptorInterface::GetHostVersion() { return "0.1"; }
+
+bool& StandaloneAdaptorInterface::SelectionBatch() {
+  static bool batch = false;
+  return batch;
+}
+
+void StandaloneAdaptorInterface::AddNode(StandaloneNode* node) {
+  if (std::find(nodes_.begin(), nodes_.end(), node) == nodes_.end()) nodes_.push_back(node);
+}
+
+void StandaloneAdaptorInterface::RemoveNode(StandaloneNode* node) {
+  nodes_.erase(std::remove(nodes_.begin(), nodes_.end(), node), nodes_.end());
+}
+
+StandaloneNode* StandaloneAdaptorInterface::FindOwnedOver(const SceneNode* host) const {
+  for (StandaloneNode* node : nodes_) {
+    if (node->GetHostNode() == host) return node;
+  }
+  return nullptr;
+}
+
+StandaloneNode* StandaloneAdaptorInterface::MakeOwnedNode(core::InstanceHandle instance, const std::string& nodeName,
+                                                          ObjectKind kind, core::CoreNode* parent,
+                                                          std::intptr_t extra) {
+  std::string hostName = core::InstanceName(instance) + "_" + nodeName;
+  if (hostName.size() > kMaxHostName) hostName.resize(kMaxHostName);
+  const auto* parentNode = dynamic_cast<StandaloneNode*>(parent);
+  SceneNode* host = scene_.CreateNode(kind, hostName, parentNode ? parentNode->GetHostNode() : nullptr);
+  auto* node = new StandaloneNode(this, instance, nodeName, host, extra);
+  if (IsUndoActive()) PutUndo(new NodeListRestore(this, node, true));
+  return node;
+}
+
+core::CoreNode* StandaloneAdaptorInterface::CreateCameraNode(core::InstanceHandle instance, std::string nodeName,
+                                                             core::CoreNode* parent, std::intptr_t extra) {
+  return MakeOwnedNode(instance, nodeName, ObjectKind::kCamera, parent, extra);
+}
+
+core::CoreNode* StandaloneAdaptorInterface::CreateMeshNode(core::InstanceHandle instance, std::string nodeName,
+                                                           core::CoreNode* parent, const util::CMesh& mesh,
+                                                           std::intptr_t extra) {
+  StandaloneNode* node = MakeOwnedNode(instance, nodeName, ObjectKind::kHelper, parent, extra);
+  node->GetHostNode()->SetMesh(mesh);
+  return node;
+}
+
+void StandaloneAdaptorInterface::DeleteNode(StandaloneNode* node, bool withHost) {
+  if (IsUndoActive()) PutUndo(new NodeListRestore(this, node, false));
+  RemoveNode(node);
+  if (withHost) scene_.DeleteNode(node->GetHostNode());
+}
+
+core::CoreNode* StandaloneAdaptorInterface::FindNode(core::InstanceHandle instance, std::string nodeName) {
+  for (StandaloneNode* node : nodes_) {
+    if (node->owner == instance && node->name == nodeName) return node;
+  }
+  return nullptr;
+}
+
+void StandaloneAdaptorInterface::WriteNodeTags(core::InstanceHandle instance) {
+  bool first = true;
+  for (StandaloneNode* node : nodes_) {
+    if (node->owner != instance || node->external) continue;
+    util::xml::Element tag = MakeNodeTag(core::InstanceName(instance), node->name);
+    if (first) {
+      first = false;
+      util::xml::Element masters = MakeMasterNodes(instance);
+      // Without the instance's state no node of it is tagged.
+      if (masters.children.empty()) return;
+      for (const auto& master : masters.children) tag.AddChild(*master);
+    }
+    node->GetHostNode()->properties[kTagProperty] = tag.Write("", "");
+  }
+}
+
+void StandaloneAdaptorInterface::GatherScene() {
+  gatherRecords_.clear();
+  std::vector<util::xml::Element> masters;
+  scene_.Walk([&](SceneNode& host) {
+    const auto tag = host.properties.find(kTagProperty);
+    if (tag == host.properties.end() || tag->second.empty()) return;
+    util::xml::Element parsed;
+    parsed.ParseText(tag->second);
+    for (std::size_t i = 0, n = parsed.CountChildren("masternode"); i < n; ++i) {
+      masters.push_back(parsed.GetChild("masternode", i));
+    }
+    if (!parsed.IsEmpty()) gatherRecords_.emplace_back(&host, std::move(parsed));
+  });
+  // Without a loader nothing can take the tools up: the tags stay, so
+  // nothing saved is lost.
+  if (!loader_) return;
+  loader_(BuildGatheredTree(std::move(masters)));
+
+  std::string unclaimed;
+  for (const auto& [host, tag] : gatherRecords_) {
+    if (!FindOwnedOver(host)) unclaimed += host->hostName + "\n";
+  }
+  if (!unclaimed.empty()) {
+    ShowMessageBox(
+        "Some nodes were found belonging to Quoll Rigworks, but they were never claimed. \n The following nodes "
+        "were left out:\n\n" + unclaimed,
+        "Gather error", box::kCritical);
+  }
+  for (auto& [host, tag] : gatherRecords_) host->properties[kTagProperty].clear();
+  gatherRecords_.clear();
+}
+
+void StandaloneAdaptorInterface::GetAllNodes(core::NodeList& list) {
+  list.Receive(std::vector<core::CoreNode*>(nodes_.begin(), nodes_.end()));
+}
+
+void StandaloneAdaptorInterface::GetInstanceNodes(core::InstanceHandle instance, core::NodeList& list) {
+  std::vector<core::CoreNode*> found;
+  for (StandaloneNode* node : nodes_) {
+    if (node->owner == instance) found.push_back(node);
+  }
+  list.Receive(std::move(found));
+}
+
+StandaloneNode* StandaloneAdaptorInterface::MatchGathered(const std::string& instanceName,
+                                                          const std::string& objectName) {
+  for (auto& [host, tag] : gatherRecords_) {
+    if (tag.GetChild("name").GetText() == instanceName && tag.GetChild("objectname").GetText() == objectName) {
+      return new StandaloneNode(this, nullptr, objectName, host, 0);
+    }
+  }
+  return nullptr;
+}
+
+StandaloneNode* StandaloneAdaptorInterface::MatchLive(const std::string& instanceName, const std::string& objectName) {
+  std::vector<SceneNode*> all;
+  scene_.Walk([&](SceneNode& host) { all.push_back(&host); });
+  // The last in scene order first, as the tags were read.
+  for (auto it = all.rbegin(); it != all.rend(); ++it) {
+    const auto tag = (*it)->properties.find(kTagProperty);
+    if (tag == (*it)->properties.end() || tag->second.empty()) continue;
+    util::xml::Element parsed;
+    parsed.ParseText(tag->second);
+    if (parsed.GetChild("name").GetText() == instanceName && parsed.GetChild("objectname").GetText() == objectName) {
+      return new StandaloneNode(this, nullptr, objectName, *it, 0);
+    }
+  }
+  return nullptr;
+}
+
+void StandaloneAdaptorInterface::ResolveNodes(std::string instanceName, const util::xml::Element& nodes,
+                                              core::NodeList& list) {
+  std::vector<core::CoreNode*> found;
+  for (std::size_t i = 0, n = nodes.CountChildren("node"); i < n; ++i) {
+    const util::xml::Element& entry = nodes.GetChild("node", i);
+    const std::string objectName = entry.GetAttribute("name");
+    StandaloneNode* node = MatchGathered(instanceName, objectName);
+    if (!node) node = MatchLive(instanceName, objectName);
+    if (!node && !entry.GetChild("UID").IsEmpty()) {
+      const auto handle =
+          static_cast<SceneNode::Handle>(std::strtoul(entry.GetChild("UID").GetText().c_str(), nullptr, 10));
+      SceneNode* host = scene_.Find(handle);
+      if (host && host->IsInScene()) node = new StandaloneNode(this, host);
+    }
+    found.push_back(node);
+  }
+  list.Receive(std::move(found));
+}
+
+void StandaloneAdaptorInterface::MergeFile(std::string, core::NodeList& list) {
+  // Scene files come with the glTF reader; until then a merge brings nothing.
+  list.Receive({});
+}
+
+std::int32_t StandaloneAdaptorInterface::BeginUndo(std::string label) {
+  if (undoLabels_.empty() && !scene_.undo.IsHolding()) {
+    scene_.undo.Begin();
+    holdOpenedHere_ = true;
+  }
+  undoLabels_.push_back(std::move(label));
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::PutUndo(CUndo* record) {
+  if (!IsUndoActive()) {
+    CUndo::Release(record);
+    return 1;
+  }
+  scene_.undo.Put(std::make_unique<ForeignRecord>(record));
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::EndUndo() {
+  if (undoLabels_.empty()) return 1;
+  const std::string label = undoLabels_.back();
+  undoLabels_.pop_back();
+  if (undoLabels_.empty() && holdOpenedHere_) {
+    if (cancelPending_) {
+      scene_.undo.Cancel();
+    } else {
+      scene_.undo.Accept(label);
+    }
+    holdOpenedHere_ = false;
+    cancelPending_ = false;
+  }
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::CancelUndo() {
+  cancelPending_ = true;
+  return EndUndo();
+}
+
+bool StandaloneAdaptorInterface::IsUndoActive() { return !undoLabels_.empty() && !scene_.undo.IsRestoring(); }
+
+bool StandaloneAdaptorInterface::Undo() {
+  scene_.undo.Undo();
+  return true;
+}
+
+bool StandaloneAdaptorInterface::Redo() {
+  scene_.undo.Redo();
+  return true;
+}
+
+void StandaloneAdaptorInterface::SetTime(double seconds) {
+  scene_.clock.SetTime(seconds);
+  RedrawScene();
+}
+
+void StandaloneAdaptorInterface::SetTimeScale(std::int32_t scale) {
+  if (scale <= 0) return;
+  const std::int32_t nominal = scene_.clock.GetFrameRate() / timeScale_;
+  timeScale_ = scale;
+  scene_.clock.SetFrameRate(nominal * timeScale_);
+}
+
+std::pair<double, double> StandaloneAdaptorInterface::GetAnimationRange() {
+  return {scene_.clock.SecondsOf(scene_.clock.GetRangeStart()), scene_.clock.SecondsOf(scene_.clock.GetRangeEnd())};
+}
+
+std::int32_t StandaloneAdaptorInterface::SetAnimationRange(std::pair<double, double> range) {
+  scene_.clock.SetRange(scene_.clock.TickOf(range.first), scene_.clock.TickOf(range.second));
+  return 1;
+}
+
+double StandaloneAdaptorInterface::GetFrameRate() {
+  return static_cast<double>(scene_.clock.GetFrameRate() / timeScale_);
+}
+
+double StandaloneAdaptorInterface::GetFrameDuration() {
+  return 1.0 / static_cast<double>(scene_.clock.GetFrameRate() / timeScale_);
+}
+
+std::int32_t StandaloneAdaptorInterface::BeginRecording() {
+  animateWasOn_ = scene_.animate;
+  scene_.animate = true;
+  PutUndo(new SetTimeRestore(this, GetTime()));
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::BeginRecordingInstances(std::vector<core::InstanceHandle> instances) {
+  BeginRecording();
+  // Every rig starts its take with a key where it stands.
+  const double now = GetTime();
+  for (StandaloneNode* node : nodes_) {
+    if (!node->live || std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
+    CSnapshot* snapshot = node->GetSnapshot(now);
+    snapshot->SetLocalTransform(snapshot->GetLocalTransform());
+    node->ReleaseSnapshot(snapshot);
+  }
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::EndRecording() {
+  if (!animateWasOn_) scene_.animate = false;
+  return 0;
+}
+
+std::int32_t StandaloneAdaptorInterface::GetConfigLayout(util::xml::Element&) {
+  // The embedded host has no settings page of its own yet.
+  return 0;
+}
+
+void StandaloneAdaptorInterface::ConnectConfig(gui::Component*) {
+  // Nothing to connect while the host has no settings page.
+}
+
+std::int32_t StandaloneAdaptorInterface::ShowMessageBox(const std::string& text, const std::string& caption,
+                                                        std::int32_t style) {
+  if (messageBox_) return messageBox_(text, caption, style);
+  std::cerr << caption << ": " << text << std::endl;
+  return box::kOk;
+}
+
+std::int32_t StandaloneAdaptorInterface::ShowError(std::string text, std::string caption) {
+  return ShowMessageBox(text, caption, box::kCritical);
+}
+
+}  // namespace vuk::rgw::adaptor::standalone

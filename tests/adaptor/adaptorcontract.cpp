@@ -1,0 +1,255 @@
+#include "tests/adaptor/adaptorcontract.h"
+
+#include <cmath>
+
+#include "sdk/ccamera.h"
+#include "tests/adaptor/testinstance.h"
+#include "util/mesh.h"
+#include "util/xml/tag.h"
+
+namespace vuk::rgw::testing_support {
+namespace {
+
+using core::CoreNode;
+using core::NodeVector;
+
+// An undo record that counts what is done to it.
+struct Counts {
+  int undone = 0;
+  int redone = 0;
+  int released = 0;
+};
+
+class CountingUndo : public CUndo {
+ public:
+  explicit CountingUndo(Counts& counts) : counts_(counts) {}
+  ~CountingUndo() override { ++counts_.released; }
+  void Undo(bool) override { ++counts_.undone; }
+  void Redo() override { ++counts_.redone; }
+
+ private:
+  Counts& counts_;
+};
+
+util::Matrix<double> Translation(double x, double y, double z) {
+  util::Matrix<double> m;
+  m.SetTranslation({x, y, z});
+  return m;
+}
+
+TEST_P(AdaptorContract, SpeaksTheInterfaceVersion) {
+  EXPECT_EQ(adaptor->GetInterfaceVersion(), 20110);
+  EXPECT_FALSE(adaptor->GetDataFolderName().empty());
+  EXPECT_FALSE(adaptor->GetHostName().empty());
+}
+
+TEST_P(AdaptorContract, EndUndoOnAnEmptyStackAnswersOne) {
+  EXPECT_EQ(adaptor->EndUndo(), 1);
+  EXPECT_EQ(adaptor->CancelUndo(), 1);
+  EXPECT_FALSE(adaptor->IsUndoActive());
+}
+
+TEST_P(AdaptorContract, PutUndoOutsideAGroupDestroysTheRecord) {
+  Counts counts;
+  EXPECT_EQ(adaptor->PutUndo(new CountingUndo(counts)), 1);
+  EXPECT_EQ(counts.released, 1);
+  EXPECT_EQ(counts.undone, 0);
+}
+
+TEST_P(AdaptorContract, AGroupIsUndoneAndRedoneAsOne) {
+  Counts first, second;
+  EXPECT_EQ(adaptor->BeginUndo("Outer"), 0);
+  EXPECT_TRUE(adaptor->IsUndoActive());
+  EXPECT_EQ(adaptor->PutUndo(new CountingUndo(first)), 0);
+  adaptor->BeginUndo("Inner");
+  EXPECT_EQ(adaptor->PutUndo(new CountingUndo(second)), 0);
+  EXPECT_EQ(adaptor->EndUndo(), 0);
+  EXPECT_TRUE(adaptor->IsUndoActive());
+  EXPECT_EQ(adaptor->EndUndo(), 0);
+  EXPECT_FALSE(adaptor->IsUndoActive());
+  EXPECT_EQ(first.undone + second.undone, 0);
+
+  EXPECT_TRUE(adaptor->Undo());
+  EXPECT_EQ(first.undone, 1);
+  EXPECT_EQ(second.undone, 1);
+  EXPECT_TRUE(adaptor->Redo());
+  EXPECT_EQ(first.redone, 1);
+  EXPECT_EQ(second.redone, 1);
+  EXPECT_EQ(first.released + second.released, 0);
+  // The host frees kept records when it goes.
+  adaptor.reset();
+  EXPECT_EQ(first.released + second.released, 2);
+}
+
+TEST_P(AdaptorContract, AnInnerCancelCancelsTheOutermostGroup) {
+  Counts counts;
+  adaptor->BeginUndo("Outer");
+  adaptor->PutUndo(new CountingUndo(counts));
+  adaptor->BeginUndo("Inner");
+  EXPECT_EQ(adaptor->CancelUndo(), 0);
+  EXPECT_TRUE(adaptor->IsUndoActive());  // the outer group is still open
+  EXPECT_EQ(adaptor->EndUndo(), 0);
+  EXPECT_FALSE(adaptor->IsUndoActive());
+  // Cancelling took the change back and kept nothing to undo.
+  EXPECT_EQ(counts.undone, 1);
+  EXPECT_EQ(counts.released, 1);
+  adaptor->Undo();
+  EXPECT_EQ(counts.undone, 1);
+}
+
+TEST_P(AdaptorContract, TimeScaleKeepsTheNominalRate) {
+  const double nominal = adaptor->GetFrameRate();
+  ASSERT_GT(nominal, 0);
+  adaptor->SetTime(1.0);
+  EXPECT_DOUBLE_EQ(adaptor->GetTime(), 1.0);
+  adaptor->SetTimeScale(4);
+  EXPECT_EQ(adaptor->GetFrameRate(), nominal);
+  EXPECT_DOUBLE_EQ(adaptor->GetFrameDuration(), 1.0 / nominal);
+  adaptor->SetTimeScale(1);
+  EXPECT_EQ(adaptor->GetFrameRate(), nominal);
+}
+
+TEST_P(AdaptorContract, CreateOtherNodeGivesNull) {
+  TestInstance instance("Tool01");
+  EXPECT_EQ(adaptor->CreateOtherNode(&instance, "X", nullptr, util::CMesh(), 0), nullptr);
+}
+
+TEST_P(AdaptorContract, FindNodeMatchesOwnerAndNameExactly) {
+  TestInstance a("CarCam01"), b("CarCam02");
+  CoreNode* body = adaptor->CreateMeshNode(&a, "Body", nullptr, util::CMesh_Box(1, 1, 1), 0);
+  CoreNode* other = adaptor->CreateMeshNode(&b, "Body", nullptr, util::CMesh_Box(1, 1, 1), 0);
+  ASSERT_NE(body, nullptr);
+  EXPECT_EQ(adaptor->FindNode(&a, "Body"), body);
+  EXPECT_EQ(adaptor->FindNode(&b, "Body"), other);
+  EXPECT_EQ(adaptor->FindNode(&a, "body"), nullptr);
+  EXPECT_EQ(adaptor->FindNode(&a, "Body "), nullptr);
+  EXPECT_EQ(body->GetHostName(), "CarCam01_Body");
+  EXPECT_EQ(body->owner, &a);
+  EXPECT_FALSE(body->IsExternal());
+}
+
+TEST_P(AdaptorContract, InstanceNodesComeInCreationOrder) {
+  TestInstance a("A"), b("B");
+  CoreNode* first = adaptor->CreateCameraNode(&a, "Cam", nullptr, 0);
+  CoreNode* foreign = adaptor->CreateCameraNode(&b, "Cam", nullptr, 0);
+  CoreNode* second = adaptor->CreateMeshNode(&a, "Target", first, util::CMesh_Box(1, 1, 1), 0);
+  NodeVector mine, all;
+  adaptor->GetInstanceNodes(&a, mine);
+  adaptor->GetAllNodes(all);
+  EXPECT_EQ(mine.nodes, (std::vector<CoreNode*>{first, second}));
+  EXPECT_EQ(all.nodes, (std::vector<CoreNode*>{first, foreign, second}));
+}
+
+TEST_P(AdaptorContract, AnInstanceWithoutStateWritesNoTag) {
+  TestInstance silent("Silent01");
+  CoreNode* node = adaptor->CreateCameraNode(&silent, "Cam", nullptr, 0);
+  adaptor->WriteNodeTags(&silent);
+  // Gathering finds nothing to hand on, so the node is not claimed by a tag.
+  NodeVector resolved;
+  util::xml::Element nodes;
+  nodes.ParseText("<nodeinfo><node name=\"Cam\"/></nodeinfo>");
+  adaptor->ResolveNodes("Silent01", nodes, resolved);
+  ASSERT_EQ(resolved.nodes.size(), 1u);
+  EXPECT_EQ(resolved.nodes[0], nullptr);
+  (void)node;
+}
+
+TEST_P(AdaptorContract, TaggedNodesResolveByInstanceAndNodeName) {
+  TestInstance tool("Heli01");
+  tool.master.ParseText("<masternode><childindex>0</childindex><RGT_Plugin version=\"2.5\"><name>Heli01</name>"
+                        "</RGT_Plugin></masternode>");
+  adaptor->CreateMeshNode(&tool, "Body", nullptr, util::CMesh_Box(1, 1, 1), 0);
+  adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  adaptor->WriteNodeTags(&tool);
+  util::xml::Element nodes;
+  nodes.ParseText("<nodeinfo><node name=\"Cam\"/><node name=\"Missing\"/><node name=\"Body\"/></nodeinfo>");
+  NodeVector resolved;
+  adaptor->ResolveNodes("Heli01", nodes, resolved);
+  ASSERT_EQ(resolved.nodes.size(), 3u);
+  ASSERT_NE(resolved.nodes[0], nullptr);
+  EXPECT_EQ(resolved.nodes[0]->GetHostName(), "Heli01_Cam");
+  EXPECT_EQ(resolved.nodes[1], nullptr);
+  ASSERT_NE(resolved.nodes[2], nullptr);
+  EXPECT_EQ(resolved.nodes[2]->GetHostName(), "Heli01_Body");
+}
+
+TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
+  TestInstance tool("Cam01");
+  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  adaptor->BeginUndo("Record");
+  adaptor->BeginRecording();
+  for (int frame = 0; frame <= 10; ++frame) {
+    CSnapshot* snapshot = node->GetSnapshot(frame / 10.0);
+    snapshot->SetWorldTransform(Translation(frame, 0, 0));
+    EXPECT_DOUBLE_EQ(snapshot->GetTime(), frame / 10.0);
+    node->ReleaseSnapshot(snapshot);
+  }
+  adaptor->EndRecording();
+  adaptor->EndUndo();
+  // The clock did not move: each read is of its own time.
+  CSnapshot* at03 = node->GetSnapshot(0.3);
+  CSnapshot* at07 = node->GetSnapshot(0.7);
+  EXPECT_NE(at03, at07);
+  EXPECT_NEAR(at03->GetWorldTransform().GetTranslation().x, 3.0, 1e-9);
+  EXPECT_NEAR(at07->GetWorldTransform().GetTranslation().x, 7.0, 1e-9);
+  node->ReleaseSnapshot(at03);
+  node->ReleaseSnapshot(at07);
+
+  // Keys from a time on go away, and the last key before holds.
+  adaptor->BeginUndo("Resimulate");
+  node->InvalidateFrom(0.5);
+  adaptor->EndUndo();
+  CSnapshot* later = node->GetSnapshot(0.9);
+  EXPECT_NEAR(later->GetWorldTransform().GetTranslation().x, 4.0, 1e-9);
+  node->ReleaseSnapshot(later);
+
+  // Undo brings the removed keys back, and one more undo the whole recording.
+  adaptor->Undo();
+  CSnapshot* restored = node->GetSnapshot(0.9);
+  EXPECT_NEAR(restored->GetWorldTransform().GetTranslation().x, 9.0, 1e-9);
+  adaptor->Undo();
+  EXPECT_NEAR(restored->GetWorldTransform().GetTranslation().x, 0.0, 1e-9);
+  node->ReleaseSnapshot(restored);
+}
+
+TEST_P(AdaptorContract, SnapshotsComeFromAPool) {
+  TestInstance tool("Cam01");
+  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  CSnapshot* a = node->GetSnapshot(0);
+  CSnapshot* b = node->GetSnapshot(0);
+  EXPECT_NE(a, b);
+  node->ReleaseSnapshot(b);
+  EXPECT_EQ(node->GetSnapshot(1.0), b);
+  node->ReleaseSnapshot(a);
+  node->ReleaseSnapshot(b);
+  node->ReleaseSnapshot(nullptr);
+  EXPECT_EQ(node->GetLensSnapshot(0) != nullptr, true);
+  EXPECT_EQ(node->GetShapeSnapshot(0), nullptr);
+}
+
+TEST_P(AdaptorContract, NodeMessagesOutsideTheRangeAnswerZero) {
+  TestInstance tool("T");
+  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  EXPECT_EQ(node->Extension(9, nullptr), 0);
+  EXPECT_EQ(node->Extension(58, nullptr), 0);
+  EXPECT_EQ(node->ExtensionIds(), (std::vector<std::int32_t>{10, 11, 17, 37, 31, 32}));
+  EXPECT_EQ(node->Extension(10, nullptr), 1);
+  EXPECT_EQ(node->Extension(10, nullptr), 0);
+  EXPECT_EQ(node->Extension(11, nullptr), 1);
+  EXPECT_EQ(node->Extension(11, nullptr), 0);
+}
+
+TEST_P(AdaptorContract, ReleaseTurnsAnOwnedNodeIntoAWrapperOnce) {
+  TestInstance tool("T");
+  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  node->Release();
+  EXPECT_TRUE(node->IsExternal());
+  EXPECT_EQ(node->owner, nullptr);
+  EXPECT_EQ(adaptor->FindNode(&tool, "Cam"), nullptr);
+  node->Release();
+  EXPECT_TRUE(node->IsExternal());
+  node->DestroySelf();
+}
+
+}  // namespace
+}  // namespace vuk::rgw::testing_support

@@ -1,0 +1,206 @@
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+
+#include <gtest/gtest.h>
+
+#include "adaptor/standalone/standalonenode.h"
+#include "sdk/cinterface.h"
+#include "tests/adaptor/testinstance.h"
+#include "util/base64.h"
+#include "util/compressedblock.h"
+#include "util/mesh.h"
+
+namespace vuk::rgw::adaptor::standalone {
+namespace {
+
+using testing_support::TestInstance;
+
+class Standalone : public testing::Test {
+ protected:
+  StandaloneAdaptorInterface adaptor;
+  Scene& scene = adaptor.GetScene();
+};
+
+TEST_F(Standalone, NamesOfTheHost) {
+  EXPECT_EQ(adaptor.GetHostName(), "standalone");
+  EXPECT_EQ(adaptor.GetDataFolderName(), "adaptor_standalone");
+  EXPECT_EQ(adaptor.GetName(), "StandaloneAdaptorInterface");
+}
+
+TEST_F(Standalone, TimeScaleArithmetic) {
+  adaptor.SetTimeScale(4);
+  EXPECT_EQ(scene.clock.GetFrameRate(), 120);
+  EXPECT_EQ(adaptor.GetFrameRate(), 30.0);
+  // The same tick movement is a quarter of the scene time per host frame.
+  EXPECT_EQ(scene.clock.GetTicksPerFrame(), 40);
+  // A host rate not divisible by the scale loses the remainder.
+  scene.clock.SetFrameRate(122);
+  EXPECT_EQ(adaptor.GetFrameRate(), 30.0);
+  EXPECT_DOUBLE_EQ(adaptor.GetFrameDuration(), 1.0 / 30);
+  adaptor.SetTimeScale(1);
+  EXPECT_EQ(scene.clock.GetFrameRate(), 30);
+}
+
+TEST_F(Standalone, SetTimeTruncatesToTicksAndTellsTheListener) {
+  double heard = -1;
+  scene.clock.onTimeChanged = [&](double t) { heard = t; };
+  adaptor.SetTime(0.5);
+  EXPECT_EQ(scene.clock.GetTick(), 2400);
+  EXPECT_EQ(heard, 0.5);
+  adaptor.SetTime(1.0 / 9600);  // half a tick
+  EXPECT_EQ(scene.clock.GetTick(), 0);
+}
+
+TEST_F(Standalone, HelperNodesStartAsWiresWithoutCulling) {
+  TestInstance tool("Look01");
+  core::CoreNode* node = adaptor.CreateMeshNode(&tool, "Target", nullptr, util::CMesh_Box(1, 2, 3), 0);
+  auto* standalone = static_cast<StandaloneNode*>(node);
+  EXPECT_TRUE(standalone->GetHostNode()->wireframe);
+  EXPECT_FALSE(standalone->GetHostNode()->backfaceCull);
+  EXPECT_EQ(standalone->GetHostNode()->mesh.vertices.size(), 8u);
+  CSnapshot_Helper* helper = node->GetHelperSnapshot(0);
+  ASSERT_NE(helper, nullptr);
+  helper->SetWireframe(false);
+  helper->SetBackfaceCull(true);
+  node->ReleaseHelperSnapshot(helper);
+  EXPECT_FALSE(standalone->GetHostNode()->wireframe);
+  EXPECT_TRUE(standalone->GetHostNode()->backfaceCull);
+  // A mesh snapshot casts rays in the object's own space.
+  CSnapshot_Mesh* mesh = node->GetMeshSnapshot(0);
+  double distance = 0;
+  Vector3 normal;
+  ASSERT_TRUE(mesh->IntersectRay({0, 5, 0}, {0, -1, 0}, &distance, &normal));
+  EXPECT_DOUBLE_EQ(distance, 4.0);
+  EXPECT_EQ(normal, Vector3(0, 1, 0));
+  EXPECT_TRUE(mesh->IntersectRay({0, 5, 0}, {0, -1, 0}, nullptr, nullptr));
+  node->ReleaseMeshSnapshot(mesh);
+  EXPECT_EQ(node->GetLensSnapshot(0), nullptr);
+}
+
+TEST_F(Standalone, ShapeSnapshots) {
+  SceneNode* host = scene.CreateNode(ObjectKind::kShape, "Path");
+  host->shape.splines = {{{0, 0, 0}, {10, 0, 0}}, {{0, 0, 0}, {0, 0, 3}, {4, 0, 3}}};
+  StandaloneNode wrapper(&adaptor, host);
+  CSnapshot_Shape* shape = wrapper.GetShapeSnapshot(0);
+  ASSERT_NE(shape, nullptr);
+  EXPECT_EQ(shape->GetSplineCount(), 2);
+  EXPECT_EQ(shape->SetCurrentSpline(5), 1);
+  EXPECT_DOUBLE_EQ(shape->GetLength(), 7.0);
+  const Vector3 corner = shape->GetPoint(3.0 / 7.0);
+  EXPECT_NEAR(corner.z, 3.0, 1e-12);
+  EXPECT_NEAR(shape->GetTangent(0.9).x, 1.0, 1e-12);
+  EXPECT_NEAR(shape->GetTangent(0.0).z, 1.0, 1e-12);
+  wrapper.ReleaseShapeSnapshot(shape);
+  host->shape.splines.clear();
+  CSnapshot_Shape* empty = wrapper.GetShapeSnapshot(0);
+  EXPECT_EQ(empty->SetCurrentSpline(5), 0);
+  EXPECT_EQ(empty->GetCurrentSpline(), 0);
+  wrapper.ReleaseShapeSnapshot(empty);
+}
+
+class Callback : public CInterface::Callback {
+ public:
+  void Changed(std::string) override {}
+  void NodeLost(CNode*) override { ++lost; }
+  void NodeRestored(CNode*) override { ++restored; }
+  int lost = 0;
+  int restored = 0;
+};
+
+TEST_F(Standalone, UndoOfCreationTellsTheTool) {
+  TestInstance tool("Tool01");
+  Callback callback;
+  adaptor.BeginUndo("Create");
+  core::CoreNode* node = adaptor.CreateCameraNode(&tool, "Cam", nullptr, reinterpret_cast<std::intptr_t>(&callback));
+  adaptor.EndUndo();
+  adaptor.Undo();
+  EXPECT_EQ(callback.lost, 1);
+  EXPECT_EQ(adaptor.FindNode(&tool, "Cam"), nullptr);
+  EXPECT_FALSE(static_cast<StandaloneNode*>(node)->GetHostNode()->IsInScene());
+  adaptor.Redo();
+  EXPECT_EQ(callback.restored, 1);
+  EXPECT_EQ(adaptor.FindNode(&tool, "Cam"), node);
+  EXPECT_TRUE(static_cast<StandaloneNode*>(node)->GetHostNode()->IsInScene());
+}
+
+std::string PluginText(const std::string& name) {
+  return "<RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>" + name + "</name></RGT_Plugin>";
+}
+
+std::string CompressedMaster(const std::string& name, const std::string& parent, int childIndex) {
+  const std::string blob = util::Base64::Encode(util::CompressedBlock::Pack(PluginText(name)));
+  return "<masternode><parent>" + parent + "</parent><childindex>" + std::to_string(childIndex) +
+         "</childindex><RGT_Plugin compressed=\"1\">" + blob + "</RGT_Plugin></masternode>";
+}
+
+TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
+  // Two merges of one scene: every tag twice.
+  for (int copy = 0; copy < 2; ++copy) {
+    SceneNode* a = scene.CreateNode(ObjectKind::kEmpty, "A");
+    a->properties["RGT_tag"] = "<RGT_tag><name>Parent</name><objectname>Cam</objectname>" +
+                               CompressedMaster("Parent", "", 0) + "</RGT_tag>";
+    SceneNode* b = scene.CreateNode(ObjectKind::kEmpty, "B");
+    b->properties["RGT_tag"] = "<RGT_tag><name>Second</name><objectname>Cam</objectname>" +
+                               CompressedMaster("Second", "Parent", 1) + "</RGT_tag>";
+    SceneNode* c = scene.CreateNode(ObjectKind::kEmpty, "C");
+    c->properties["RGT_tag"] = "<RGT_tag><name>First</name><objectname>Cam</objectname>" +
+                               CompressedMaster("First", "Parent", 0) + "</RGT_tag>";
+  }
+  std::string loaded;
+  adaptor.SetSceneLoader([&](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
+  std::string box;
+  adaptor.SetMessageBoxSink([&](const std::string& text, const std::string& caption, std::int32_t style) {
+    box = caption + "|" + std::to_string(style) + "|" + text;
+    return 0;
+  });
+  adaptor.GatherScene();
+  EXPECT_EQ(loaded, "<RGT><RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>Parent</name>" + PluginText("First") +
+                        PluginText("Second") + "</RGT_Plugin></RGT>");
+  // Nobody claimed the nodes: the box names each of them.
+  EXPECT_EQ(box,
+            "Gather error|32|Some nodes were found belonging to Quoll Rigworks, but they were never claimed. \n The "
+            "following nodes were left out:\n\nA\nB\nC\nA\nB\nC\n");
+  scene.Walk([](SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
+}
+
+TEST_F(Standalone, GatherWithoutTagsHandsOnAnEmptyTreeAndShowsNothing) {
+  std::string loaded = "none";
+  adaptor.SetSceneLoader([&](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
+  bool shown = false;
+  adaptor.SetMessageBoxSink([&](const std::string&, const std::string&, std::int32_t) {
+    shown = true;
+    return 0;
+  });
+  adaptor.GatherScene();
+  EXPECT_EQ(loaded, "<RGT/>");
+  EXPECT_FALSE(shown);
+}
+
+TEST_F(Standalone, GatherWithoutALoaderKeepsTheTags) {
+  SceneNode* a = scene.CreateNode(ObjectKind::kEmpty, "A");
+  a->properties["RGT_tag"] = "<RGT_tag><name>T</name></RGT_tag>";
+  adaptor.GatherScene();
+  EXPECT_EQ(a->properties["RGT_tag"], "<RGT_tag><name>T</name></RGT_tag>");
+}
+
+TEST_F(Standalone, RecordingPinsAKeyOnEveryLiveNodeOfTheInstances) {
+  TestInstance tool("Car01"), other("Car02");
+  core::CoreNode* body = adaptor.CreateCameraNode(&tool, "Body", nullptr, 0);
+  core::CoreNode* idle = adaptor.CreateCameraNode(&other, "Body", nullptr, 0);
+  adaptor.SetTime(2.0);
+  adaptor.BeginUndo("Record");
+  adaptor.BeginRecordingInstances({&tool});
+  EXPECT_TRUE(scene.animate);
+  adaptor.EndRecording();
+  adaptor.EndUndo();
+  EXPECT_FALSE(scene.animate);
+  EXPECT_EQ(static_cast<StandaloneNode*>(body)->GetHostNode()->track.Keys().size(), 1u);
+  EXPECT_EQ(static_cast<StandaloneNode*>(body)->GetHostNode()->track.Keys()[0].tick, 9600);
+  EXPECT_TRUE(static_cast<StandaloneNode*>(idle)->GetHostNode()->track.Keys().empty());
+  // Undoing the recording puts the clock back where it started.
+  adaptor.SetTime(5.0);
+  adaptor.Undo();
+  EXPECT_EQ(adaptor.GetTime(), 2.0);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::adaptor::standalone

@@ -1,0 +1,125 @@
+#include "core/coreimplementation.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "core/corelog.h"
+#include "tests/core/scopedenv.h"
+
+namespace vuk::rgw::core {
+namespace {
+
+using adaptor::standalone::StandaloneAdaptorInterface;
+using testing_support::ScopedEnv;
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream in(path);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+class CountingAdaptor : public StandaloneAdaptorInterface {
+ public:
+  std::int32_t GetInterfaceVersion() override { return version; }
+  std::int32_t Shutdown() override {
+    ++shutdowns;
+    return 0;
+  }
+  std::int32_t version = kInterfaceVersion;
+  int shutdowns = 0;
+};
+
+// A fresh install root with the adaptor's defaults and an empty user folder.
+class CoreStart : public testing::Test {
+ protected:
+  CoreStart()
+      : folder(testing::TempDir() + "/corestart_" + testing::UnitTest::GetInstance()->current_test_info()->name()),
+        root("RIGWORKS_ROOT", (folder + "/install").c_str()),
+        dataHome("XDG_DATA_HOME", (folder + "/user").c_str()) {
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directories(folder + "/install/rigworks/data/adaptor_standalone");
+    std::ofstream(folder + "/install/rigworks/data/adaptor_standalone/settings.xml")
+        << "<RGTConfig><element id=\"100\">5</element><element id=\"105\">1</element></RGTConfig>";
+  }
+  ~CoreStart() override { CoreLog::Instance().Close(); }
+
+  // The user's own settings file, there before the start.
+  std::string WriteUserSettings(const std::string& text) {
+    const std::string userFolder = folder + "/user/rigworks/data/adaptor_standalone";
+    std::filesystem::create_directories(userFolder);
+    std::ofstream(userFolder + "/settings.xml") << text;
+    return userFolder + "/settings.xml";
+  }
+
+  std::string folder;
+  ScopedEnv root;
+  ScopedEnv dataHome;
+};
+
+TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
+  CountingAdaptor adaptor;
+  {
+    CoreImplementation core;
+    ASSERT_EQ(core.Start(&adaptor), &core);
+    EXPECT_TRUE(core.IsStarted());
+    EXPECT_EQ(core.GetAdaptor(), &adaptor);
+    EXPECT_NE(core.GetDevices(), nullptr);
+    EXPECT_EQ(core.GetName(), "CORE");
+    const std::string settings = folder + "/user/rigworks/data/adaptor_standalone/settings.xml";
+    EXPECT_EQ(core.GetSettingsPath(), settings);
+    // The installed defaults were copied and read.
+    EXPECT_EQ(core.GetSettings().GetInt(100), 5);
+    EXPECT_TRUE(core.GetSettings().GetBool(105));
+    // A change is written at once.
+    core.SetBool(102, true);
+    EXPECT_NE(ReadFile(settings).find("<element id=\"102\">1</element>"), std::string::npos);
+    // A second start is refused.
+    EXPECT_EQ(core.Start(&adaptor), nullptr);
+    EXPECT_EQ(adaptor.shutdowns, 0);
+  }
+  EXPECT_EQ(adaptor.shutdowns, 1);
+  const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
+  EXPECT_NE(log.find("INFO core started with \"Standalone Adaptor\""), std::string::npos) << log;
+  EXPECT_NE(log.find("INFO core stopped"), std::string::npos) << log;
+}
+
+TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
+  CountingAdaptor adaptor;
+  adaptor.version = 20100;
+  {
+    CoreImplementation core;
+    EXPECT_EQ(core.Start(&adaptor), nullptr);
+    EXPECT_FALSE(core.IsStarted());
+    EXPECT_EQ(core.GetDevices(), nullptr);
+    EXPECT_EQ(core.GetSettings().GetInt(100), 3);
+  }
+  const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
+  EXPECT_NE(log.find("ERROR adaptor \"Standalone Adaptor\" speaks interface version 20100"), std::string::npos) << log;
+}
+
+TEST_F(CoreStart, AUserFileIsNotOverwrittenByTheDefaults) {
+  WriteUserSettings("<RGTConfig><element id=\"100\">8</element></RGTConfig>");
+  CountingAdaptor adaptor;
+  CoreImplementation core;
+  ASSERT_NE(core.Start(&adaptor), nullptr);
+  EXPECT_EQ(core.GetSettings().GetInt(100), 8);
+}
+
+TEST_F(CoreStart, ABrokenSettingsFileIsLoggedAndTheDefaultsHold) {
+  const std::string path = WriteUserSettings("<RGTConfig><element id=\"100\">8</element>");
+  CountingAdaptor adaptor;
+  {
+    CoreImplementation core;
+    ASSERT_NE(core.Start(&adaptor), nullptr);
+    EXPECT_EQ(core.GetSettings().GetInt(100), 3);
+  }
+  const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
+  EXPECT_NE(log.find("WARNING " + path + ": not a settings file (parse result 3)"),
+            std::string::npos)
+      << log;
+}
+
+}  // namespace
+}  // namespace vuk::rgw::core
