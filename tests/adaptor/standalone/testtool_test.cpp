@@ -1,0 +1,131 @@
+#include "tests/adaptor/standalone/testtool.h"
+
+#include <gtest/gtest.h>
+
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "adaptor/standalone/standalonenode.h"
+#include "tests/adaptor/standalone/testtoolinterface.h"
+
+namespace vuk::rgw::testing_support {
+namespace {
+
+using adaptor::standalone::StandaloneAdaptorInterface;
+using adaptor::standalone::StandaloneNode;
+
+class TestToolRecording : public testing::Test {
+ protected:
+  void SetUp() override {
+    CCamera::CreateParam param("TestTool01");
+    tool.reset(static_cast<TestTool*>(plugin.Create(param)));
+    tool->iface = &iface;
+    ASSERT_EQ(tool->BuildConfig(), 0);
+    ASSERT_EQ(tool->Create(), 0);
+  }
+
+  // 100 frames from time 0 inside one undo group, as a take is recorded.
+  void Record() {
+    adaptor.BeginUndo("Record");
+    adaptor.BeginRecording();
+    tool->Start(0.0);
+    for (int frame = 0; frame < kFrames; ++frame) tool->Step(frame * adaptor.GetFrameDuration());
+    tool->Stop(kFrames * adaptor.GetFrameDuration());
+    adaptor.EndRecording();
+    adaptor.EndUndo();
+  }
+
+  const std::vector<adaptor::standalone::TransformKey>& Keys(CNode* node) {
+    return static_cast<StandaloneNode*>(node)->GetHostNode()->track.Keys();
+  }
+
+  static constexpr int kFrames = 100;
+  StandaloneAdaptorInterface adaptor;
+  TestToolInterface iface{&adaptor, "TestTool01"};
+  TestToolPlugin plugin;
+  std::unique_ptr<TestTool> tool;
+};
+
+TEST_F(TestToolRecording, BuildsItsPageAndNodes) {
+  EXPECT_EQ(iface.Page().Write("", ""),
+            "<config><group label=\"Motion\" tooltip=\"How the target moves\"><spinner label=\"Speed\" "
+            "tooltip=\"Metres per second along X\"/></group><checkbox label=\"Hide Helpers During Recording\" "
+            "tooltip=\"Hides the target box while recording\"/></config>");
+  EXPECT_EQ(iface.FindNode("Target"), tool->target);
+  EXPECT_EQ(static_cast<core::CoreNode*>(tool->camera)->GetHostName(), "TestTool01_Camera");
+}
+
+TEST_F(TestToolRecording, WritesOneKeyPerFrameAtTheFrameTimes) {
+  Record();
+  for (CNode* node : {tool->target, tool->camera}) {
+    const auto& keys = Keys(node);
+    ASSERT_EQ(keys.size(), static_cast<std::size_t>(kFrames));
+    for (int frame = 0; frame < kFrames; ++frame) EXPECT_EQ(keys[frame].tick, 160 * frame);
+  }
+  for (int frame = 0; frame < kFrames; ++frame) {
+    const double time = frame / 30.0;
+    CSnapshot* snapshot = iface.GetTransformSnapshot(tool->camera, time);
+    const util::Vector3<double> expected = tool->CameraAt(frame * adaptor.GetFrameDuration());
+    const util::Vector3<double> written = snapshot->GetWorldTransform().GetTranslation();
+    EXPECT_NEAR(written.x, expected.x, 1e-12) << frame;
+    EXPECT_EQ(written.y, 2.0);
+    iface.ReleaseTransformSnapshot(snapshot);
+  }
+  EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
+  // The snapshots were reused: one per node was ever made.
+  EXPECT_EQ(static_cast<StandaloneNode*>(tool->camera)->TransformPoolSize(), 1u);
+}
+
+TEST_F(TestToolRecording, OneUndoTakesBackKeysAndHistoryAndRedoRestoresThem) {
+  Record();
+  ASSERT_TRUE(adaptor.Undo());
+  EXPECT_TRUE(Keys(tool->target).empty());
+  EXPECT_TRUE(Keys(tool->camera).empty());
+  EXPECT_TRUE(tool->path.records.empty());
+  ASSERT_TRUE(adaptor.Redo());
+  EXPECT_EQ(Keys(tool->target).size(), static_cast<std::size_t>(kFrames));
+  EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
+  EXPECT_EQ(tool->path.Get(1.0), tool->TargetAt(1.0));
+}
+
+TEST_F(TestToolRecording, ASecondTakeFromAnEarlierFrameReplacesTheFuture) {
+  Record();
+  tool->speed = -1.0;
+  adaptor.BeginUndo("Record");
+  adaptor.BeginRecording();
+  const double frame = adaptor.GetFrameDuration();
+  tool->Start(30 * frame);
+  tool->Step(31 * frame);
+  adaptor.EndRecording();
+  adaptor.EndUndo();
+  // The history before the restart stays; after it, the new take.
+  ASSERT_EQ(tool->path.records.size(), 32u);
+  EXPECT_EQ(tool->path.Get(0.5).x, 1.5);
+  EXPECT_EQ(tool->path.records.back().value.x, -31 * frame);
+  adaptor.Undo();
+  EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
+}
+
+TEST_F(TestToolRecording, ANullHandleGivesNullSnapshots) {
+  EXPECT_EQ(iface.GetTransformSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(iface.GetHelperSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(iface.GetMeshSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(iface.GetLensSnapshot(nullptr, 0), nullptr);
+  iface.ReleaseTransformSnapshot(nullptr);
+  iface.ReleaseMeshSnapshot(nullptr);
+  iface.ReleaseNode(nullptr);
+  // A tool whose node is gone skips the write without an error.
+  tool->camera = nullptr;
+  tool->Step(0.0);
+  EXPECT_TRUE(Keys(tool->target).empty() || Keys(tool->target).size() == 1u);
+}
+
+TEST_F(TestToolRecording, SaveDataBeforeAnyIsNull) {
+  std::int32_t length = -1;
+  EXPECT_EQ(iface.GetSaveData(&length), nullptr);
+  EXPECT_EQ(length, 0);
+  iface.SetSaveData("", 0);
+  EXPECT_NE(iface.GetSaveData(&length), nullptr);
+  EXPECT_EQ(length, 0);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::testing_support
