@@ -1,0 +1,25 @@
+#pragma once
+// Windows from layout files: each element becomes a component by its tag;
+// elements without a factory vanish with their subtree.
+
+#include <memory>
+#include <string>
+
+#include "gui/component.h"
+#include "util/xml/element.h"
+
+namespace vuk::gui {
+
+// The tree for an element, or null when its tag has no factory.
+std::unique_ptr<Component> BuildComponent(const util::xml::Element& element);
+
+// Parses a layout file (a path beginning with ":" is a resource) and builds
+// it, with "[coreimages]" registered on the root. Null and a message on
+// failure.
+std::unique_ptr<Component> LoadLayout(const std::string& path, std::string* error = nullptr);
+
+// The data tree's root: the compiled-in resources unless told otherwise.
+std::string DataRoot();
+void SetDataRoot(const std::string& root);
+
+}  // namespace vuk::gui

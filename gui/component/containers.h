@@ -1,0 +1,55 @@
+#pragma once
+// The kinds that arrange others: windows, box lists, frames, titled groups,
+// scroll areas, and the separating line.
+
+#include <string>
+
+#include "gui/componentinterface.h"
+#include "gui/stdcomponent.h"
+
+namespace vuk::gui::component {
+
+class Dialog : public StdComponent, public componentinterface::Dialog {
+ public:
+  explicit Dialog(const util::xml::Element& element);
+  std::string GetTitle() const override { return label; }
+  void SetTitle(const std::string& title) override {
+    label = title;
+    ModelChanged();
+  }
+
+  std::string icon;
+  bool closeButton, maximizeButton, minimizeButton, titleBar, topmost, modal;
+};
+
+class List : public StdComponent {
+ public:
+  // Only "horizontal" lays out sideways: any other value, misspellings and
+  // capitals included, is a vertical list, as shipped layouts expect.
+  explicit List(const util::xml::Element& element)
+      : StdComponent(element), horizontal(element.GetAttribute("type") == "horizontal") {}
+  bool horizontal;
+};
+
+class Border : public StdComponent {
+ public:
+  explicit Border(const util::xml::Element& element) : StdComponent(element), style(element.GetAttribute("style")) {}
+  std::string style;  // "none", "thin", "sunken", "raised", "normal"
+};
+
+class Group : public StdComponent {
+ public:
+  using StdComponent::StdComponent;
+};
+
+class Scroll : public StdComponent {
+ public:
+  using StdComponent::StdComponent;
+};
+
+class Separator : public StdComponent {
+ public:
+  using StdComponent::StdComponent;
+};
+
+}  // namespace vuk::gui::component

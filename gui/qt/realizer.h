@@ -1,0 +1,17 @@
+#pragma once
+// Shows a component tree as Qt widgets. Widgets follow the components: a
+// change that code makes to a component reaches its widget, and what the
+// user does in a widget reaches the component, which tells its listeners.
+
+#include <QWidget>
+
+#include "gui/component.h"
+
+namespace vuk::gui::component::qt {
+
+// The widget of a component and, inside it, those of its children. Null for
+// kinds that have no widget of their own where they stand (a popup menu).
+// The components must outlive the widgets.
+QWidget* Realize(Component& component, QWidget* parent = nullptr);
+
+}  // namespace vuk::gui::component::qt
