@@ -1,7 +1,9 @@
 // The rgw command line.
 //   rgw layout show FILE --png OUT [--width W] [--height H]
 // renders a layout file (or a resource path beginning with ":") offscreen to
-// a PNG, for looking at windows without a screen.
+// a PNG, for looking at windows without a screen;
+//   rgw layout page --png OUT [--width W] [--height H]
+// renders the configuration window with a sample tool page in it.
 #include <QApplication>
 #include <QImage>
 #include <QStyleFactory>
@@ -12,16 +14,40 @@
 #include <vector>
 
 #include "gui/builder.h"
+#include "app/rgw/samplepage.h"
 #include "gui/qt/realizer.h"
+#include "util/xml/element.h"
 
 namespace {
 
 int Usage() {
-  std::fprintf(stderr, "usage: rgw layout show FILE --png OUT [--width W] [--height H]\n");
+  std::fprintf(stderr,
+               "usage: rgw layout show FILE --png OUT [--width W] [--height H]\n"
+               "       rgw layout page --png OUT [--width W] [--height H]\n");
   return 2;
 }
 
-int ShowLayout(const std::vector<std::string>& args) {
+// Shows the tree and writes its picture.
+int Render(vuk::gui::Component& root, const std::string& png, int width, int height) {
+  QWidget* window = vuk::gui::component::qt::Realize(root);
+  if (!window) {
+    std::fprintf(stderr, "rgw: the layout's root has nothing to show\n");
+    return 1;
+  }
+  window->adjustSize();
+  if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
+  window->show();
+  QApplication::processEvents();
+  const bool saved = window->grab().toImage().save(QString::fromStdString(png));
+  delete window;
+  if (!saved) {
+    std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
+    return 1;
+  }
+  return 0;
+}
+
+int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
   std::string file, png;
   int width = 0, height = 0;
   for (std::size_t i = 0; i < args.size(); ++i) {
@@ -38,28 +64,28 @@ int ShowLayout(const std::vector<std::string>& args) {
       return Usage();
     }
   }
-  if (file.empty() || png.empty()) return Usage();
-  std::string error;
-  std::unique_ptr<vuk::gui::Component> root = vuk::gui::LoadLayout(file, &error);
+  if (samplePage) file = vuk::gui::DataRoot() + "/core/layout/rgw_config.xml";
+  if (file.empty() || png.empty() || (samplePage && args.size() % 2)) return Usage();
+  vuk::util::xml::Element layout;
+  if (layout.Parse(file) != vuk::util::xml::kParsed) {
+    std::fprintf(stderr, "rgw: %s: the layout can't be read\n", file.c_str());
+    return 1;
+  }
+  vuk::app::SamplePage page;
+  if (samplePage) {
+    // The page goes into the window's list 210, as the configuration window places it.
+    for (auto& child : layout.children) {
+      if (child->GetAttribute("id") == "210") child->AddChild(page.root.BuildLayout());
+    }
+  }
+  std::unique_ptr<vuk::gui::Component> root = vuk::gui::BuildComponent(layout);
   if (!root) {
-    std::fprintf(stderr, "rgw: %s\n", error.c_str());
+    std::fprintf(stderr, "rgw: %s: \"%s\" is not a component\n", file.c_str(), layout.name.c_str());
     return 1;
   }
-  QWidget* window = vuk::gui::component::qt::Realize(*root);
-  if (!window) {
-    std::fprintf(stderr, "rgw: %s: the root has nothing to show\n", file.c_str());
-    return 1;
-  }
-  window->adjustSize();
-  if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
-  window->show();
-  QApplication::processEvents();
-  if (!window->grab().toImage().save(QString::fromStdString(png))) {
-    std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
-    return 1;
-  }
-  delete window;
-  return 0;
+  root->SetAlias("[coreimages]", vuk::gui::DataRoot() + "/core/images");
+  if (samplePage) page.root.AttachView(root.get());
+  return Render(*root, png, width, height);
 }
 
 }  // namespace
@@ -72,8 +98,8 @@ int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setStyle(QStyleFactory::create("Fusion"));
   const std::vector<std::string> args(argv + 1, argv + argc);
-  if (args.size() >= 2 && args[0] == "layout" && args[1] == "show") {
-    return ShowLayout(std::vector<std::string>(args.begin() + 2, args.end()));
+  if (args.size() >= 2 && args[0] == "layout" && (args[1] == "show" || args[1] == "page")) {
+    return ShowLayout(std::vector<std::string>(args.begin() + 2, args.end()), args[1] == "page");
   }
   return Usage();
 }

@@ -46,7 +46,7 @@ void Follow(Component& component, W* widget, Update update) {
     const QSignalBlocker quiet(guarded.data());
     update(guarded.data());
   };
-  update(widget);
+  component.ModelChanged();
 }
 
 Qt::Alignment AlignmentOf(const StdComponent& component) {

@@ -1,0 +1,1 @@
+<configprofile version="2.0" name="Racing"><group id="-1" label="Group"><item id="0" label="Stiffness" type="blob">AAAAAAAA4D8=</item><item id="1" label="Gears">6</item></group><item id="2" label="Hide">1</item><item id="3" label="Note" type="text">fast</item><item id="4" label="Mode">1</item></configprofile>

@@ -1,0 +1,140 @@
+#include "gui/builder.h"
+
+#include <gtest/gtest.h>
+
+#include "gui/component/choices.h"
+#include "gui/component/containers.h"
+#include "gui/component/controls.h"
+#include "gui/component/tree.h"
+
+namespace vuk::gui {
+namespace {
+
+std::unique_ptr<Component> Build(const std::string& markup) {
+  util::xml::Element element;
+  EXPECT_EQ(element.ParseText(markup), util::xml::kParsed) << markup;
+  return BuildComponent(element);
+}
+
+template <typename Kind>
+Kind* Find(Component& root, int id) {
+  return dynamic_cast<Kind*>(root.FindComponentById(id));
+}
+
+TEST(Builder, UnknownTagsVanishWithTheirSubtree) {
+  auto root = Build("<dialog><list id=\"1\"><fancy><button id=\"2\"/></fancy><button id=\"3\"/></list></dialog>");
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(root->FindComponentById(2), nullptr);
+  ASSERT_NE(root->FindComponentById(3), nullptr);
+  EXPECT_EQ(root->FindComponentById(1)->GetChildCount(), 1u);
+  EXPECT_EQ(Build("<fancy/>"), nullptr);
+}
+
+struct ListType {
+  const char* type;
+  bool horizontal;
+};
+
+class BuilderListType : public testing::TestWithParam<ListType> {};
+
+TEST_P(BuilderListType, OnlyTheExactWordIsHorizontal) {
+  auto root = Build(std::string("<list id=\"1\" type=\"") + GetParam().type + "\"/>");
+  EXPECT_EQ(Find<component::List>(*root, 1)->horizontal, GetParam().horizontal);
+}
+
+INSTANTIATE_TEST_SUITE_P(Words, BuilderListType,
+                         testing::Values(ListType{"horizontal", true}, ListType{"vertical", false},
+                                         ListType{"horizonal", false}, ListType{"Horizontal", false},
+                                         ListType{"", false}));
+
+TEST(Builder, CommonAttributes) {
+  auto root = Build(
+      "<border id=\"4\" padding=\"25 25\" margin=\"1 2 3 4\" margin-left=\"9\" fixed=\"vertical\" width=\"120\" "
+      "maxwidth=\"16777215\" visible=\"false\" enabled=\"no\" halign=\"center\" valign=\"bottom\" "
+      "tooltip=\"attr\"><tooltip>child</tooltip></border>");
+  auto* border = Find<component::Border>(*root, 4);
+  ASSERT_NE(border, nullptr);
+  EXPECT_EQ(border->padding.left, 25);
+  EXPECT_EQ(border->padding.top, 25);
+  EXPECT_EQ(border->padding.right, 0);
+  EXPECT_EQ(border->padding.bottom, 0);
+  EXPECT_EQ(border->margin.left, 9);
+  EXPECT_EQ(border->margin.bottom, 4);
+  EXPECT_EQ(border->fixed, Fixed::kVertical);
+  EXPECT_EQ(border->width, 120);
+  EXPECT_FALSE(border->visible);
+  EXPECT_FALSE(border->enabled);
+  EXPECT_EQ(border->halign, HAlign::kCenter);
+  EXPECT_EQ(border->valign, VAlign::kBottom);
+  EXPECT_EQ(border->tooltip, "child");
+}
+
+TEST(Builder, KindsReadTheirOwnAttributes) {
+  auto root = Build(
+      "<list><spinner id=\"1\" min=\"-1\" max=\"1e6\" step=\"0.5\" decimals=\"2\" defaultvalue=\"3.25\"/>"
+      "<checkbox id=\"2\" defaultstate=\"true\" tristate=\"yes\"/>"
+      "<combobox id=\"3\"><item id=\"0\" label=\"Front\"/><item id=\"1\" label=\"Rear\" grayed=\"yes\"/></combobox>"
+      "<tree id=\"4\"><flag defaultstate=\"undetermined\"/><flag/></tree>"
+      "<menubar id=\"5\"><menu label=\"Main\"><item id=\"136\" label=\"Browse...\"/><separator/></menu></menubar>"
+      "<label id=\"6\" imagepath=\"[coreimages]/ok.png\"/>"
+      "<border id=\"7\"><background type=\"gradient-linear\" endy=\"1\"><color pos=\"0\" r=\"10\"/>"
+      "<color pos=\"1\" b=\"200\" a=\"128\"/></background></border></list>");
+  auto* spinner = Find<component::Spinner>(*root, 1);
+  EXPECT_EQ(spinner->maximum, 1e6);
+  EXPECT_EQ(spinner->decimals, 2);
+  EXPECT_EQ(spinner->value, 3.25);
+  auto* check = Find<component::CheckBox>(*root, 2);
+  EXPECT_EQ(check->state, component::CheckBox::kOn);
+  EXPECT_TRUE(check->tristate);
+  auto* combo = Find<component::ComboBox>(*root, 3);
+  ASSERT_EQ(combo->items.size(), 2u);
+  EXPECT_EQ(combo->items[1].label, "Rear");
+  EXPECT_TRUE(combo->items[1].grayed);
+  auto* tree = Find<component::Tree>(*root, 4);
+  ASSERT_EQ(tree->flags.size(), 2u);
+  EXPECT_EQ(tree->flags[0].defaultState, 2);
+  auto* bar = Find<component::Menu>(*root, 5);
+  ASSERT_EQ(bar->entries.size(), 1u);
+  auto* menu = dynamic_cast<component::Menu*>(bar->GetChild(0));
+  ASSERT_EQ(menu->entries.size(), 2u);
+  EXPECT_EQ(menu->entries[0].item.id, 136);
+  EXPECT_FALSE(menu->entries[1].isItem);
+  auto* border = Find<component::Border>(*root, 7);
+  auto* gradient = dynamic_cast<Gradient_Linear*>(border->background.get());
+  ASSERT_NE(gradient, nullptr);
+  ASSERT_EQ(gradient->stops.size(), 2u);
+  EXPECT_EQ(gradient->stops[1].color.a, 128);
+}
+
+TEST(Builder, PathAliasesResolveFromTheRoot) {
+  util::xml::Element element;
+  element.ParseText("<dialog><label id=\"6\" imagepath=\"[images]/a.png\"/></dialog>");
+  auto root = BuildComponent(element);
+  root->SetAlias("[images]", "/tools/car/images");
+  auto* label = Find<component::Label>(*root, 6);
+  EXPECT_EQ(label->ResolvePath(label->imagePath), "/tools/car/images/a.png");
+}
+
+TEST(Builder, FindByIdIsDepthFirst) {
+  auto root = Build("<list><list><button id=\"9\" label=\"deep\"/></list><button id=\"9\" label=\"shallow\"/></list>");
+  EXPECT_EQ(Find<component::Button>(*root, 9)->label, "deep");
+}
+
+TEST(Builder, ShippedLayoutsBuild) {
+  for (const char* name : {"rgw_main", "rgw_mainconfig", "rgw_config", "rgw_inputs", "rgw_resimulate", "rgw_about",
+                           "rgw_update", "rgw_update_subsection", "rgw_main_updatebar", "rgw_popout_product"}) {
+    std::string error;
+    auto root = LoadLayout(DataRoot() + "/core/layout/" + name + ".xml", &error);
+    EXPECT_NE(root, nullptr) << error;
+  }
+  auto main = LoadLayout(DataRoot() + "/core/layout/rgw_main.xml");
+  for (int id : {101, 102, 103, 110, 111, 106, 107, 108, 109, 104, 105, 119, 113, 114, 112, 115, 116, 117, 118, 135}) {
+    EXPECT_NE(main->FindComponentById(id), nullptr) << id;
+  }
+  std::string error;
+  EXPECT_EQ(LoadLayout(":/nowhere.xml", &error), nullptr);
+  EXPECT_EQ(error, ":/nowhere.xml: the layout can't be read (parse result 1)");
+}
+
+}  // namespace
+}  // namespace vuk::gui
