@@ -68,4 +68,10 @@ Menu::Menu(const util::xml::Element& element) : StdComponent(element), bar(eleme
   }
 }
 
+void Menu::Choose(std::int32_t itemId) {
+  Menu* top = this;
+  while (auto* up = dynamic_cast<Menu*>(top->GetParentComponent())) top = up;
+  top->Notify(kButtonPressed, itemId);
+}
+
 }  // namespace vuk::gui::component

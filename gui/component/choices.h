@@ -57,7 +57,9 @@ class ListBox : public StdComponent, public componentinterface::ListBox {
 class Menu : public StdComponent {
  public:
   explicit Menu(const util::xml::Element& element);
-  void Choose(std::int32_t itemId) { Notify(kButtonPressed, itemId); }
+  // The outermost menu tells: code listens to the bar or the popup, not to
+  // each menu within it.
+  void Choose(std::int32_t itemId);
 
   // Entries in the order of the layout: an item, or the index of a child
   // component (a nested menu or a separator).

@@ -446,6 +446,8 @@ QWidget* MakeWidget(StdComponent& component, QWidget* parent) {
 
 }  // namespace
 
+QMenu* MakePopup(Menu& menu, QWidget* parent) { return MakeMenu(menu, parent); }
+
 QWidget* Realize(Component& component, QWidget* parent) {
   auto* standard = dynamic_cast<StdComponent*>(&component);
   if (!standard) return nullptr;

@@ -124,6 +124,26 @@ TEST_F(Window, TheToolTreeShowsItemsWithFlags) {
   EXPECT_FALSE(listener.heard.empty());
 }
 
+TEST_F(Window, APopupSendsTheChosenId) {
+  util::xml::Element element;
+  element.ParseText("<popup><item id=\"1\" label=\"Configure\"/><separator/><item id=\"5\" label=\"Delete\"/>"
+                    "<menu label=\"Create\"><item id=\"1000\" label=\"LookAtCam\"/></menu></popup>");
+  root = BuildComponent(element);
+  auto* popup = dynamic_cast<component::Menu*>(root.get());
+  ASSERT_NE(popup, nullptr);
+  EXPECT_EQ(component::qt::Realize(*popup), nullptr);
+  std::unique_ptr<QMenu> menu(component::qt::MakePopup(*popup));
+  const QList<QAction*> actions = menu->actions();
+  ASSERT_EQ(actions.size(), 4);
+  EXPECT_TRUE(actions[1]->isSeparator());
+  listener.Connect(popup);
+  actions[2]->trigger();
+  actions[3]->menu()->actions()[0]->trigger();
+  ASSERT_EQ(listener.heard.size(), 2u);
+  EXPECT_EQ(listener.heard[0].second, 5);
+  EXPECT_EQ(listener.heard[1].second, 1000);
+}
+
 TEST_F(Window, TheMainWindowRealises) {
   std::string error;
   root = LoadLayout(DataRoot() + "/core/layout/rgw_main.xml", &error);
