@@ -147,6 +147,12 @@ struct ShapeSnapshotReturn {
   CNode* node;
 };
 
+// A label for the configuration page, handed with the label extension.
+struct ConfigLabel {
+  std::string text;
+  std::int32_t flags = 0;
+};
+
 // Description of a gauge, handed with the gauge extension.
 struct GaugeDescription {
   std::string name;

@@ -23,6 +23,14 @@ gui::Component* Node::FindControlIn(gui::Component& component, std::int32_t want
   return nullptr;
 }
 
+Node* Node::FindParentOf(const Node* child) {
+  for (std::size_t i = 0; i < GetChildCount(); ++i) {
+    if (GetChild(i) == child) return this;
+    if (Node* found = GetChild(i)->FindParentOf(child)) return found;
+  }
+  return nullptr;
+}
+
 Node* Node::Add(Node* child) {
   AddChild(child);
   return child;

@@ -42,6 +42,8 @@ class Node : public util::DynamicObject, public util::Composite_Dynamic<Node>, p
   // A control of a view changed: the variable takes its value, then the tool hears.
   void Receive(util::Message& message, bool fromBroadcast) override;
   Node* Add(Node* child);
+  // The node that holds `child` in this tree, or null.
+  Node* FindParentOf(const Node* child);
   // This node's control in a view, or null.
   gui::Component* FindControl(gui::Component& view) const;
   // The control of an id in a view: the group layout's inner list shares id 1

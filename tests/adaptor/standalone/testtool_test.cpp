@@ -4,7 +4,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
-#include "tests/adaptor/standalone/testtoolinterface.h"
+#include "core/instance.h"
 
 namespace vuk::rgw::testing_support {
 namespace {
@@ -16,8 +16,8 @@ class TestToolRecording : public testing::Test {
  protected:
   void SetUp() override {
     CCamera::CreateParam param("TestTool01");
-    tool.reset(static_cast<TestTool*>(plugin.Create(param)));
-    tool->iface = &iface;
+    instance = std::make_unique<core::Instance>(&plugin, plugin.Create(param), "TestTool01", &adaptor);
+    tool = static_cast<TestTool*>(instance->tool);
     ASSERT_EQ(tool->BuildConfig(), 0);
     ASSERT_EQ(tool->Create(), 0);
   }
@@ -39,17 +39,18 @@ class TestToolRecording : public testing::Test {
 
   static constexpr int kFrames = 100;
   StandaloneAdaptorInterface adaptor;
-  TestToolInterface iface{&adaptor, "TestTool01"};
   TestToolPlugin plugin;
-  std::unique_ptr<TestTool> tool;
+  std::unique_ptr<core::Instance> instance;
+  TestTool* tool = nullptr;
 };
 
 TEST_F(TestToolRecording, BuildsItsPageAndNodes) {
-  EXPECT_EQ(iface.Page().Write("", ""),
-            "<config><group label=\"Motion\" tooltip=\"How the target moves\"><spinner label=\"Speed\" "
-            "tooltip=\"Metres per second along X\"/></group><checkbox label=\"Hide Helpers During Recording\" "
-            "tooltip=\"Hides the target box while recording\"/></config>");
-  EXPECT_EQ(iface.FindNode("Target"), tool->target);
+  EXPECT_EQ(instance->ConfigProfile().Write("", ""),
+            "<configprofile version=\"2.0\" name=\"Factory Settings\"><group id=\"-1\" label=\"Motion\">"
+            "<item id=\"0\" label=\"Speed\" type=\"blob\">AAAAAAAACEA=</item></group>"
+            "<item id=\"1\" label=\"Hide Helpers During Recording\">0</item></configprofile>");
+  EXPECT_NE(instance->FindInput("Spinner: Speed"), nullptr);
+  EXPECT_EQ(instance->FindNode("Target"), tool->target);
   EXPECT_EQ(static_cast<core::CoreNode*>(tool->camera)->GetHostName(), "TestTool01_Camera");
 }
 
@@ -62,12 +63,12 @@ TEST_F(TestToolRecording, WritesOneKeyPerFrameAtTheFrameTimes) {
   }
   for (int frame = 0; frame < kFrames; ++frame) {
     const double time = frame / 30.0;
-    CSnapshot* snapshot = iface.GetTransformSnapshot(tool->camera, time);
+    CSnapshot* snapshot = instance->GetTransformSnapshot(tool->camera, time);
     const util::Vector3<double> expected = tool->CameraAt(frame * adaptor.GetFrameDuration());
     const util::Vector3<double> written = snapshot->GetWorldTransform().GetTranslation();
     EXPECT_NEAR(written.x, expected.x, 1e-12) << frame;
     EXPECT_EQ(written.y, 2.0);
-    iface.ReleaseTransformSnapshot(snapshot);
+    instance->ReleaseTransformSnapshot(snapshot);
   }
   EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
   // The snapshots were reused: one per node was ever made.
@@ -105,13 +106,13 @@ TEST_F(TestToolRecording, ASecondTakeFromAnEarlierFrameReplacesTheFuture) {
 }
 
 TEST_F(TestToolRecording, ANullHandleGivesNullSnapshots) {
-  EXPECT_EQ(iface.GetTransformSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(iface.GetHelperSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(iface.GetMeshSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(iface.GetLensSnapshot(nullptr, 0), nullptr);
-  iface.ReleaseTransformSnapshot(nullptr);
-  iface.ReleaseMeshSnapshot(nullptr);
-  iface.ReleaseNode(nullptr);
+  EXPECT_EQ(instance->GetTransformSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance->GetHelperSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance->GetMeshSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance->GetLensSnapshot(nullptr, 0), nullptr);
+  instance->ReleaseTransformSnapshot(nullptr);
+  instance->ReleaseMeshSnapshot(nullptr);
+  instance->ReleaseNode(nullptr);
   // A tool whose node is gone skips the write without an error.
   tool->camera = nullptr;
   tool->Step(0.0);
@@ -120,10 +121,10 @@ TEST_F(TestToolRecording, ANullHandleGivesNullSnapshots) {
 
 TEST_F(TestToolRecording, SaveDataBeforeAnyIsNull) {
   std::int32_t length = -1;
-  EXPECT_EQ(iface.GetSaveData(&length), nullptr);
+  EXPECT_EQ(instance->GetSaveData(&length), nullptr);
   EXPECT_EQ(length, 0);
-  iface.SetSaveData("", 0);
-  EXPECT_NE(iface.GetSaveData(&length), nullptr);
+  instance->SetSaveData("", 0);
+  EXPECT_NE(instance->GetSaveData(&length), nullptr);
   EXPECT_EQ(length, 0);
 }
 

@@ -1,0 +1,39 @@
+#pragma once
+// A tool type as the core knows it: the tool's plugin object, the names it
+// answers to, and the making of instances.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/adaptorinterface.h"
+#include "core/instance.h"
+#include "sdk/ccameraplugin.h"
+
+namespace vuk::rgw::core {
+
+class Plugin {
+ public:
+  // Takes the plugin object; it is released with this.
+  explicit Plugin(CCameraPlugin* toolPlugin) : plugin(toolPlugin) {}
+  ~Plugin() { plugin->Release(); }
+  Plugin(const Plugin&) = delete;
+  Plugin& operator=(const Plugin&) = delete;
+
+  std::string ToolName() const { return plugin->GetName(); }
+  // The old names of extension 16 and the tool's own, sorted.
+  std::vector<std::string> GetAliases() const;
+  std::vector<std::string> GetCategories() const;
+  bool IsCreatable() const { return !plugin->HasExtension(extension::kHiddenPlugin); }
+
+  // The tool object and its instance, nothing more; null when the plugin
+  // makes no object.
+  std::unique_ptr<Instance> MakeInstance(const std::string& name, AdaptorInterface* adaptor);
+  // A new tool: the instance, its page and its nodes. Null when the tool
+  // refuses; nothing is left behind then.
+  std::unique_ptr<Instance> CreateInstance(const std::string& name, AdaptorInterface* adaptor);
+
+  CCameraPlugin* plugin;
+};
+
+}  // namespace vuk::rgw::core

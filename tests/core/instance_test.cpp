@@ -1,0 +1,198 @@
+#include "core/instance.h"
+
+#include <gtest/gtest.h>
+
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "tests/unidevice/testdevice.h"
+#include "unidevice/driverlist.h"
+#include "unidevice/dummydriver.h"
+
+namespace vuk::rgw::core {
+namespace {
+
+using adaptor::standalone::StandaloneAdaptorInterface;
+using unidevice::testing_support::TestDevice;
+
+// A tool with two channels, a spinner that is also an input, and a gauge.
+class Steering : public CCamera {
+ public:
+  using CCamera::CCamera;
+  std::int32_t BuildConfig() override {
+    steer = iface->AddInput("Steer", input::kContinuous);
+    gas = iface->AddInput("Gas", input::kContinuous);
+    iface->BeginConfig();
+    iface->AddSpinner("Speed", "", &speed, 0, 100, 1, 0, true, 0, nullptr);
+    iface->EndConfig();
+    GaugeDescription description{"Wheel angle", 0, 8, ""};
+    if (iface->HasExtension(extension::kMakeGauge)) {
+      gauge = reinterpret_cast<unidevice::Control*>(iface->Extension(extension::kMakeGauge, &description));
+    }
+    return 0;
+  }
+  void Step(double) override {
+    steered.push_back(steer->Evaluate());
+    angle += 1;
+  }
+  std::intptr_t Extension(std::int32_t id, void* data) override {
+    if (id == extension::kWriteGauge && data == gauge) gauge->Update(angle);
+    return 0;
+  }
+  std::vector<std::int32_t> ExtensionIds() override { return {extension::kWriteGauge}; }
+
+  unidevice::Property* steer = nullptr;
+  unidevice::Property* gas = nullptr;
+  unidevice::Control* gauge = nullptr;
+  double speed = 10;
+  double angle = 0;
+  std::vector<double> steered;
+};
+
+class SteeringPlugin : public CCameraPlugin {
+ public:
+  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Steering(param); }
+  std::string GetName() override { return "Steering"; }
+  std::string GetTitle() override { return "Steering"; }
+  std::string GetCategory() override { return "Vehicle"; }
+};
+
+class InstanceRun : public testing::Test {
+ protected:
+  InstanceRun() { unidevice::DriverList::Instance().Register(&pads); }
+  ~InstanceRun() override {
+    instance.reset();
+    unidevice::DriverList::Instance().Unregister(&pads);
+  }
+  void SetUp() override {
+    pad = new TestDevice("Pad", 3, "Axis");
+    pads.AddDevice(pad);
+    CCamera::CreateParam param("");
+    instance = std::make_unique<Instance>(&plugin, plugin.Create(param), "", &host);
+    tool = static_cast<Steering*>(instance->tool);
+    ASSERT_EQ(tool->BuildConfig(), 0);
+    tool->steer->deadzone = 0;
+    tool->steer->Bind(pad->GetControl(0));
+    tool->gas->Bind(pad->GetControl(1));
+  }
+  void Take(double from, int frames, double value) {
+    host.BeginUndo("Record");
+    instance->Start(from, Instance::Run::kRecording);
+    for (int k = 0; k < frames; ++k) {
+      pad->Press(0, value + k);
+      pad->Press(1, -value);
+      instance->Step(from + k * 0.5);
+    }
+    instance->Stop(from + frames * 0.5);
+    host.EndUndo();
+  }
+
+  unidevice::DummyDriver dummy;
+  unidevice::Driver pads{"pads"};
+  TestDevice* pad = nullptr;
+  StandaloneAdaptorInterface host;
+  SteeringPlugin plugin;
+  std::unique_ptr<Instance> instance;
+  Steering* tool = nullptr;
+};
+
+TEST_F(InstanceRun, NamesCountUp) {
+  EXPECT_EQ(instance->util::MessageNode::GetName(), "Steering_01");
+  CCamera::CreateParam param("Steering_01");
+  Instance second(&plugin, plugin.Create(param), "Steering_01", &host);
+  EXPECT_EQ(second.util::MessageNode::GetName(), "Steering_02");
+  EXPECT_EQ(Instance::MakeUniqueName("Car", &host), "Car");
+  EXPECT_EQ(instance->icon, "/core/images/treeicons/quoll_vehicle_tools.png");
+}
+
+TEST_F(InstanceRun, ARecordingKeepsRawSamplesAndASecondTakeKeepsTheEarlierOnes) {
+  tool->steer->multiplier = 5;  // shaping is not what is recorded
+  Take(0.0, 4, 0.25);
+  // One track per channel, the spinner's own channel included.
+  ASSERT_EQ(instance->recordedTracks.size(), 3u);
+  EXPECT_EQ(instance->recordedTracks[2].Get(1.0), 0.0);
+  EXPECT_EQ(instance->recordedTracks[0].records.size(), 4u);
+  EXPECT_EQ(instance->recordedTracks[0].Get(1.0), 2.25);
+  EXPECT_EQ(instance->recordedTracks[1].Get(1.5), -0.25);
+  Take(1.0, 2, 7.0);
+  EXPECT_EQ(instance->recordedTracks[0].records.size(), 4u);  // 0, 0.5 kept; 1.0, 1.5 new
+  EXPECT_EQ(instance->recordedTracks[0].Get(0.5), 1.25);
+  EXPECT_EQ(instance->recordedTracks[0].Get(1.5), 8.0);
+  host.Undo();
+  EXPECT_EQ(instance->recordedTracks[0].Get(1.5), 3.25);
+}
+
+TEST_F(InstanceRun, AResimulationFeedsTheRecordedValuesThroughTheShaping) {
+  Take(0.0, 3, 0.5);
+  tool->steered.clear();
+  tool->steer->multiplier = 2;
+  pad->Press(0, 0.0);
+  instance->Start(0.0, Instance::Run::kResimulating);
+  for (int k = 0; k < 3; ++k) instance->Step(k * 0.5);
+  instance->Stop(1.5);
+  EXPECT_EQ(tool->steered, (std::vector<double>{1.0, 3.0, 5.0}));
+  // The real control is back.
+  EXPECT_EQ(tool->steer->source, pad->GetControl(0));
+}
+
+TEST_F(InstanceRun, ASpinnerInputAddsTheChannelToTheSpinner) {
+  unidevice::Property* input = instance->FindInput("Spinner: Speed");
+  ASSERT_NE(input, nullptr);
+  input->deadzone = 0;
+  instance->Start(0, Instance::Run::kRecording);
+  instance->Step(0);
+  EXPECT_EQ(tool->speed, 10.0);  // no control: unchanged
+  input->Bind(pad->GetControl(2));
+  pad->Press(2, 0.5);
+  instance->Step(0.5);
+  EXPECT_EQ(tool->speed, 10.5);
+  instance->Stop(1);
+}
+
+TEST_F(InstanceRun, GaugesArePolledFromTheTool) {
+  ASSERT_NE(tool->gauge, nullptr);
+  EXPECT_EQ(instance->GetControlCount(), 1);
+  EXPECT_EQ(instance->driver, &dummy);
+  tool->angle = 3;
+  dummy.PollAll();
+  EXPECT_EQ(tool->gauge->value, 3.0);
+}
+
+TEST_F(InstanceRun, InputProfilesBindWhatIsThereAndWaitForTheRest) {
+  util::xml::Element profile = instance->InputProfile();
+  EXPECT_EQ(profile.CountChildren("property"), 2u);
+  util::xml::Element other;
+  other.ParseText("<inputprofile><profile name=\"Wheel\"><property name=\"Gas\"><deadzone>0.2</deadzone>"
+                  "<control type=\"Axis\" index=\"1\" device=\"Wheel\"/></property></profile></inputprofile>");
+  instance->ApplyInputProfile(other);
+  EXPECT_EQ(tool->steer->source, nullptr);
+  EXPECT_EQ(tool->gas->source, nullptr);
+  EXPECT_EQ(tool->gas->deadzone, 0.2);
+  EXPECT_EQ(instance->inputProfileName, "Wheel");
+  auto* wheel = new TestDevice("Wheel", 2, "Axis");
+  pads.AddDevice(wheel);
+  unidevice::DriverList::Instance().DeviceAdded(wheel);
+  EXPECT_EQ(tool->gas->source, wheel->GetControl(1));
+}
+
+TEST_F(InstanceRun, DeleteWithAndWithoutNodes) {
+  CNode* kept = instance->CreateCameraNode("Cam", nullptr, nullptr);
+  instance->Delete(false);
+  EXPECT_TRUE(static_cast<CoreNode*>(kept)->IsExternal());
+  EXPECT_EQ(instance->FindNode("Cam"), nullptr);
+  static_cast<CoreNode*>(kept)->DestroySelf();
+  instance->CreateCameraNode("Gone", nullptr, nullptr);
+  instance->Delete(true);
+  EXPECT_EQ(instance->FindNode("Gone"), nullptr);
+}
+
+TEST_F(InstanceRun, RedrawIsSkippedDuringARun) {
+  const int before = host.GetRedrawCount();
+  instance->Redraw();
+  EXPECT_EQ(host.GetRedrawCount(), before + 1);
+  instance->Start(0, Instance::Run::kRecording);
+  instance->Redraw();
+  EXPECT_EQ(host.GetRedrawCount(), before + 1);
+  instance->Stop(0);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::core
