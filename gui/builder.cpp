@@ -10,43 +10,30 @@ namespace vuk::gui {
 
 namespace {
 
-template <typename Kind>
-class TagFactory : public util::Factory<Component> {
- public:
-  explicit TagFactory(const char* tag) : tag_(tag) {}
-  bool CanCreate(const util::xml::Element& element) const override {
-    return element.kind == util::xml::Element::kTag && element.name == tag_;
-  }
-  Component* Create(const util::xml::Element& element) const override { return new Kind(element); }
-
- private:
-  const char* tag_;
-};
-
 const util::AbstractFactory<Component>& Factories() {
   auto& factories = util::AbstractFactory<Component>::Instance();
   if (factories.Count() == 0) {
     using namespace component;
-    factories.Add(new TagFactory<Dialog>("dialog"));
-    factories.Add(new TagFactory<List>("list"));
-    factories.Add(new TagFactory<Border>("border"));
-    factories.Add(new TagFactory<Group>("group"));
-    factories.Add(new TagFactory<Label>("label"));
-    factories.Add(new TagFactory<Button>("button"));
-    factories.Add(new TagFactory<FlmButton>("flmbutton"));
-    factories.Add(new TagFactory<CheckBox>("checkbox"));
-    factories.Add(new TagFactory<Spinner>("spinner"));
-    factories.Add(new TagFactory<TextBox>("textbox"));
-    factories.Add(new TagFactory<ComboBox>("combobox"));
-    factories.Add(new TagFactory<ListBox>("listbox"));
-    factories.Add(new TagFactory<Tree>("tree"));
-    factories.Add(new TagFactory<Scroll>("scroll"));
-    factories.Add(new TagFactory<Menu>("menubar"));
-    factories.Add(new TagFactory<Menu>("menu"));
-    factories.Add(new TagFactory<Menu>("popup"));
-    factories.Add(new TagFactory<ProgressBar>("progressbar"));
-    factories.Add(new TagFactory<Graph>("graph"));
-    factories.Add(new TagFactory<Separator>("separator"));
+    factories.Add(new Dialog::Factory("dialog"));
+    factories.Add(new List::Factory("list"));
+    factories.Add(new Border::Factory("border"));
+    factories.Add(new Group::Factory("group"));
+    factories.Add(new Label::Factory("label"));
+    factories.Add(new Button::Factory("button"));
+    factories.Add(new FlmButton::Factory("flmbutton"));
+    factories.Add(new CheckBox::Factory("checkbox"));
+    factories.Add(new Spinner::Factory("spinner"));
+    factories.Add(new TextBox::Factory("textbox"));
+    factories.Add(new ComboBox::Factory("combobox"));
+    factories.Add(new ListBox::Factory("listbox"));
+    factories.Add(new Tree::Factory("tree"));
+    factories.Add(new Scroll::Factory("scroll"));
+    factories.Add(new Menu::Factory("menubar"));
+    factories.Add(new Menu::Factory("menu"));
+    factories.Add(new Menu::Factory("popup"));
+    factories.Add(new ProgressBar::Factory("progressbar"));
+    factories.Add(new Graph::Factory("graph"));
+    factories.Add(new Separator::Factory("separator"));
   }
   return factories;
 }

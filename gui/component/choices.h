@@ -6,6 +6,7 @@
 
 #include "gui/componentinterface.h"
 #include "gui/stdcomponent.h"
+#include "gui/tagfactory.h"
 
 namespace vuk::gui::component {
 
@@ -19,6 +20,7 @@ struct Item {
 
 class ComboBox : public StdComponent, public componentinterface::ComboBox {
  public:
+  using Factory = TagFactory<ComboBox>;
   explicit ComboBox(const util::xml::Element& element);
   void Consume(const util::xml::Element& child) override;
   std::int32_t GetSelected() const override { return selected; }
@@ -36,6 +38,7 @@ class ComboBox : public StdComponent, public componentinterface::ComboBox {
 
 class ListBox : public StdComponent, public componentinterface::ListBox {
  public:
+  using Factory = TagFactory<ListBox>;
   explicit ListBox(const util::xml::Element& element);
   void Consume(const util::xml::Element& child) override;
   std::int32_t GetSelected() const override { return selected; }
@@ -56,6 +59,7 @@ class ListBox : public StdComponent, public componentinterface::ListBox {
 // within menus. Choosing an item sends its id.
 class Menu : public StdComponent {
  public:
+  using Factory = TagFactory<Menu>;
   explicit Menu(const util::xml::Element& element);
   // The outermost menu tells: code listens to the bar or the popup, not to
   // each menu within it.

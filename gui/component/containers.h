@@ -6,11 +6,13 @@
 
 #include "gui/componentinterface.h"
 #include "gui/stdcomponent.h"
+#include "gui/tagfactory.h"
 
 namespace vuk::gui::component {
 
 class Dialog : public StdComponent, public componentinterface::Dialog {
  public:
+  using Factory = TagFactory<Dialog>;
   explicit Dialog(const util::xml::Element& element);
   std::string GetTitle() const override { return label; }
   void SetTitle(const std::string& title) override {
@@ -24,6 +26,7 @@ class Dialog : public StdComponent, public componentinterface::Dialog {
 
 class List : public StdComponent {
  public:
+  using Factory = TagFactory<List>;
   // Only "horizontal" lays out sideways: any other value, misspellings and
   // capitals included, is a vertical list, as shipped layouts expect.
   explicit List(const util::xml::Element& element)
@@ -33,22 +36,26 @@ class List : public StdComponent {
 
 class Border : public StdComponent {
  public:
+  using Factory = TagFactory<Border>;
   explicit Border(const util::xml::Element& element) : StdComponent(element), style(element.GetAttribute("style")) {}
   std::string style;  // "none", "thin", "sunken", "raised", "normal"
 };
 
 class Group : public StdComponent {
  public:
+  using Factory = TagFactory<Group>;
   using StdComponent::StdComponent;
 };
 
 class Scroll : public StdComponent {
  public:
+  using Factory = TagFactory<Scroll>;
   using StdComponent::StdComponent;
 };
 
 class Separator : public StdComponent {
  public:
+  using Factory = TagFactory<Separator>;
   using StdComponent::StdComponent;
 };
 

@@ -8,11 +8,13 @@
 
 #include "gui/componentinterface.h"
 #include "gui/stdcomponent.h"
+#include "gui/tagfactory.h"
 
 namespace vuk::gui::component {
 
 class Label : public StdComponent, public componentinterface::Label {
  public:
+  using Factory = TagFactory<Label>;
   explicit Label(const util::xml::Element& element);
   std::string GetText() const override { return label; }
   void SetText(const std::string& text) override {
@@ -34,6 +36,7 @@ struct ButtonImages {
 
 class Button : public StdComponent, public componentinterface::Button {
  public:
+  using Factory = TagFactory<Button>;
   explicit Button(const util::xml::Element& element);
   bool IsToggled() const override { return toggled; }
   void SetToggled(bool on) override {
@@ -55,6 +58,7 @@ class Button : public StdComponent, public componentinterface::Button {
 // A button with a menu of choices that opens on a held press.
 class FlmButton : public StdComponent {
  public:
+  using Factory = TagFactory<FlmButton>;
   explicit FlmButton(const util::xml::Element& element);
   void Consume(const util::xml::Element& child) override;
   // The user chose an entry: its id is sent.
@@ -71,6 +75,7 @@ class FlmButton : public StdComponent {
 
 class CheckBox : public StdComponent, public componentinterface::CheckBox {
  public:
+  using Factory = TagFactory<CheckBox>;
   explicit CheckBox(const util::xml::Element& element);
   std::int32_t GetState() const override { return state; }
   void SetState(std::int32_t newState) override {
@@ -86,6 +91,7 @@ class CheckBox : public StdComponent, public componentinterface::CheckBox {
 
 class Spinner : public StdComponent, public componentinterface::Spinner {
  public:
+  using Factory = TagFactory<Spinner>;
   explicit Spinner(const util::xml::Element& element);
   double GetValue() const override { return value; }
   void SetValue(double newValue) override {
@@ -102,6 +108,7 @@ class Spinner : public StdComponent, public componentinterface::Spinner {
 
 class TextBox : public StdComponent, public componentinterface::TextBox {
  public:
+  using Factory = TagFactory<TextBox>;
   explicit TextBox(const util::xml::Element& element);
   std::string GetText() const override { return text; }
   void SetText(const std::string& newText) override {
@@ -117,6 +124,7 @@ class TextBox : public StdComponent, public componentinterface::TextBox {
 
 class ProgressBar : public StdComponent, public componentinterface::ProgressBar {
  public:
+  using Factory = TagFactory<ProgressBar>;
   using StdComponent::StdComponent;
   void SetProgress(std::int32_t percent) override {
     progress = percent;
@@ -127,6 +135,7 @@ class ProgressBar : public StdComponent, public componentinterface::ProgressBar 
 
 class Graph : public StdComponent, public componentinterface::Graph {
  public:
+  using Factory = TagFactory<Graph>;
   explicit Graph(const util::xml::Element& element);
   void SetCurve(const std::vector<std::pair<double, double>>& newPoints) override {
     points = newPoints;

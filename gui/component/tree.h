@@ -6,11 +6,13 @@
 
 #include "gui/componentinterface.h"
 #include "gui/stdcomponent.h"
+#include "gui/tagfactory.h"
 
 namespace vuk::gui::component {
 
 class Tree : public StdComponent, public componentinterface::Tree {
  public:
+  using Factory = TagFactory<Tree>;
   struct Flag {
     std::string trueIcon, falseIcon, undeterminedIcon;
     std::int32_t defaultState = 0;
