@@ -1,0 +1,100 @@
+#pragma once
+// What makes time run. A recording follows the wall clock, slowed down by a
+// power of two, and steps every taking-part tool once per frame while their
+// live inputs are kept; a resimulation steps them again from their kept
+// inputs as fast as the machine goes.
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "core/adaptorinterface.h"
+#include "core/instance.h"
+#include "core/timermanager.h"
+
+namespace vuk::rgw::core {
+
+class DeviceManager;
+
+// The instances of the tool tree: all of them in tree order, and the checked ones.
+class InstanceList {
+ public:
+  virtual std::vector<Instance*> AllInstances() = 0;
+  virtual std::vector<Instance*> CheckedInstances() = 0;
+
+ protected:
+  ~InstanceList() = default;
+};
+
+class RecordManager : public TimerManager {
+ public:
+  static constexpr std::int32_t kRecordTick = 123;
+
+  // The devices may be null: nothing is polled then.
+  RecordManager(AdaptorInterface* adaptor, DeviceManager* devices, InstanceList* instances);
+
+  bool IsRecording() const { return recording; }
+  bool IsResimulating() const { return resimulating; }
+  void StartRecording();
+  void StopRecording();
+  // Throws the take away and starts again at once; a failing host undo leaves it idle.
+  void RetakeAfterUndo();
+  void StartResimulation(double from, double to);
+  // One slice of at most 500 ms of the clock; true when all frames are done.
+  bool ResimStep();
+  // Ends a resimulation, done or stopped; the frames written stay.
+  void FinishResimulation();
+  std::int32_t GetSpeedStep() const;
+  void SetSpeedStep(std::int32_t step);
+
+  void BeginInstances(std::vector<Instance*> list);
+  void StepInstances(double frameTime);
+  // The host's time moved: the tools taking part, or all of them, hear it.
+  void OnTimeChanged(double newTime);
+
+  // One tick of the record timer at `nowMs` of the clock.
+  void Tick(std::int64_t nowMs);
+  void TimerFired(std::int32_t id, std::int64_t elapsedMs) override;
+
+  // The wall clock in milliseconds; tests put their own here.
+  std::function<std::int64_t()> clock;
+  // Lets pending events run in the middle of a tick.
+  std::function<void()> processEvents;
+
+  std::vector<Instance*> recordInstances;
+  bool firstTick = true;
+  double timeScale = 1.0;
+  double startTime = 0;
+  double endTime = 0;
+  double fixedFrameDuration = 0.04;
+  bool useFixedFrameDuration = false;
+  std::int64_t lastTickMs = 0;
+  std::int64_t frameIndex = 0;
+  double time = 0;
+  bool recording = false;
+  bool resimulating = false;
+  float progress = 0;
+  double resimTime = 0;
+  double savedTimeScale = 1.0;
+  std::int32_t countdownSeconds = 3;
+  // The main window's switches: resimulate from the range start, expand the range at its end.
+  bool resimulateFromFirstFrame = false;
+  bool autoExpand = false;
+  // What the countdown shows: whole seconds left and the fraction of the current one.
+  bool countdownShown = false;
+  std::int32_t countdownShownSeconds = 0;
+  double countdownFraction = 0;
+  // When the resimulation started on the clock, for the estimate of time left.
+  std::int64_t resimStartMs = 0;
+
+ private:
+  double FrameDuration() const;
+  std::int64_t FrameOf(double seconds) const;
+  void StartInstancesOfTheTree();
+
+  AdaptorInterface* adaptor_;
+  DeviceManager* devices_;
+  InstanceList* instances_;
+};
+
+}  // namespace vuk::rgw::core
