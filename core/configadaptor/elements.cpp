@@ -64,6 +64,15 @@ bool ReadNumber(const Element& item, double& value) {
   return static_cast<bool>(in >> value);
 }
 
+// A whole number from a profile: a value outside the 32-bit range, or no
+// number at all, is refused rather than converted.
+bool ReadWhole(const Element& item, std::int32_t& value) {
+  double number = 0;
+  if (!ReadNumber(item, number) || !(number >= -2147483648.0 && number <= 2147483647.0)) return false;
+  value = static_cast<std::int32_t>(number);
+  return true;
+}
+
 Element Control(const char* kind, const Node& node) {
   Tag control(kind);
   control.SetAttribute("id") = std::to_string(node.id);
@@ -193,10 +202,7 @@ void Spinner::SendToControl(gui::Component& control) {
 void Spinner_Int::WriteProfile(Element& profile) { profile.AddChild(Item(*this, "", std::to_string(*variable))); }
 
 void Spinner_Int::ReadProfile(const Element& profile) {
-  double value = 0;
-  if (const Element* item = FindItem(profile, id); item && ReadNumber(*item, value)) {
-    *variable = static_cast<std::int32_t>(value);
-  }
+  if (const Element* item = FindItem(profile, id)) ReadWhole(*item, *variable);
 }
 
 Element Spinner_Int::BuildLayout() {
@@ -265,10 +271,7 @@ void TextBox::SendToControl(gui::Component& control) {
 void ComboBox::WriteProfile(Element& profile) { profile.AddChild(Item(*this, "", std::to_string(*variable))); }
 
 void ComboBox::ReadProfile(const Element& profile) {
-  double value = 0;
-  if (const Element* item = FindItem(profile, id); item && ReadNumber(*item, value)) {
-    *variable = static_cast<std::int32_t>(value);
-  }
+  if (const Element* item = FindItem(profile, id)) ReadWhole(*item, *variable);
 }
 
 Element ComboBox::BuildLayout() {

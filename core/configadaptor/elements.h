@@ -60,7 +60,9 @@ class Spinner_Int : public Node {
   void WriteProfile(util::xml::Element& profile) override;
   void ReadProfile(const util::xml::Element& profile) override;
   double GetValue() override { return *variable; }
-  void SetValue(double value) override { *variable = static_cast<std::int32_t>(value); }
+  void SetValue(double value) override {
+    if (value >= -2147483648.0 && value <= 2147483647.0) *variable = static_cast<std::int32_t>(value);
+  }
   util::xml::Element BuildLayout() override;
 
   std::int32_t* variable;
@@ -115,7 +117,9 @@ class ComboBox : public Node {
   void WriteProfile(util::xml::Element& profile) override;
   void ReadProfile(const util::xml::Element& profile) override;
   double GetValue() override { return *variable; }
-  void SetValue(double value) override { *variable = static_cast<std::int32_t>(value); }
+  void SetValue(double value) override {
+    if (value >= -2147483648.0 && value <= 2147483647.0) *variable = static_cast<std::int32_t>(value);
+  }
   util::xml::Element BuildLayout() override;
   // New choices, in the model and in every open view.
   void SetItems(std::vector<std::string> choices);

@@ -1,0 +1,156 @@
+#include "adaptor/standalone/gltffile.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/adaptor/standalone/samplescene.h"
+
+namespace vuk::rgw::adaptor::standalone {
+namespace {
+
+std::string Temp(const std::string& name) { return testing::TempDir() + "/" + name; }
+
+std::string Read(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void ExpectSameScenes(Scene& a, Scene& b) {
+  std::vector<SceneNode*> left, right;
+  a.Walk([&](SceneNode& n) { left.push_back(&n); });
+  b.Walk([&](SceneNode& n) { right.push_back(&n); });
+  ASSERT_EQ(left.size(), right.size());
+  for (std::size_t i = 1; i < left.size(); ++i) {
+    EXPECT_EQ(left[i]->hostName, right[i]->hostName);
+    EXPECT_EQ(left[i]->kind, right[i]->kind);
+    EXPECT_EQ(left[i]->visible, right[i]->visible);
+    EXPECT_EQ(left[i]->properties, right[i]->properties);
+    EXPECT_EQ(left[i]->mesh.vertices.size(), right[i]->mesh.vertices.size());
+    EXPECT_EQ(left[i]->mesh.faces, right[i]->mesh.faces);
+    ASSERT_EQ(left[i]->track.Keys().size(), right[i]->track.Keys().size()) << left[i]->hostName;
+    for (Tick tick : {Tick(0), Tick(800), Tick(4800), Tick(9000)}) {
+      const util::Matrix<double> l = left[i]->World(tick), r = right[i]->World(tick);
+      // Files hold floats.
+      for (int e = 0; e < 16; ++e) EXPECT_NEAR(l.m[e], r.m[e], 2e-6) << left[i]->hostName << " element " << e;
+    }
+  }
+}
+
+TEST(GltfFile, SceneRoundTrip) {
+  Scene scene;
+  testing_support::BuildSampleScene(scene);
+  for (const char* name : {"roundtrip.gltf", "roundtrip.glb"}) {
+    GltfFile file;
+    std::string error;
+    ASSERT_TRUE(file.Save(Temp(name), scene, &error)) << error;
+    EXPECT_FALSE(std::filesystem::exists(Temp(name) + ".tmp"));
+    Scene back;
+    GltfFile reader;
+    ASSERT_TRUE(reader.Load(Temp(name), back, &error)) << error;
+    ExpectSameScenes(scene, back);
+  }
+}
+
+TEST(GltfFile, WhatTheHostDoesNotKnowComesBackUnchanged) {
+  const std::string source = Temp("foreign.gltf");
+  std::ofstream(source) << R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_materials_unlit"],
+    "materials":[{"name":"Paint","extensions":{"KHR_materials_unlit":{}},"pbrMetallicRoughness":{"baseColorFactor":[1,0,0,1]}}],
+    "scenes":[{"nodes":[0]}],"scene":0,
+    "nodes":[{"name":"Car","translation":[1,2,3],"extras":{"RGT_tag":"<RGT_tag/>","owner":"me"}}]})";
+  Scene scene;
+  GltfFile file;
+  std::string error;
+  ASSERT_TRUE(file.Load(source, scene, &error)) << error;
+  SceneNode* car = scene.Root().children.at(0);
+  EXPECT_EQ(car->hostName, "Car");
+  EXPECT_EQ(car->properties["RGT_tag"], "<RGT_tag/>");
+  EXPECT_EQ(car->World(0).GetTranslation(), util::Vector3<double>(1, 2, 3));
+  ASSERT_TRUE(file.Save(Temp("foreign_out.gltf"), scene, &error)) << error;
+  const std::string written = Read(Temp("foreign_out.gltf"));
+  EXPECT_NE(written.find("KHR_materials_unlit"), std::string::npos);
+  EXPECT_NE(written.find("\"Paint\""), std::string::npos);
+  EXPECT_NE(written.find("\"owner\": \"me\""), std::string::npos) << written;
+}
+
+TEST(GltfFile, SteppedAndCubicAnimationsBecomeKeys) {
+  const std::string source = Temp("animated.gltf");
+  // Times 0, 1 and values for a STEP translation and a CUBICSPLINE scale
+  // (in-tangent, value, out-tangent per key), as base64 of little-endian floats.
+  std::ofstream(source) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Box"}],
+    "buffers":[{"byteLength":104,"uri":"data:application/octet-stream;base64,AAAAAAAAgD8AAAAAAAAAAAAAAAAAACBBAAAAAAAAAAAAAAAAAAAAAAAAAAAAAIA/AACAPwAAgD8AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAABAAAAAQAAAAEAAAAAAAAAAAAAAAAA="}],
+    "bufferViews":[{"buffer":0,"byteOffset":0,"byteLength":8},{"buffer":0,"byteOffset":8,"byteLength":24},{"buffer":0,"byteOffset":32,"byteLength":72}],
+    "accessors":[{"bufferView":0,"componentType":5126,"count":2,"type":"SCALAR","min":[0],"max":[1]},
+      {"bufferView":1,"componentType":5126,"count":2,"type":"VEC3"},{"bufferView":2,"componentType":5126,"count":6,"type":"VEC3"}],
+    "animations":[{"samplers":[{"input":0,"output":1,"interpolation":"STEP"},{"input":0,"output":2,"interpolation":"CUBICSPLINE"}],
+      "channels":[{"sampler":0,"target":{"node":0,"path":"translation"}},{"sampler":1,"target":{"node":0,"path":"scale"}}]}]})";
+  Scene scene;
+  GltfFile file;
+  std::string error;
+  ASSERT_TRUE(file.Load(source, scene, &error)) << error;
+  SceneNode* box = scene.Root().children.at(0);
+  ASSERT_EQ(box->track.Keys().size(), 2u);
+  EXPECT_EQ(box->track.Keys()[1].tick, 4800);
+  EXPECT_EQ(box->track.Keys()[0].position.x, 0.0);
+  EXPECT_EQ(box->track.Keys()[1].position.x, 10.0);
+  EXPECT_EQ(box->track.Keys()[0].scale, util::Vector3<double>(1, 1, 1));
+  EXPECT_EQ(box->track.Keys()[1].scale, util::Vector3<double>(2, 2, 2));
+}
+
+struct BadFile {
+  const char* name;
+  const char* text;
+  const char* problem;
+};
+
+class GltfFileBad : public testing::TestWithParam<BadFile> {};
+
+TEST_P(GltfFileBad, IsRefusedWithTheFileNamedAndTheSceneUntouched) {
+  const std::string path = Temp(GetParam().name);
+  std::ofstream(path) << GetParam().text;
+  Scene scene;
+  scene.CreateNode(ObjectKind::kEmpty, "Kept");
+  GltfFile file;
+  std::string error;
+  EXPECT_FALSE(file.Load(path, scene, &error));
+  EXPECT_EQ(error.rfind(path + ": ", 0), 0u) << error;
+  EXPECT_NE(error.find(GetParam().problem), std::string::npos) << error;
+  ASSERT_EQ(scene.Root().children.size(), 1u);
+  EXPECT_EQ(scene.Root().children[0]->hostName, "Kept");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, GltfFileBad,
+    testing::Values(
+        BadFile{"garbage.gltf", "this is no json", ""},
+        BadFile{"past_end.gltf",
+                R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"mesh":0}],
+                  "meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+                  "buffers":[{"byteLength":4,"uri":"data:application/octet-stream;base64,AAAAAA=="}],
+                  "bufferViews":[{"buffer":0,"byteLength":4}],
+                  "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}]})",
+                "runs past its buffer"},
+        BadFile{"missing_mesh.gltf", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"mesh":4}]})",
+                "missing mesh"}));
+
+TEST(GltfFile, ACycleInTheFileIsTakenOnce) {
+  const std::string path = Temp("cycle.gltf");
+  std::ofstream(path) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],
+    "nodes":[{"name":"A","children":[1]},{"name":"B","children":[0]}]})";
+  Scene scene;
+  GltfFile file;
+  std::string error;
+  // tinygltf itself may refuse the file; if it reads, each node is made once.
+  if (file.Load(path, scene, &error)) {
+    int nodes = 0;
+    scene.Walk([&](SceneNode&) { ++nodes; });
+    EXPECT_EQ(nodes, 3);
+  } else {
+    EXPECT_NE(error.find(path), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace vuk::rgw::adaptor::standalone

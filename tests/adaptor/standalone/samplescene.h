@@ -1,0 +1,11 @@
+#pragma once
+// A small scene with every kind the host knows, keys on two nodes, a parent
+// and child, strings and a hidden node: for file round trips and the validator.
+
+#include "adaptor/standalone/scene.h"
+
+namespace vuk::rgw::testing_support {
+
+void BuildSampleScene(adaptor::standalone::Scene& scene);
+
+}  // namespace vuk::rgw::testing_support
