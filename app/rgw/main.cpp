@@ -1,105 +1,48 @@
-// The rgw command line.
-//   rgw layout show FILE --png OUT [--width W] [--height H]
-// renders a layout file (or a resource path beginning with ":") offscreen to
-// a PNG, for looking at windows without a screen;
-//   rgw layout page --png OUT [--width W] [--height H]
-// renders the configuration window with a sample tool page in it.
-#include <QApplication>
-#include <QImage>
-#include <QStyleFactory>
-#include <QWidget>
+// The rgw command line of the product, on the embedded scene host.
 #include <cstdio>
-#include <cstdlib>
 #include <string>
-#include <vector>
 
-#include "gui/builder.h"
-#include "app/rgw/samplepage.h"
-#include "gui/qt/realizer.h"
-#include "util/xml/element.h"
+#include "app/rgw/commands.h"
+
+namespace vuk::app {
+
+bool WantsHelp(const Arguments& args) {
+  for (const std::string& arg : args) {
+    if (arg == "--help" || arg == "-h") return true;
+  }
+  return false;
+}
+
+}  // namespace vuk::app
 
 namespace {
 
-int Usage() {
-  std::fprintf(stderr,
-               "usage: rgw layout show FILE --png OUT [--width W] [--height H]\n"
-               "       rgw layout page --png OUT [--width W] [--height H]\n");
-  return 2;
-}
-
-// Shows the tree and writes its picture.
-int Render(vuk::gui::Component& root, const std::string& png, int width, int height) {
-  QWidget* window = vuk::gui::component::qt::Realize(root);
-  if (!window) {
-    std::fprintf(stderr, "rgw: the layout's root has nothing to show\n");
-    return 1;
-  }
-  window->adjustSize();
-  if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
-  window->show();
-  QApplication::processEvents();
-  const bool saved = window->grab().toImage().save(QString::fromStdString(png));
-  delete window;
-  if (!saved) {
-    std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
-    return 1;
-  }
-  return 0;
-}
-
-int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
-  std::string file, png;
-  int width = 0, height = 0;
-  for (std::size_t i = 0; i < args.size(); ++i) {
-    const bool hasValue = i + 1 < args.size();
-    if (args[i] == "--png" && hasValue) {
-      png = args[++i];
-    } else if (args[i] == "--width" && hasValue) {
-      width = std::atoi(args[++i].c_str());
-    } else if (args[i] == "--height" && hasValue) {
-      height = std::atoi(args[++i].c_str());
-    } else if (file.empty()) {
-      file = args[i];
-    } else {
-      return Usage();
-    }
-  }
-  if (samplePage) file = vuk::gui::DataRoot() + "/core/layout/rgw_config.xml";
-  if (file.empty() || png.empty() || (samplePage && args.size() % 2)) return Usage();
-  vuk::util::xml::Element layout;
-  if (layout.Parse(file) != vuk::util::xml::kParsed) {
-    std::fprintf(stderr, "rgw: %s: the layout can't be read\n", file.c_str());
-    return 1;
-  }
-  vuk::app::SamplePage page;
-  if (samplePage) {
-    // The page goes into the window's list 210, as the configuration window places it.
-    for (auto& child : layout.children) {
-      if (child->GetAttribute("id") == "210") child->AddChild(page.root.BuildLayout());
-    }
-  }
-  std::unique_ptr<vuk::gui::Component> root = vuk::gui::BuildComponent(layout);
-  if (!root) {
-    std::fprintf(stderr, "rgw: %s: \"%s\" is not a component\n", file.c_str(), layout.name.c_str());
-    return 1;
-  }
-  root->SetAlias("[coreimages]", vuk::gui::DataRoot() + "/core/images");
-  if (samplePage) page.root.AttachView(root.get());
-  return Render(*root, png, width, height);
+int Help(int code) {
+  std::fprintf(code == 0 ? stdout : stderr,
+               "usage: rgw COMMAND [ARGUMENTS]\n"
+               "  tools                  the tools that can be made\n"
+               "  scene show FILE        what a scene file holds\n"
+               "  scene demo OUT         writes a small demo scene\n"
+               "  run FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]... [--from S] [--to S]\n"
+               "                         makes a tool in a scene and simulates it\n"
+               "  layout show FILE --png OUT, layout page --png OUT\n"
+               "                         renders a window to a picture\n"
+               "Each command takes --help.\n");
+  return code;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  // Without a display the picture is drawn offscreen.
-  if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  }
-  QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
-  const std::vector<std::string> args(argv + 1, argv + argc);
-  if (args.size() >= 2 && args[0] == "layout" && (args[1] == "show" || args[1] == "page")) {
-    return ShowLayout(std::vector<std::string>(args.begin() + 2, args.end()), args[1] == "page");
-  }
-  return Usage();
+  const vuk::app::Arguments args(argv + 1, argv + argc);
+  if (args.empty()) return Help(2);
+  const vuk::app::Arguments rest(args.begin() + 1, args.end());
+  const std::string& command = args[0];
+  if (command == "--help" || command == "-h" || command == "help") return Help(0);
+  if (command == "tools") return vuk::app::ToolsCommand(rest);
+  if (command == "scene") return vuk::app::SceneCommand(rest);
+  if (command == "run") return vuk::app::RunCommand(rest);
+  if (command == "layout") return vuk::app::LayoutCommand(rest);
+  std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
+  return Help(2);
 }

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "tests/adaptor/standalone/samplescene.h"
+#include "scenes/samplescene.h"
 
 namespace vuk::rgw::adaptor::standalone {
 namespace {
@@ -41,7 +41,7 @@ void ExpectSameScenes(Scene& a, Scene& b) {
 
 TEST(GltfFile, SceneRoundTrip) {
   Scene scene;
-  testing_support::BuildSampleScene(scene);
+  vuk::scenes::BuildSampleScene(scene);
   for (const char* name : {"roundtrip.gltf", "roundtrip.glb"}) {
     GltfFile file;
     std::string error;

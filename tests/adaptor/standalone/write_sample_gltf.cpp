@@ -2,12 +2,12 @@
 #include <cstdio>
 
 #include "adaptor/standalone/gltffile.h"
-#include "tests/adaptor/standalone/samplescene.h"
+#include "scenes/samplescene.h"
 
 int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     vuk::rgw::adaptor::standalone::Scene scene;
-    vuk::rgw::testing_support::BuildSampleScene(scene);
+    vuk::scenes::BuildSampleScene(scene);
     vuk::rgw::adaptor::standalone::GltfFile file;
     std::string error;
     if (!file.Save(argv[i], scene, &error)) {

@@ -4,8 +4,8 @@
 
 #include "adaptor/standalone/scene.h"
 
-namespace vuk::rgw::testing_support {
+namespace vuk::scenes {
 
-void BuildSampleScene(adaptor::standalone::Scene& scene);
+void BuildSampleScene(rgw::adaptor::standalone::Scene& scene);
 
-}  // namespace vuk::rgw::testing_support
+}  // namespace vuk::scenes

@@ -1,12 +1,12 @@
-#include "tests/adaptor/standalone/samplescene.h"
+#include "scenes/samplescene.h"
 
 #include <cmath>
 
 #include "util/mesh.h"
 
-namespace vuk::rgw::testing_support {
+namespace vuk::scenes {
 
-using namespace adaptor::standalone;
+using namespace rgw::adaptor::standalone;
 
 void BuildSampleScene(Scene& scene) {
   SceneNode* ground = scene.CreateNode(ObjectKind::kMesh, "Ground");
@@ -34,4 +34,4 @@ void BuildSampleScene(Scene& scene) {
   scene.animate = false;
 }
 
-}  // namespace vuk::rgw::testing_support
+}  // namespace vuk::scenes

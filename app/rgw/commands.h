@@ -1,0 +1,21 @@
+#pragma once
+// The commands of the rgw command line. Each takes its own arguments and
+// answers an exit code: 0 done, 1 failed (a message on standard error),
+// 2 wrong usage.
+
+#include <string>
+#include <vector>
+
+namespace vuk::app {
+
+using Arguments = std::vector<std::string>;
+
+int LayoutCommand(const Arguments& args);
+int ToolsCommand(const Arguments& args);
+int SceneCommand(const Arguments& args);
+int RunCommand(const Arguments& args);
+
+// True when the arguments ask for help.
+bool WantsHelp(const Arguments& args);
+
+}  // namespace vuk::app
