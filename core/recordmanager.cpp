@@ -156,6 +156,13 @@ void RecordManager::RetakeAfterUndo() {
   if (adaptor_->Undo()) StartRecording();
 }
 
+bool RecordManager::OnKey(std::int32_t code, bool control, bool alt, bool shift, bool meta) {
+  constexpr std::int32_t kZ = 90;
+  if (code != kZ || !control || alt || shift || meta || !recording || resimulating) return false;
+  RetakeAfterUndo();
+  return true;
+}
+
 void RecordManager::StartResimulation(double from, double to) {
   if (recording) return;
   adaptor_->BeginUndo("Resimulating");

@@ -39,6 +39,9 @@ class RecordManager : public TimerManager {
   void StopRecording();
   // Throws the take away and starts again at once; a failing host undo leaves it idle.
   void RetakeAfterUndo();
+  // A key from the device layer: Control-Z alone (code 90) retakes. Answers
+  // whether the key was taken.
+  bool OnKey(std::int32_t code, bool control, bool alt, bool shift, bool meta);
   void StartResimulation(double from, double to);
   // One slice of at most 500 ms of the clock; true when all frames are done.
   bool ResimStep();

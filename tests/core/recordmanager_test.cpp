@@ -202,6 +202,16 @@ TEST_F(Recording, ControlZRetakesOrStaysIdleWhenUndoFails) {
   EXPECT_FALSE(recorder.IsRecording());
 }
 
+TEST_F(Recording, OnlyControlZAloneRetakes) {
+  EXPECT_FALSE(recorder.OnKey(90, true, false, false, false));  // not recording
+  recorder.StartRecording();
+  EXPECT_FALSE(recorder.OnKey(90, true, false, true, false));
+  EXPECT_FALSE(recorder.OnKey(89, true, false, false, false));
+  EXPECT_TRUE(recorder.OnKey(90, true, false, false, false));
+  EXPECT_TRUE(recorder.IsRecording());
+  recorder.StopRecording();
+}
+
 TEST_F(Recording, AResimulationStepsAtFromPlusWholeFrames) {
   host.SetAnimationRange({0, 2});
   recorder.StartResimulation(0.5, 1.0);

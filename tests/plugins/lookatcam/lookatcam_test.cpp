@@ -134,6 +134,20 @@ TEST(LookAtCamDeterminism, SameTakeSameKeys) {
   }
 }
 
+// FNV-1a over the bytes of every key: any change to the numbers shows.
+std::uint64_t HashOf(const std::vector<adaptor::standalone::TransformKey>& keys) {
+  std::uint64_t hash = 14695981039346656037ull;
+  for (const auto& key : keys) {
+    const auto* bytes = reinterpret_cast<const unsigned char*>(&key);
+    for (std::size_t i = 0; i < sizeof key; ++i) hash = (hash ^ bytes[i]) * 1099511628211ull;
+  }
+  return hash;
+}
+
+TEST(LookAtCamDeterminism, TheKeysOfAFixedTakeKeepTheirHash) {
+  EXPECT_EQ(HashOf(RecordTake()), 5733555092560626472ull);
+}
+
 TEST_F(LookAtCam, KeepsItsScale) {
   CSnapshot* snapshot = instance->GetTransformSnapshot(tool->cameraNode.handle, 0);
   Matrix<double> scaled;
