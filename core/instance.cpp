@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/instancereference.h"
 #include "core/messagebox.h"
 #include "core/paths.h"
 #include "sdk/cvariablemodundo.h"
@@ -210,6 +211,15 @@ std::intptr_t Instance::Extension(std::int32_t id, void* data) {
     }
     case extension::kDeleteSelf:
       Delete(true);
+      return 0;
+    case extension::kOwnerName:
+      if (data && reference && reference->parent) {
+        const auto* owner = static_cast<const InstanceReference*>(reference->parent);
+        if (owner->instance) *static_cast<std::string*>(data) = owner->GetLabel();
+      }
+      return 0;
+    case extension::kMasterNode:
+      if (data && reference) static_cast<util::xml::Element*>(data)->AddChild(reference->MasterNode());
       return 0;
     case extension::kRefreshDevices:
       Poll(nullptr);

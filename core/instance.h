@@ -23,6 +23,8 @@
 
 namespace vuk::rgw::core {
 
+class InstanceReference;
+
 // The gauges of an instance, as a device other tools can bind to.
 class InstanceVirtualDevice : public unidevice::Device {
  public:
@@ -78,7 +80,7 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
 
   // CExtendable: the instance's extensions for its tool.
   std::intptr_t Extension(std::int32_t id, void* data) override;
-  std::vector<std::int32_t> ExtensionIds() override { return {38, 39, 41, 43, 58, 60}; }
+  std::vector<std::int32_t> ExtensionIds() override { return {38, 39, 41, 43, 55, 56, 58, 60}; }
 
   // Device: the gauges are polled from the tool.
   bool Poll(unidevice::DeviceContext context) override;
@@ -147,6 +149,9 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   std::string configProfileName = "Factory Settings";
   std::string inputProfileName = "Factory Settings";
   std::string icon;
+  // The tool tree's item of this instance, null while it has none.
+  InstanceReference* reference = nullptr;
+  AdaptorInterface* GetAdaptor() const { return adaptor_; }
 
  private:
   // Snapshots out with the tool, and the node each goes back to.

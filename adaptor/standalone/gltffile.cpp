@@ -394,6 +394,10 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
     for (const SceneNode* child : node->children) target.children.push_back(indexOf[child]);
     if (node->parent && node->parent->isRoot) roots.push_back(index);
     tinygltf::Value::Object extras = ExtrasOf(target);
+    // String extras are the node's properties: one the scene dropped goes from the file too.
+    for (auto it = extras.begin(); it != extras.end();) {
+      it = it->second.IsString() && !node->properties.count(it->first) ? extras.erase(it) : std::next(it);
+    }
     for (const auto& [key, value] : node->properties) extras[key] = tinygltf::Value(value);
     extras["rgw_hidden"] = tinygltf::Value(!node->visible);
     if (node->kind == ObjectKind::kHelper) {

@@ -232,7 +232,9 @@ void StandaloneAdaptorInterface::ResolveNodes(std::string instanceName, const ut
   std::vector<core::CoreNode*> found;
   for (std::size_t i = 0, n = nodes.CountChildren("node"); i < n; ++i) {
     const util::xml::Element& entry = nodes.GetChild("node", i);
-    const std::string objectName = entry.GetAttribute("name");
+    // Saved tools name their nodes in a "name" child; older entries in an attribute.
+    const std::string objectName =
+        entry.GetAttribute("name").empty() ? entry.GetChild("name").GetText() : entry.GetAttribute("name");
     StandaloneNode* node = MatchGathered(instanceName, objectName);
     if (!node) node = MatchLive(instanceName, objectName);
     if (!node && !entry.GetChild("UID").IsEmpty()) {

@@ -1,0 +1,147 @@
+#include "core/instancemanager.h"
+
+#include <functional>
+
+#include "core/messagebox.h"
+#include "util/base64.h"
+#include "util/xml/tag.h"
+
+namespace vuk::rgw::core {
+
+namespace {
+
+void Walk(InstanceReference& item, const std::function<void(InstanceReference&)>& visit) {
+  for (std::size_t i = 0; i < item.GetChildCount(); ++i) {
+    auto& child = static_cast<InstanceReference&>(*item.GetChild(i));
+    visit(child);
+    Walk(child, visit);
+  }
+}
+
+}  // namespace
+
+InstanceManager::InstanceManager(AdaptorInterface* adaptor, const CoreLibrary* library)
+    : adaptor_(adaptor), library_(library) {}
+
+InstanceReference* InstanceManager::Create(const std::string& toolName, const std::string& name,
+                                           InstanceReference* parent) {
+  Plugin* plugin = library_->FindTool(toolName);
+  std::unique_ptr<Instance> instance = plugin ? plugin->CreateInstance(name, adaptor_) : nullptr;
+  if (!instance) return nullptr;
+  auto* item = new InstanceReference(std::move(instance));
+  (parent ? parent : &root_)->Link(item);
+  return item;
+}
+
+InstanceReference* InstanceManager::Find(const std::string& instanceName) {
+  InstanceReference* found = nullptr;
+  Walk(root_, [&](InstanceReference& item) {
+    if (!found && item.GetLabel() == instanceName) found = &item;
+  });
+  return found;
+}
+
+std::vector<Instance*> InstanceManager::AllInstances() {
+  std::vector<Instance*> all;
+  Walk(root_, [&](InstanceReference& item) { all.push_back(item.instance.get()); });
+  return all;
+}
+
+std::vector<Instance*> InstanceManager::CheckedInstances() {
+  std::vector<Instance*> checked;
+  Walk(root_, [&](InstanceReference& item) {
+    if (item.states[TreeItem::kChecked] == 1) checked.push_back(item.instance.get());
+  });
+  return checked;
+}
+
+void InstanceManager::WriteNodeTags() {
+  for (Instance* instance : AllInstances()) adaptor_->WriteNodeTags(static_cast<CInterface*>(instance));
+}
+
+InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& element, InstanceReference* parent) {
+  Plugin* plugin = library_->FindTool(element.GetChild("type").GetText());
+  if (!plugin) return nullptr;
+  std::unique_ptr<Instance> instance = plugin->MakeInstance(element.GetChild("name").GetText(), adaptor_);
+  if (!instance) return nullptr;
+  Instance& tool = *instance;
+  const std::string name = tool.util::MessageNode::GetName();
+  auto item = std::make_unique<InstanceReference>(std::move(instance));
+  if (element.GetChild("checked").GetText() == "false") item->states[TreeItem::kChecked] = 0;
+  util::xml::Element custom = element.GetChild("customdata");
+  tool.tool->Extension(extension::kLoadCustomData, &custom);
+  if (tool.tool->BuildConfig() != 0) return nullptr;
+  if (tool.configRoot && !element.GetChild("configprofile").children.empty()) {
+    tool.configRoot->ReadAnyProfile(element.GetChild("configprofile"));
+  }
+  if (!element.GetChild("inputprofile").IsEmpty()) tool.ApplyInputProfile(element.GetChild("inputprofile"));
+  const util::xml::Element& tracks = element.GetChild("recordedinputvalues");
+  tool.recordedTracks.assign(tracks.CountChildren("input"), util::AVar_Linear<double>());
+  for (std::size_t i = 0; i < tool.recordedTracks.size(); ++i) {
+    util::Bytes block;
+    if (util::Base64::Decode(tracks.GetChild("input", i).GetText(), block)) {
+      tool.recordedTracks[i].Load(block.data(), block.size());
+    }
+  }
+  const util::xml::Element& saved = element.GetChild("savedata");
+  if (saved.IsEmpty()) {
+    if (tool.tool->Create() != 0) return nullptr;
+  } else {
+    const util::xml::Element& nodeInfo = element.GetChild("nodeinfo");
+    NodeVector nodes;
+    adaptor_->ResolveNodes(name, nodeInfo, nodes);
+    std::string missing;
+    for (std::size_t i = 0; i < nodes.nodes.size(); ++i) {
+      if (!nodes.nodes[i]) missing += name + "_" + nodeInfo.GetChild("node", i).GetChild("name").GetText() + "\n";
+    }
+    if (!missing.empty()) {
+      ShowMessageBox("Some nodes required for this plugin was not found in the scene. Please make sure all required "
+                     "nodes are present.\nThe following nodes were not found:\n\n" + missing,
+                     "Error loading plugin", 32);
+      return nullptr;
+    }
+    // The found nodes belong to this instance under their saved names.
+    for (std::size_t i = 0; i < nodes.nodes.size(); ++i) {
+      nodes.nodes[i]->owner = static_cast<CInterface*>(&tool);
+      nodes.nodes[i]->name = nodeInfo.GetChild("node", i).GetChild("name").GetText();
+    }
+    util::Bytes bytes;
+    util::Base64::Decode(saved.GetText(), bytes);
+    tool.SetSaveData(bytes.data(), static_cast<std::int32_t>(bytes.size()));
+    if (tool.tool->Load() != 0) return nullptr;
+  }
+  InstanceReference* made = item.release();
+  (parent ? parent : &root_)->Link(made);
+  for (std::size_t i = 0, n = element.CountChildren("RGT_Plugin"); i < n; ++i) {
+    MakeFromElement(element.GetChild("RGT_Plugin", i), made);
+  }
+  return made;
+}
+
+int InstanceManager::LoadToolTree(const util::xml::Element& given) {
+  util::xml::Element tree = given;
+  if (tree.name != "RGT" && tree.name != "rgw") {
+    util::xml::Tag wrapper("RGT");
+    wrapper.AddChild(given);
+    tree = std::move(wrapper);
+  }
+  adaptor_->BeginUndo("Creating instance");
+  std::vector<InstanceReference*> made;
+  for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {
+    if (InstanceReference* item = MakeFromElement(tree.GetChild("RGT_Plugin", i), nullptr)) made.push_back(item);
+  }
+  // Every tool exists now: tools that link to others' nodes do it here, parents first.
+  int count = 0;
+  for (InstanceReference* item : made) {
+    item->instance->tool->Extension(extension::kConnectTools, nullptr);
+    ++count;
+    Walk(*item, [&](InstanceReference& child) {
+      child.instance->tool->Extension(extension::kConnectTools, nullptr);
+      ++count;
+    });
+  }
+  adaptor_->EndUndo();
+  return count;
+}
+
+}  // namespace vuk::rgw::core

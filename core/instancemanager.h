@@ -1,0 +1,47 @@
+#pragma once
+// The tool tree and the making of tools: new ones by name, and saved ones
+// from "RGT_Plugin" elements, each a template of itself.
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/adaptorinterface.h"
+#include "core/corelibrary.h"
+#include "core/instancereference.h"
+#include "core/recordmanager.h"
+
+namespace vuk::rgw::core {
+
+class InstanceManager : public InstanceList {
+ public:
+  InstanceManager(AdaptorInterface* adaptor, const CoreLibrary* library);
+
+  InstanceReference& Root() { return root_; }
+  // A new tool below the parent (the root when null); null when the tool
+  // is unknown or refuses.
+  InstanceReference* Create(const std::string& toolName, const std::string& name = "",
+                            InstanceReference* parent = nullptr);
+  InstanceReference* Find(const std::string& instanceName);
+
+  // Tree order; the checked ones are those whose check state is 1, at any depth.
+  std::vector<Instance*> AllInstances() override;
+  std::vector<Instance*> CheckedInstances() override;
+
+  // The whole tree with its recorded data.
+  util::xml::Element SaveToolTree() const { return root_.Serialize(InstanceReference::kFullContent); }
+  // Makes the tools an "RGT" (or a bare "RGT_Plugin") element describes, in
+  // one undo group; answers how many tools were made.
+  int LoadToolTree(const util::xml::Element& tree);
+  // Puts every tool's tags on its nodes for a scene save.
+  void WriteNodeTags();
+
+ private:
+  InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);
+
+  AdaptorInterface* adaptor_;
+  const CoreLibrary* library_;
+  InstanceReference root_;
+};
+
+}  // namespace vuk::rgw::core

@@ -1,0 +1,140 @@
+#include "core/instancereference.h"
+
+#include "util/base64.h"
+#include "util/compressedblock.h"
+#include "util/xml/tag.h"
+
+namespace vuk::rgw::core {
+
+using util::xml::Element;
+using util::xml::Tag;
+using util::xml::TagWithData;
+
+namespace {
+
+std::string Blob(const void* bytes, std::size_t size) {
+  return util::Base64::Encode(static_cast<const std::uint8_t*>(bytes), size);
+}
+
+// The matrix as the 128 bytes of its sixteen doubles, little-endian.
+std::string MatrixBlob(const util::Matrix<double>& matrix) {
+  util::Bytes bytes;
+  util::ByteWriter writer(bytes);
+  for (double element : matrix.m) writer.Put(element);
+  return Blob(bytes.data(), bytes.size());
+}
+
+Element NodeInfo(Instance& instance) {
+  Tag info("nodeinfo");
+  NodeVector nodes;
+  instance.GetAdaptor()->GetInstanceNodes(&instance, nodes);
+  const double now = instance.GetAdaptor()->GetTime();
+  for (CoreNode* node : nodes.nodes) {
+    Tag entry("node");
+    entry.AddChild(TagWithData("name", node->name));
+    entry.AddChild(TagWithData("objectname", node->GetHostName()));
+    if (CSnapshot_Lens* lens = node->GetLensSnapshot(now)) {
+      entry.SetAttribute("type") = "camera";
+      Tag lensElement("lens");
+      lensElement.SetAttribute("fov") = std::to_string(lens->GetFOV());
+      entry.AddChild(lensElement);
+      node->ReleaseLensSnapshot(lens);
+    }
+    if (CSnapshot* snapshot = node->GetSnapshot(now)) {
+      Tag global("transform"), local("transform");
+      global.SetAttribute("reference") = "global";
+      global.AddChild(util::xml::Text(MatrixBlob(snapshot->GetWorldTransform())));
+      local.SetAttribute("reference") = "local";
+      local.AddChild(util::xml::Text(MatrixBlob(snapshot->GetLocalTransform())));
+      entry.AddChild(global);
+      entry.AddChild(local);
+      node->ReleaseSnapshot(snapshot);
+    }
+    entry.AddChild(Tag("parent"));
+    entry.AddChild(TagWithData("visible", node->IsVisible() ? "true" : "false"));
+    info.AddChild(entry);
+  }
+  return std::move(info);
+}
+
+}  // namespace
+
+void TreeItem::Link(TreeItem* child) {
+  child->parent = this;
+  AddChild(child);
+}
+
+std::int32_t TreeItem::ChildIndex() const {
+  if (!parent) return 0;
+  for (std::size_t i = 0; i < parent->GetChildCount(); ++i) {
+    if (parent->GetChild(i) == this) return static_cast<std::int32_t>(i);
+  }
+  return 0;
+}
+
+InstanceReference::InstanceReference(std::unique_ptr<Instance> owned) : instance(std::move(owned)) {
+  if (instance) instance->reference = this;
+}
+
+InstanceReference::~InstanceReference() {
+  // The children go first, as the tree was built from the root down.
+  while (GetChildCount() > 0) RemoveChild(GetChild(GetChildCount() - 1));
+}
+
+std::string InstanceReference::GetLabel() const {
+  return instance ? instance->util::MessageNode::GetName() : std::string("RGT");
+}
+
+Element InstanceReference::Serialize(std::uint32_t flags) const {
+  Tag plugin("RGT_Plugin");
+  plugin.SetAttribute("version") = "2.5";
+  if (instance) {
+    Instance& tool = *instance;
+    plugin.AddChild(TagWithData("type", tool.plugin->GetName()));
+    plugin.AddChild(TagWithData("name", tool.util::MessageNode::GetName()));
+    if (states[kChecked] == 0) plugin.AddChild(TagWithData("checked", "false"));
+    Tag custom("customdata");
+    tool.tool->Extension(extension::kSaveCustomData, &custom);
+    plugin.AddChild(custom);
+    plugin.AddChild(tool.ConfigProfile());
+    Tag input("inputprofile");
+    input.AddChild(tool.InputProfile());
+    plugin.AddChild(input);
+    plugin.AddChild(NodeInfo(tool));
+    if (flags & kFullContent) {
+      std::int32_t length = 0;
+      const std::uint8_t* bytes = tool.tool->Save() == 0 ? tool.GetSaveData(&length) : nullptr;
+      if (bytes) plugin.AddChild(TagWithData("savedata", Blob(bytes, static_cast<std::size_t>(length))));
+      Tag tracks("recordedinputvalues");
+      for (const auto& track : tool.recordedTracks) {
+        util::Bytes block(track.GetSaveSize());
+        track.Save(block.data(), static_cast<std::uint32_t>(block.size()));
+        tracks.AddChild(TagWithData("input", Blob(block.data(), block.size())));
+      }
+      plugin.AddChild(tracks);
+    }
+  }
+  if (!(flags & kNoChildren)) {
+    for (std::size_t i = 0; i < GetChildCount(); ++i) {
+      const auto* child = static_cast<const InstanceReference*>(GetChild(i));
+      plugin.AddChild(child->Serialize(flags & ~kCompress));
+    }
+  }
+  if (!(flags & kCompress)) return std::move(plugin);
+  const util::Bytes packed = util::CompressedBlock::Pack(plugin.Write("", ""));
+  Tag compressed("RGT_Plugin");
+  compressed.SetAttribute("compressed") = "1";
+  compressed.AddChild(util::xml::Text(util::Base64::Encode(packed)));
+  return std::move(compressed);
+}
+
+Element InstanceReference::MasterNode() const {
+  Tag master("masternode");
+  const auto* up = static_cast<const InstanceReference*>(parent);
+  if (up && up->instance) master.AddChild(TagWithData("parent", up->GetLabel()));
+  master.AddChild(TagWithData("childindex", ChildIndex()));
+  master.AddChild(Serialize(kForScene));
+  return std::move(master);
+}
+
+}  // namespace vuk::rgw::core

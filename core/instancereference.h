@@ -1,0 +1,64 @@
+#pragma once
+// The tool tree: one item per tool instance under the root "RGT", with the
+// check state and the two visibility states of each tool. An item writes
+// its tool, and those below it, as one "RGT_Plugin" element.
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "core/instance.h"
+#include "gui/componentinterface.h"
+#include "util/compositedynamic.h"
+#include "util/dynamicobject.h"
+#include "util/xml/element.h"
+
+namespace vuk::rgw::core {
+
+class TreeItem : public gui::componentinterface::Tree::Node,
+                 public util::DynamicObject,
+                 public util::Composite_Dynamic<TreeItem> {
+ public:
+  enum Slot { kChecked = 0, kHighPoly = 1, kLowPoly = 2 };
+
+  std::size_t GetNodeCount() const override { return GetChildCount(); }
+  Node* GetNode(std::size_t index) const override { return GetChild(index); }
+  std::int32_t GetFlag(std::size_t column) const override { return column < 3 ? states[column] : 0; }
+  void SetFlag(std::size_t column, std::int32_t state) override {
+    if (column < 3) states[column] = state;
+  }
+  // Links a child at the end and becomes its parent.
+  void Link(TreeItem* child);
+  // The position among the parent's children, or 0 for the root.
+  std::int32_t ChildIndex() const;
+
+  TreeItem* parent = nullptr;
+  std::array<std::int32_t, 3> states{1, 1, 1};
+};
+
+class InstanceReference : public TreeItem {
+ public:
+  // Flags of Serialize.
+  static constexpr std::uint32_t kFullContent = 0x1;
+  static constexpr std::uint32_t kNoChildren = 0x10000;
+  static constexpr std::uint32_t kCompress = 0x20000;
+  static constexpr std::uint32_t kForScene = 0x30001;
+
+  // The root of the tree has no instance and is named "RGT".
+  InstanceReference() : deletable(false) {}
+  explicit InstanceReference(std::unique_ptr<Instance> owned);
+  ~InstanceReference() override;
+
+  std::string GetLabel() const override;
+  // The "RGT_Plugin" element of this tool and, unless told not to, of those
+  // below it; compressed into one blob when asked.
+  util::xml::Element Serialize(std::uint32_t flags) const;
+  // "masternode": the parent's name, the child index and the tool compressed.
+  util::xml::Element MasterNode() const;
+
+  std::unique_ptr<Instance> instance;
+  bool deletable = true;
+};
+
+}  // namespace vuk::rgw::core
