@@ -15,7 +15,7 @@ void BuildSampleScene(Scene& scene) {
   SceneNode* body = scene.CreateNode(ObjectKind::kHelper, "Car_Body", car);
   body->SetMesh(util::CMesh_Box(2, 1, 4));
   body->wireframe = false;
-  body->properties["RGT_tag"] = "<RGT_tag><name>Car</name></RGT_tag>";
+  body->properties["rgw_note"] = "the body of the car";
   SceneNode* camera = scene.CreateNode(ObjectKind::kCamera, "Camera");
   camera->camera.fovDegrees = 50;
   camera->camera.targetDistance = 7.5;

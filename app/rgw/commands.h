@@ -14,6 +14,10 @@ int LayoutCommand(const Arguments& args);
 int ToolsCommand(const Arguments& args);
 int SceneCommand(const Arguments& args);
 int RunCommand(const Arguments& args);
+int CreateCommand(const Arguments& args);
+int SetCommand(const Arguments& args);
+int TakeCommand(const Arguments& args);
+int BindCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

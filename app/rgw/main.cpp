@@ -23,8 +23,13 @@ int Help(int code) {
                "  tools                  the tools that can be made\n"
                "  scene show FILE        what a scene file holds\n"
                "  scene demo OUT         writes a small demo scene\n"
-               "  run FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]... [--from S] [--to S]\n"
-               "                         makes a tool in a scene and simulates it\n"
+               "  create FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]...\n"
+               "                         makes a tool in a scene and saves it there\n"
+               "  run FILE --out OUT [--tool NAME ...] [--from S] [--to S]\n"
+               "                         simulates the scene's tools and writes the keys\n"
+               "  set FILE --instance NAME --value LABEL=NUMBER --out OUT\n"
+               "  bind FILE --instance NAME --profile PROFILE.cip --out OUT\n"
+               "  take FILE --instance NAME --csv TAKE.csv --out OUT\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"
                "                         renders a window to a picture\n"
                "Each command takes --help.\n");
@@ -42,6 +47,10 @@ int main(int argc, char** argv) {
   if (command == "tools") return vuk::app::ToolsCommand(rest);
   if (command == "scene") return vuk::app::SceneCommand(rest);
   if (command == "run") return vuk::app::RunCommand(rest);
+  if (command == "create") return vuk::app::CreateCommand(rest);
+  if (command == "set") return vuk::app::SetCommand(rest);
+  if (command == "take") return vuk::app::TakeCommand(rest);
+  if (command == "bind") return vuk::app::BindCommand(rest);
   if (command == "layout") return vuk::app::LayoutCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);

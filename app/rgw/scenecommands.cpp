@@ -1,26 +1,21 @@
-#include <QCoreApplication>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <set>
-#include <thread>
+#include <fstream>
+#include <map>
+#include <sstream>
 
-#include "adaptor/standalone/gltffile.h"
-#include "adaptor/standalone/standaloneadaptorinterface.h"
-#include "adaptor/standalone/standalonenode.h"
 #include "app/rgw/commands.h"
-#include "core/corelibrary.h"
-#include "core/recordmanager.h"
+#include "app/rgw/session.h"
+#include "core/configadaptor/elements.h"
 #include "scenes/samplescene.h"
+#include "util/xml/element.h"
 
 namespace vuk::app {
 
 namespace {
 
-using rgw::adaptor::standalone::GltfFile;
 using rgw::adaptor::standalone::ObjectKind;
 using rgw::adaptor::standalone::SceneNode;
-using rgw::adaptor::standalone::StandaloneAdaptorInterface;
 
 int Fail(const std::string& message) {
   std::fprintf(stderr, "rgw: %s\n", message.c_str());
@@ -43,34 +38,47 @@ const char* KindName(ObjectKind kind) {
   return "?";
 }
 
-SceneNode* FindByName(rgw::adaptor::standalone::Scene& scene, const std::string& name) {
-  SceneNode* found = nullptr;
-  scene.Walk([&](SceneNode& node) {
-    if (!found && !node.isRoot && node.hostName == name) found = &node;
-  });
-  return found;
-}
-
-// The tool taking part in a run: all instances are the one.
-class OneInstance : public rgw::core::InstanceList {
- public:
-  explicit OneInstance(rgw::core::Instance* only) : instance_(only) {}
-  std::vector<rgw::core::Instance*> AllInstances() override { return {instance_}; }
-  std::vector<rgw::core::Instance*> CheckedInstances() override { return {instance_}; }
-
- private:
-  rgw::core::Instance* instance_;
+// "--name value" options after the file; repeated ones are kept in order.
+struct Options {
+  std::string file;
+  std::multimap<std::string, std::string> values;
+  bool Parse(const Arguments& args) {
+    if (args.empty() || args[0].rfind("--", 0) == 0) return false;
+    file = args[0];
+    for (std::size_t i = 1; i < args.size(); i += 2) {
+      if (i + 1 >= args.size() || args[i].rfind("--", 0) != 0) return false;
+      values.emplace(args[i].substr(2), args[i + 1]);
+    }
+    return true;
+  }
+  std::string Get(const std::string& name, const std::string& fallback = "") const {
+    const auto found = values.find(name);
+    return found == values.end() ? fallback : found->second;
+  }
 };
 
-void ShowProgress(const rgw::core::RecordManager& recorder, double fps, std::int64_t elapsedMs) {
-  const double first = recorder.startTime * fps, last = recorder.endTime * fps;
-  const double current = recorder.startTime * fps + recorder.progress * (last - first);
-  const double done = current - first;
-  const int left = done > 0 ? static_cast<int>((last - current) / done * elapsedMs / 1000.0) : 0;
-  const int width = 30, filled = static_cast<int>(recorder.progress * width);
-  std::fprintf(stderr, "\r[%s%s] %3d%%  frame %d of %d  %d:%02d left ", std::string(filled, '#').c_str(),
-               std::string(width - filled, '-').c_str(), static_cast<int>(recorder.progress * 100),
-               static_cast<int>(current), static_cast<int>(last), left / 60, left % 60);
+// Makes the tool named by --tool, when there is one, and links its nodes.
+int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
+  made = nullptr;
+  const std::string toolName = options.Get("tool");
+  if (toolName.empty()) return 0;
+  if (!session.library.FindTool(toolName)) return Fail("no tool is called \"" + toolName + "\"; 'rgw tools' lists them");
+  rgw::core::InstanceReference* item = session.tools.Create(toolName, options.Get("name"));
+  if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
+  made = item->instance.get();
+  const auto links = options.values.equal_range("link");
+  for (auto it = links.first; it != links.second; ++it) {
+    const std::size_t equals = it->second.find('=');
+    if (equals == std::string::npos) return Fail("--link wants TOOLNODE=SCENENODE, not \"" + it->second + "\"");
+    std::string error;
+    if (!session.Link(*made, it->second.substr(0, equals), it->second.substr(equals + 1), error)) return Fail(error);
+  }
+  return 0;
+}
+
+rgw::core::Instance* FindInstance(Session& session, const std::string& name) {
+  rgw::core::InstanceReference* item = session.tools.Find(name);
+  return item ? item->instance.get() : nullptr;
 }
 
 }  // namespace
@@ -87,21 +95,18 @@ int ToolsCommand(const Arguments& args) {
 
 int SceneCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys\n"
+      "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, tools\n"
       "       rgw scene demo OUT      writes a small demo scene (a car driving, a camera)\n";
   if (args.size() != 2 || WantsHelp(args)) return Usage(usage);
-  StandaloneAdaptorInterface host;
+  Session session;
+  std::string error;
   if (args[0] == "demo") {
-    vuk::scenes::BuildSampleScene(host.GetScene());
-    GltfFile file;
-    std::string error;
-    return file.Save(args[1], host.GetScene(), &error) ? 0 : Fail(error);
+    vuk::scenes::BuildSampleScene(session.host.GetScene());
+    return session.Save(args[1], error) ? 0 : Fail(error);
   }
   if (args[0] != "show") return Usage(usage);
-  GltfFile file;
-  std::string error;
-  if (!file.Load(args[1], host.GetScene(), &error)) return Fail(error);
-  std::vector<std::pair<const SceneNode*, int>> pending{{&host.GetScene().Root(), -1}};
+  if (!session.Open(args[1], error)) return Fail(error);
+  std::vector<std::pair<const SceneNode*, int>> pending{{&session.host.GetScene().Root(), -1}};
   while (!pending.empty()) {
     const auto [node, depth] = pending.back();
     pending.pop_back();
@@ -110,84 +115,167 @@ int SceneCommand(const Arguments& args) {
                   KindName(node->kind));
       const auto& keys = node->track.Keys();
       if (!keys.empty()) {
-        std::printf("  %zu keys, %.3f s to %.3f s", keys.size(), rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
+        std::printf("  %zu keys, %.3f s to %.3f s", keys.size(),
+                    rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick));
       }
-      if (node->properties.count("RGT_tag")) std::printf("  [tool tag]");
       if (!node->visible) std::printf("  [hidden]");
       std::printf("\n");
     }
     for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) pending.emplace_back(*it, depth + 1);
   }
+  for (rgw::core::Instance* instance : session.tools.AllInstances()) {
+    std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->util::MessageNode::GetName().c_str(),
+                instance->plugin->GetName().c_str(), instance->inputs.Count(), instance->recordedTracks.size());
+  }
+  return 0;
+}
+
+int CreateCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]...\n"
+      "  Makes a tool in the scene, links its nodes below scene nodes and saves the scene with it.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("tool").empty() || options.Get("out").empty()) {
+    return Usage(usage);
+  }
+  Session session;
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::Instance* made = nullptr;
+  if (const int failed = CreateTool(session, options, made)) return failed;
+  if (!session.Save(options.Get("out"), error)) return Fail(error);
+  std::fprintf(stderr, "rgw: made %s in %s\n", made->util::MessageNode::GetName().c_str(), options.Get("out").c_str());
   return 0;
 }
 
 int RunCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw run FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]... [--from S] [--to S]\n"
-      "  Makes a tool in the scene, links its nodes below scene nodes, simulates it over the\n"
-      "  range (by default the whole keyed range of the scene) and writes the scene with its keys.\n";
-  if (args.empty() || WantsHelp(args)) return Usage(usage);
-  std::string file = args[0], toolName, out;
-  std::vector<std::pair<std::string, std::string>> links;
-  double from = 0, to = -1;
-  for (std::size_t i = 1; i < args.size(); ++i) {
-    if (i + 1 >= args.size()) return Usage(usage);
-    const std::string& value = args[i + 1];
-    if (args[i] == "--tool") {
-      toolName = value;
-    } else if (args[i] == "--out") {
-      out = value;
-    } else if (args[i] == "--from") {
-      from = std::atof(value.c_str());
-    } else if (args[i] == "--to") {
-      to = std::atof(value.c_str());
-    } else if (args[i] == "--link" && value.find('=') != std::string::npos) {
-      links.emplace_back(value.substr(0, value.find('=')), value.substr(value.find('=') + 1));
-    } else {
-      return Usage(usage);
-    }
-    ++i;
-  }
-  if (toolName.empty() || out.empty()) return Usage(usage);
-
-  StandaloneAdaptorInterface host;
-  GltfFile scene;
+      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S]\n"
+      "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
+      "  by default the whole keyed range of the scene, and writes the scene with the keys.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("out").empty()) return Usage(usage);
+  Session session;
   std::string error;
-  if (!scene.Load(file, host.GetScene(), &error)) return Fail(error);
-  if (to < 0) {
-    host.GetScene().Walk([&](SceneNode& node) {
-      if (!node.track.Keys().empty()) to = std::max(to, rgw::adaptor::standalone::SecondsFromTicks(node.track.Keys().back().tick));
-    });
-    if (to < 0) to = host.GetAnimationRange().second;
-  }
-  rgw::core::CoreLibrary library;
-  rgw::core::Plugin* plugin = library.FindTool(toolName);
-  if (!plugin) return Fail("no tool is called \"" + toolName + "\"; 'rgw tools' lists them");
-  std::unique_ptr<rgw::core::Instance> instance = plugin->CreateInstance("", &host);
-  if (!instance) return Fail("the tool \"" + toolName + "\" could not be made");
-  for (const auto& [toolNode, sceneNode] : links) {
-    auto* node = static_cast<rgw::core::CoreNode*>(instance->FindNode(toolNode));
-    SceneNode* target = FindByName(host.GetScene(), sceneNode);
-    if (!node) return Fail("the tool has no node \"" + toolNode + "\"");
-    if (!target) return Fail(file + ": no node \"" + sceneNode + "\"");
-    rgw::adaptor::standalone::StandaloneNode wrapper(&host, target);
-    node->SetParent(&wrapper);
-  }
-
-  OneInstance list(instance.get());
-  rgw::core::RecordManager recorder(&host, nullptr, &list);
-  host.SetTime(from);
-  recorder.StartResimulation(from, to);
-  const std::int64_t started = recorder.clock();
-  while (!recorder.ResimStep()) ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
-  ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
-  std::fprintf(stderr, "\n");
-  recorder.FinishResimulation();
-  if (!scene.Save(out, host.GetScene(), &error)) return Fail(error);
-  std::fprintf(stderr, "rgw: %s made %s over %.3f s to %.3f s, written to %s\n", toolName.c_str(),
-               instance->util::MessageNode::GetName().c_str(), from, to, out.c_str());
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::Instance* made = nullptr;
+  if (const int failed = CreateTool(session, options, made)) return failed;
+  if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
+  const double from = std::atof(options.Get("from", "0").c_str());
+  const double to = options.values.count("to") ? std::atof(options.Get("to").c_str()) : session.KeyedEnd();
+  session.Resimulate(from, to);
+  if (!session.Save(options.Get("out"), error)) return Fail(error);
+  std::fprintf(stderr, "rgw: %zu tools simulated over %.3f s to %.3f s, written to %s\n",
+               session.tools.CheckedInstances().size(), from, to, options.Get("out").c_str());
   return 0;
+}
+
+int SetCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
+      "  Changes configuration values of a tool in the scene, by their labels.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("instance").empty() || options.Get("out").empty()) {
+    return Usage(usage);
+  }
+  Session session;
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
+  if (!instance || !instance->configRoot) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
+  const auto values = options.values.equal_range("value");
+  for (auto it = values.first; it != values.second; ++it) {
+    const std::size_t equals = it->second.find('=');
+    const std::string label = it->second.substr(0, equals);
+    // The page's profile names each item by label: the id comes from there.
+    const vuk::util::xml::Element profile = instance->ConfigProfile();
+    std::int32_t id = -1;
+    std::vector<const vuk::util::xml::Element*> pending{&profile};
+    while (!pending.empty() && id < 0) {
+      const vuk::util::xml::Element* at = pending.back();
+      pending.pop_back();
+      for (const auto& child : at->children) {
+        if (child->name == "item" && child->GetAttribute("label") == label) id = std::atoi(child->GetAttribute("id").c_str());
+        if (child->name == "group") pending.push_back(child.get());
+      }
+    }
+    if (equals == std::string::npos || id < 0) return Fail("the tool has no value \"" + label + "\"");
+    instance->configRoot->SetValueById(id, std::atof(it->second.substr(equals + 1).c_str()));
+  }
+  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
+}
+
+int TakeCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw take FILE --instance NAME --csv TAKE.csv --out OUT\n"
+      "  Imports a take into a tool's recorded tracks: a CSV file whose header is \"time\" and\n"
+      "  the channel names, one row per sample of the raw values.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("csv").empty() || options.Get("out").empty()) {
+    return Usage(usage);
+  }
+  Session session;
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
+  if (!instance) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
+  std::ifstream csv(options.Get("csv"));
+  if (!csv) return Fail(options.Get("csv") + ": can't be read");
+  std::string line;
+  std::getline(csv, line);
+  std::vector<std::size_t> columnTrack;
+  std::stringstream header(line);
+  std::string column;
+  std::getline(header, column, ',');
+  if (column != "time") return Fail(options.Get("csv") + ": line 1: the first column must be \"time\"");
+  instance->recordedTracks.resize(instance->inputs.Count());
+  while (std::getline(header, column, ',')) {
+    std::size_t track = instance->inputs.Count();
+    for (std::size_t i = 0; i < instance->inputs.Count(); ++i) {
+      if (instance->inputs.Get(i)->name == column) track = i;
+    }
+    if (track == instance->inputs.Count()) return Fail(options.Get("csv") + ": line 1: the tool has no channel \"" + column + "\"");
+    columnTrack.push_back(track);
+  }
+  for (int row = 2; std::getline(csv, line); ++row) {
+    if (line.empty()) continue;
+    std::stringstream cells(line);
+    std::string cell;
+    std::vector<double> numbers;
+    while (std::getline(cells, cell, ',')) {
+      char* end = nullptr;
+      numbers.push_back(std::strtod(cell.c_str(), &end));
+      if (end == cell.c_str()) return Fail(options.Get("csv") + ": line " + std::to_string(row) + ": \"" + cell + "\" is not a number");
+    }
+    if (numbers.size() != columnTrack.size() + 1) {
+      return Fail(options.Get("csv") + ": line " + std::to_string(row) + ": " + std::to_string(numbers.size()) +
+                  " values where the header has " + std::to_string(columnTrack.size() + 1));
+    }
+    for (std::size_t c = 0; c < columnTrack.size(); ++c) instance->recordedTracks[columnTrack[c]].Set(numbers[0], numbers[c + 1]);
+  }
+  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
+}
+
+int BindCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw bind FILE --instance NAME --profile PROFILE.cip --out OUT\n"
+      "  Binds a tool's channels through an input profile; controls not attached now bind when they come.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("profile").empty() || options.Get("out").empty()) {
+    return Usage(usage);
+  }
+  Session session;
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
+  if (!instance) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
+  vuk::util::xml::Element profile;
+  if (profile.Parse(options.Get("profile")) != vuk::util::xml::kParsed || profile.name != "unidevice") {
+    return Fail(options.Get("profile") + ": not an input profile");
+  }
+  instance->ApplyInputProfile(profile.GetChild("profile"));
+  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
 }
 
 }  // namespace vuk::app

@@ -1,0 +1,81 @@
+#include "app/rgw/session.h"
+
+#include <cstdio>
+
+#include "adaptor/standalone/standalonenode.h"
+#include "core/recordmanager.h"
+
+namespace vuk::app {
+
+using rgw::adaptor::standalone::SceneNode;
+
+namespace {
+
+void ShowProgress(const rgw::core::RecordManager& recorder, double fps, std::int64_t elapsedMs) {
+  const double first = recorder.startTime * fps, last = recorder.endTime * fps;
+  const double current = first + recorder.progress * (last - first);
+  const double done = current - first;
+  const int left = done > 0 ? static_cast<int>((last - current) / done * static_cast<double>(elapsedMs) / 1000.0) : 0;
+  const int width = 30, filled = static_cast<int>(recorder.progress * width);
+  std::fprintf(stderr, "\r[%s%s] %3d%%  frame %d of %d  %d:%02d left ", std::string(filled, '#').c_str(),
+               std::string(width - filled, '-').c_str(), static_cast<int>(recorder.progress * 100),
+               static_cast<int>(current), static_cast<int>(last), left / 60, left % 60);
+}
+
+}  // namespace
+
+Session::Session() {
+  host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
+}
+
+bool Session::Open(const std::string& path, std::string& error) {
+  if (!file_.Load(path, host.GetScene(), &error)) return false;
+  path_ = path;
+  host.GatherScene();
+  return true;
+}
+
+bool Session::Save(const std::string& path, std::string& error) {
+  tools.WriteNodeTags();
+  const bool saved = file_.Save(path, host.GetScene(), &error);
+  host.GetScene().Walk([](SceneNode& node) { node.properties.erase("RGT_tag"); });
+  return saved;
+}
+
+bool Session::Link(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
+                   std::string& error) {
+  auto* node = static_cast<rgw::core::CoreNode*>(instance.FindNode(toolNode));
+  SceneNode* target = nullptr;
+  host.GetScene().Walk([&](SceneNode& candidate) {
+    if (!target && !candidate.isRoot && candidate.hostName == sceneNode) target = &candidate;
+  });
+  if (!node) error = "the tool has no node \"" + toolNode + "\"";
+  if (node && !target) error = path_ + ": no node \"" + sceneNode + "\"";
+  if (!node || !target) return false;
+  rgw::adaptor::standalone::StandaloneNode wrapper(&host, target);
+  node->SetParent(&wrapper);
+  return true;
+}
+
+double Session::KeyedEnd() {
+  double end = -1;
+  host.GetScene().Walk([&](SceneNode& node) {
+    if (!node.track.Keys().empty()) {
+      end = std::max(end, rgw::adaptor::standalone::SecondsFromTicks(node.track.Keys().back().tick));
+    }
+  });
+  return end < 0 ? host.GetAnimationRange().second : end;
+}
+
+void Session::Resimulate(double from, double to) {
+  rgw::core::RecordManager recorder(&host, nullptr, &tools);
+  host.SetTime(from);
+  recorder.StartResimulation(from, to);
+  const std::int64_t started = recorder.clock();
+  while (!recorder.ResimStep()) ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
+  ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
+  std::fprintf(stderr, "\n");
+  recorder.FinishResimulation();
+}
+
+}  // namespace vuk::app
