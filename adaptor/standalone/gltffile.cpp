@@ -443,7 +443,9 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   }
   std::sort(roots.begin(), roots.end());
   if (model.scenes.empty()) model.scenes.emplace_back();
-  const int sceneIndex = model.defaultScene >= 0 ? model.defaultScene : 0;
+  // A default scene the file doesn't have is taken as the first.
+  const bool known = model.defaultScene >= 0 && static_cast<std::size_t>(model.defaultScene) < model.scenes.size();
+  const int sceneIndex = known ? model.defaultScene : 0;
   model.scenes[static_cast<std::size_t>(sceneIndex)].nodes = roots;
   model.defaultScene = sceneIndex;
 
