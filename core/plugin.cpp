@@ -2,7 +2,52 @@
 
 #include <algorithm>
 
+#include "core/paths.h"
+
 namespace vuk::rgw::core {
+
+Plugin::Plugin(CCameraPlugin* toolPlugin)
+    : plugin(toolPlugin),
+      configProfiles(XMLFileManager::Kind::kConfig, GetUserFolder() + "/configprofiles"),
+      inputProfiles(XMLFileManager::Kind::kInput, GetUserFolder() + "/inputprofiles") {
+  configProfiles.AddFolder(GetUserFolder() + "/configprofiles");
+  configProfiles.AddFile(GetInstallFolder() + "/configprofile.xml");
+  configProfiles.AddFolder(GetInstallFolder() + "/configprofiles");
+  inputProfiles.AddFolder(GetUserFolder() + "/inputprofiles");
+  inputProfiles.AddFile(GetInstallFolder() + "/inputprofile.xml");
+  inputProfiles.AddFolder(GetInstallFolder() + "/inputprofiles");
+  configProfiles.Load();
+  inputProfiles.Load();
+  configProfiles.SetReadOnly(kFactorySettings);
+  inputProfiles.SetReadOnly(kFactorySettings);
+}
+
+std::string Plugin::GetUserFolder() const { return core::GetUserFolder() + "/data/" + plugin->GetPath(); }
+
+std::string Plugin::GetInstallFolder() const { return GetPath("data") + "/" + plugin->GetPath(); }
+
+namespace {
+
+// Keeps the values as the read-only "Factory Settings", and as "Start
+// Profile" when there is none yet; answers the start profile.
+const util::xml::Element& KeepFactoryAndStart(XMLFileManager& manager, util::xml::Element values) {
+  values.SetAttribute("name") = Plugin::kFactorySettings;
+  manager.Keep(values);
+  if (!manager.Find(Plugin::kStartProfile)) {
+    values.SetAttribute("name") = Plugin::kStartProfile;
+    manager.Keep(values);
+  }
+  return *manager.Find(Plugin::kStartProfile);
+}
+
+}  // namespace
+
+void Plugin::ApplyStartProfiles(Instance& instance) {
+  const util::xml::Element& config = KeepFactoryAndStart(configProfiles, instance.ConfigProfile());
+  if (instance.configRoot) instance.configRoot->ReadAnyProfile(config);
+  instance.configProfileName = kStartProfile;
+  instance.ApplyInputProfile(KeepFactoryAndStart(inputProfiles, instance.InputProfile()));
+}
 
 std::vector<std::string> Plugin::GetAliases() const {
   std::vector<std::string> names;
@@ -35,7 +80,7 @@ std::unique_ptr<Instance> Plugin::CreateInstance(const std::string& name, Adapto
   std::unique_ptr<Instance> instance = MakeInstance(name, adaptor);
   if (!instance) return nullptr;
   if (instance->tool->BuildConfig() != 0 || instance->tool->Create() != 0) return nullptr;
-  // Profiles and the tree item join here with their managers.
+  ApplyStartProfiles(*instance);
   return instance;
 }
 

@@ -8,14 +8,19 @@
 
 #include "core/adaptorinterface.h"
 #include "core/instance.h"
+#include "core/xmlfilemanager.h"
 #include "sdk/ccameraplugin.h"
 
 namespace vuk::rgw::core {
 
 class Plugin {
  public:
-  // Takes the plugin object; it is released with this.
-  explicit Plugin(CCameraPlugin* toolPlugin) : plugin(toolPlugin) {}
+  static constexpr const char* kFactorySettings = "Factory Settings";
+  static constexpr const char* kStartProfile = "Start Profile";
+
+  // Takes the plugin object, released with this, and reads the tool's
+  // profiles: the user's, then the installed examples and files.
+  explicit Plugin(CCameraPlugin* toolPlugin);
   ~Plugin() { plugin->Release(); }
   Plugin(const Plugin&) = delete;
   Plugin& operator=(const Plugin&) = delete;
@@ -33,7 +38,18 @@ class Plugin {
   // refuses; nothing is left behind then.
   std::unique_ptr<Instance> CreateInstance(const std::string& name, AdaptorInterface* adaptor);
 
+  // The user's and the installed data folders of the tool.
+  std::string GetUserFolder() const;
+  std::string GetInstallFolder() const;
+
   CCameraPlugin* plugin;
+  XMLFileManager configProfiles;
+  XMLFileManager inputProfiles;
+
+ private:
+  // "Factory Settings" from the new tool's values, "Start Profile" when
+  // there is none yet, and that profile into the instance.
+  void ApplyStartProfiles(Instance& instance);
 };
 
 }  // namespace vuk::rgw::core

@@ -46,6 +46,10 @@ class XMLFileManager {
   // A profile that came from a collection of examples.
   bool IsExample(const std::string& name) const { return examples_.count(Lower(name)) != 0; }
 
+  // Keeps a profile in memory only, under its own name: the tool's compiled
+  // defaults, which no file holds.
+  void Keep(const util::xml::Element& profile) { Add(profile, false); }
+
   // Each answers "" on success or the message the window shows.
   // Keeps a profile in memory and writes it to the user folder.
   std::string Store(const util::xml::Element& profile, const std::string& name, bool overwrite);

@@ -236,7 +236,7 @@ TEST_F(LookAtCam, SavesAndLoadsThreeBytes) {
 TEST_F(LookAtCam, ThePageHasItsControlsInOrder) {
   ASSERT_NE(instance->configRoot, nullptr);
   EXPECT_EQ(instance->ConfigProfile().Write("", ""),
-            "<configprofile version=\"2.0\" name=\"Factory Settings\"><group id=\"-1\" label=\"General Modes\">"
+            "<configprofile version=\"2.0\" name=\"Start Profile\"><group id=\"-1\" label=\"General Modes\">"
             "<item id=\"1\" label=\"Hide Helpers\">0</item><item id=\"2\" label=\"Hide Helpers During Recording\">0"
             "</item><item id=\"3\" label=\"Hide Camera\">0</item></group></configprofile>");
 }
