@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "core/messagebox.h"
+#include "core/treeundo.h"
 #include "util/base64.h"
 #include "util/xml/tag.h"
 
@@ -57,6 +58,51 @@ std::vector<Instance*> InstanceManager::CheckedInstances() {
 
 void InstanceManager::WriteNodeTags() {
   for (Instance* instance : AllInstances()) adaptor_->WriteNodeTags(static_cast<CInterface*>(instance));
+}
+
+void InstanceManager::Delete(InstanceReference* item, bool unplugOnly) {
+  if (!item || !item->deletable || !item->parent) return;
+  adaptor_->BeginUndo("Delete Quoll Tool");
+  while (item->GetChildCount() > 0) {
+    Delete(static_cast<InstanceReference*>(item->GetChild(item->GetChildCount() - 1)), unplugOnly);
+  }
+  item->instance->Delete(!unplugOnly);
+  TreeItem* parent = item->parent;
+  const std::size_t index = static_cast<std::size_t>(item->ChildIndex());
+  parent->TakeChild(item);
+  item->parent = nullptr;
+  // The record owns the item from here: undo links it back.
+  adaptor_->PutUndo(new InstanceReferenceDeleteRestore(item, parent, index));
+  adaptor_->EndUndo();
+}
+
+InstanceReference* InstanceManager::Clone(InstanceReference* item) {
+  if (!item || !item->instance) return nullptr;
+  adaptor_->BeginUndo("Clone tool");
+  util::xml::Element copy = item->Serialize(0);
+  // Without its name the copy takes a new one.
+  for (auto& child : copy.children) {
+    if (child->name == "name") child->children.clear();
+  }
+  auto* parent = static_cast<InstanceReference*>(item->parent);
+  InstanceReference* made = MakeFromElement(copy, parent);
+  if (made) {
+    adaptor_->PutUndo(new InstanceReferenceCreateRestore(made, made->parent, static_cast<std::size_t>(made->ChildIndex())));
+    // Each new node stands where its source stands.
+    NodeVector sources, targets;
+    adaptor_->GetInstanceNodes(static_cast<CInterface*>(item->instance.get()), sources);
+    adaptor_->GetInstanceNodes(static_cast<CInterface*>(made->instance.get()), targets);
+    const double now = adaptor_->GetTime();
+    for (std::size_t i = 0; i < sources.nodes.size() && i < targets.nodes.size(); ++i) {
+      CSnapshot* from = sources.nodes[i]->GetSnapshot(now);
+      CSnapshot* to = targets.nodes[i]->GetSnapshot(now);
+      if (from && to) to->SetWorldTransform(from->GetWorldTransform());
+      sources.nodes[i]->ReleaseSnapshot(from);
+      targets.nodes[i]->ReleaseSnapshot(to);
+    }
+  }
+  adaptor_->EndUndo();
+  return made;
 }
 
 InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& element, InstanceReference* parent) {

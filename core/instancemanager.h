@@ -35,6 +35,11 @@ class InstanceManager : public InstanceList {
   int LoadToolTree(const util::xml::Element& tree);
   // Puts every tool's tags on its nodes for a scene save.
   void WriteNodeTags();
+  // Deletes a tool and those below it, last child first, in one undo group;
+  // with `unplugOnly` the nodes stay in the scene, free of their tools.
+  void Delete(InstanceReference* item, bool unplugOnly);
+  // A copy of the tool with new nodes that take over the source's poses.
+  InstanceReference* Clone(InstanceReference* item);
 
  private:
   InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);

@@ -37,6 +37,19 @@ class Composite_Dynamic {
     return true;
   }
 
+  // Takes the child out without freeing it; false when it isn't one of ours.
+  bool TakeChild(T* child) {
+    const auto found = std::find(children_.begin(), children_.end(), child);
+    if (found == children_.end()) return false;
+    children_.erase(found);
+    return true;
+  }
+
+  // Takes ownership at a position, clamped to the end; null is ignored.
+  void InsertChild(std::size_t index, T* child) {
+    if (child) children_.insert(children_.begin() + static_cast<std::ptrdiff_t>(std::min(index, children_.size())), child);
+  }
+
   std::size_t GetChildCount() const { return children_.size(); }
 
   // Null outside the range.

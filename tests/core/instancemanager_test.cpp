@@ -145,3 +145,48 @@ TEST_F(ToolsInScenes, ASerializedToolReadsBackAsATemplate) {
 
 }  // namespace
 }  // namespace vuk::rgw::core
+
+namespace vuk::rgw::core {
+namespace {
+
+TEST_F(ToolsInScenes, DeleteUnplugAndCloneGoThroughTheHostsUndo) {
+  StandaloneAdaptorInterface host;
+  InstanceManager tools(&host, &library);
+  InstanceReference* parent = tools.Create("LookAtCam");
+  tools.Create("LookAtCam", "", parent);
+  CNode* camera = LookAt(*parent).cameraNode.handle;
+
+  tools.Delete(parent, false);
+  EXPECT_TRUE(tools.AllInstances().empty());
+  EXPECT_EQ(host.FindNode(static_cast<CInterface*>(nullptr), "LookAtCam"), nullptr);
+  host.Undo();
+  ASSERT_EQ(tools.AllInstances().size(), 2u);
+  EXPECT_EQ(tools.Root().GetChild(0), parent);
+  EXPECT_EQ(parent->GetChildCount(), 1u);
+  host.Redo();
+  EXPECT_TRUE(tools.AllInstances().empty());
+  host.Undo();
+
+  // Unplugged, the nodes stay in the scene without their tool.
+  tools.Delete(static_cast<InstanceReference*>(parent->GetChild(0)), true);
+  EXPECT_EQ(tools.AllInstances().size(), 1u);
+  EXPECT_TRUE(camera->IsVisible());
+
+  CSnapshot* snapshot = LookAt(*parent).iface->GetTransformSnapshot(camera, 0);
+  util::Matrix<double> pose;
+  pose.SetTranslation({3, 4, 5});
+  snapshot->SetWorldTransform(pose);
+  LookAt(*parent).iface->ReleaseTransformSnapshot(snapshot);
+  InstanceReference* copy = tools.Clone(parent);
+  ASSERT_NE(copy, nullptr);
+  // The unplugged LookAtCam_02 lives on in its undo record: its name stays taken.
+  EXPECT_EQ(copy->GetLabel(), "LookAtCam_03");
+  CSnapshot* copied = copy->instance->GetTransformSnapshot(LookAt(*copy).cameraNode.handle, 0);
+  EXPECT_EQ(copied->GetWorldTransform().GetTranslation(), util::Vector3<double>(3, 4, 5));
+  copy->instance->ReleaseTransformSnapshot(copied);
+  host.Undo();
+  EXPECT_EQ(tools.AllInstances().size(), 1u);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::core
