@@ -18,6 +18,7 @@ int CreateCommand(const Arguments& args);
 int SetCommand(const Arguments& args);
 int TakeCommand(const Arguments& args);
 int BindCommand(const Arguments& args);
+int ModelCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

@@ -30,6 +30,8 @@ int Help(int code) {
                "  set FILE --instance NAME --value LABEL=NUMBER --out OUT\n"
                "  bind FILE --instance NAME --profile PROFILE.cip --out OUT\n"
                "  take FILE --instance NAME --csv TAKE.csv --out OUT\n"
+               "  model FILE --instance NAME --out MODEL.prm     saves a tool as a pre-rigged model\n"
+               "  create FILE --prm MODEL.prm --out OUT         makes the model's tools in a scene\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"
                "                         renders a window to a picture\n"
                "Each command takes --help.\n");
@@ -51,6 +53,7 @@ int main(int argc, char** argv) {
   if (command == "set") return vuk::app::SetCommand(rest);
   if (command == "take") return vuk::app::TakeCommand(rest);
   if (command == "bind") return vuk::app::BindCommand(rest);
+  if (command == "model") return vuk::app::ModelCommand(rest);
   if (command == "layout") return vuk::app::LayoutCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);

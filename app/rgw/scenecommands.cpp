@@ -7,6 +7,7 @@
 #include "app/rgw/commands.h"
 #include "app/rgw/session.h"
 #include "core/configadaptor/elements.h"
+#include "core/prmfile.h"
 #include "scenes/samplescene.h"
 #include "util/xml/element.h"
 
@@ -134,19 +135,46 @@ int SceneCommand(const Arguments& args) {
 int CreateCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]...\n"
-      "  Makes a tool in the scene, links its nodes below scene nodes and saves the scene with it.\n";
+      "       rgw create FILE --prm MODEL.prm --out OUT\n"
+      "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("tool").empty() || options.Get("out").empty()) {
+  const bool fromModel = !options.Parse(args) ? false : !options.Get("prm").empty();
+  if (WantsHelp(args) || options.file.empty() || options.Get("out").empty() ||
+      (options.Get("tool").empty() && !fromModel)) {
     return Usage(usage);
   }
   Session session;
   std::string error;
   if (!session.Open(options.file, error)) return Fail(error);
+  if (fromModel) {
+    vuk::util::xml::Element tree;
+    if (!rgw::core::LoadPrmFile(options.Get("prm"), tree, &error)) return Fail(error);
+    const int made = session.tools.LoadToolTree(tree);
+    if (!session.Save(options.Get("out"), error)) return Fail(error);
+    std::fprintf(stderr, "rgw: made %d tools from %s in %s\n", made, options.Get("prm").c_str(), options.Get("out").c_str());
+    return 0;
+  }
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (!session.Save(options.Get("out"), error)) return Fail(error);
   std::fprintf(stderr, "rgw: made %s in %s\n", made->util::MessageNode::GetName().c_str(), options.Get("out").c_str());
   return 0;
+}
+
+int ModelCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw model FILE --instance NAME --out MODEL.prm\n"
+      "  Saves a tool of the scene, with the tools below it, as a pre-rigged model.\n";
+  Options options;
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("instance").empty() || options.Get("out").empty()) {
+    return Usage(usage);
+  }
+  Session session;
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  rgw::core::InstanceReference* item = session.tools.Find(options.Get("instance"));
+  if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
+  return rgw::core::SavePrmFile(options.Get("out"), item->Serialize(0), &error) ? 0 : Fail(error);
 }
 
 int RunCommand(const Arguments& args) {
