@@ -77,9 +77,19 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
   return 0;
 }
 
-rgw::core::Instance* FindInstance(Session& session, const std::string& name) {
-  rgw::core::InstanceReference* item = session.tools.Find(name);
-  return item ? item->instance.get() : nullptr;
+// Parses a command's options, opens its scene and finds the tool named by
+// --instance. Answers 0 to go on, else the exit code.
+int OpenTool(const Arguments& args, const char* usage, std::initializer_list<const char*> required, Options& options,
+             Session& session, rgw::core::InstanceReference*& item) {
+  if (!options.Parse(args) || WantsHelp(args)) return Usage(usage);
+  for (const char* name : required) {
+    if (options.Get(name).empty()) return Usage(usage);
+  }
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  item = session.tools.Find(options.Get("instance"));
+  if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
+  return 0;
 }
 
 }  // namespace
@@ -166,14 +176,10 @@ int ModelCommand(const Arguments& args) {
       "usage: rgw model FILE --instance NAME --out MODEL.prm\n"
       "  Saves a tool of the scene, with the tools below it, as a pre-rigged model.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("instance").empty() || options.Get("out").empty()) {
-    return Usage(usage);
-  }
   Session session;
+  rgw::core::InstanceReference* item = nullptr;
+  if (const int code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return code;
   std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  rgw::core::InstanceReference* item = session.tools.Find(options.Get("instance"));
-  if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
   return rgw::core::SavePrmFile(options.Get("out"), item->Serialize(0), &error) ? 0 : Fail(error);
 }
 
@@ -204,14 +210,12 @@ int SetCommand(const Arguments& args) {
       "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
       "  Changes configuration values of a tool in the scene, by their labels.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("instance").empty() || options.Get("out").empty()) {
-    return Usage(usage);
-  }
   Session session;
+  rgw::core::InstanceReference* item = nullptr;
+  if (const int code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return code;
+  rgw::core::Instance* instance = item->instance.get();
+  if (!instance->configRoot) return Fail("the tool has no configuration page");
   std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
-  if (!instance || !instance->configRoot) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
     const std::size_t equals = it->second.find('=');
@@ -240,14 +244,11 @@ int TakeCommand(const Arguments& args) {
       "  Imports a take into a tool's recorded tracks: a CSV file whose header is \"time\" and\n"
       "  the channel names, one row per sample of the raw values.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("csv").empty() || options.Get("out").empty()) {
-    return Usage(usage);
-  }
   Session session;
+  rgw::core::InstanceReference* item = nullptr;
+  if (const int code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return code;
+  rgw::core::Instance* instance = item->instance.get();
   std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
-  if (!instance) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
   std::ifstream csv(options.Get("csv"));
   if (!csv) return Fail(options.Get("csv") + ": can't be read");
   std::string line;
@@ -290,19 +291,15 @@ int BindCommand(const Arguments& args) {
       "usage: rgw bind FILE --instance NAME --profile PROFILE.cip --out OUT\n"
       "  Binds a tool's channels through an input profile; controls not attached now bind when they come.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("profile").empty() || options.Get("out").empty()) {
-    return Usage(usage);
-  }
   Session session;
+  rgw::core::InstanceReference* item = nullptr;
+  if (const int code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return code;
   std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  rgw::core::Instance* instance = FindInstance(session, options.Get("instance"));
-  if (!instance) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
   vuk::util::xml::Element profile;
   if (profile.Parse(options.Get("profile")) != vuk::util::xml::kParsed || profile.name != "unidevice") {
     return Fail(options.Get("profile") + ": not an input profile");
   }
-  instance->ApplyInputProfile(profile.GetChild("profile"));
+  item->instance->ApplyInputProfile(profile.GetChild("profile"));
   return session.Save(options.Get("out"), error) ? 0 : Fail(error);
 }
 
