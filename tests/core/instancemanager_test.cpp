@@ -190,3 +190,36 @@ TEST_F(ToolsInScenes, DeleteUnplugAndCloneGoThroughTheHostsUndo) {
 
 }  // namespace
 }  // namespace vuk::rgw::core
+
+namespace vuk::rgw::core {
+namespace {
+
+TEST_F(ToolsInScenes, AFileMergedTwiceKeepsOneTool) {
+  const std::string path = testing::TempDir() + "/merged.gltf";
+  {
+    StandaloneAdaptorInterface host;
+    InstanceManager tools(&host, &library);
+    tools.Create("LookAtCam");
+    SaveScene(host, tools, path);
+  }
+  StandaloneAdaptorInterface host;
+  InstanceManager tools(&host, &library);
+  GltfFile first, second;
+  std::string error;
+  ASSERT_TRUE(first.Load(path, host.GetScene(), &error)) << error;
+  ASSERT_TRUE(second.Load(path, host.GetScene(), &error)) << error;
+  bool boxShown = false;
+  host.SetMessageBoxSink([&](const std::string&, const std::string&, std::int32_t) {
+    boxShown = true;
+    return 0;
+  });
+  host.SetSceneLoader([&tools](const util::xml::Element& tree) { tools.LoadToolTree(tree); });
+  host.GatherScene();
+  ASSERT_EQ(tools.AllInstances().size(), 1u);
+  EXPECT_EQ(tools.AllInstances()[0]->util::MessageNode::GetName(), "LookAtCam_01");
+  // The second copy's nodes were never claimed, and the user hears of them.
+  EXPECT_TRUE(boxShown);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::core

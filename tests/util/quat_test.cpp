@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
+#include <random>
 
 #include "util/matrix.h"
 
@@ -11,81 +13,190 @@ namespace {
 
 using V = Vector3<double>;
 using Q = Quat<double>;
+using M = Matrix<double>;
 constexpr double kHalfPi = 1.5707963267948966;
+constexpr double kPi = 3.141592653589793;
+const double kRootHalf = std::sqrt(0.5);
 
-void ExpectNear(const V& a, const V& b, double tolerance = 1e-12) {
+void ExpectNear(const V& a, const V& b, double tolerance = 1e-15) {
   EXPECT_NEAR(a.x, b.x, tolerance);
   EXPECT_NEAR(a.y, b.y, tolerance);
   EXPECT_NEAR(a.z, b.z, tolerance);
 }
 
-// A right-handed quarter turn about each axis, worked out by hand.
+void ExpectNear(const Q& a, const Q& b, double tolerance = 1e-15) {
+  EXPECT_NEAR(a.x, b.x, tolerance);
+  EXPECT_NEAR(a.y, b.y, tolerance);
+  EXPECT_NEAR(a.z, b.z, tolerance);
+  EXPECT_NEAR(a.w, b.w, tolerance);
+}
+
+Q RandomRotation(std::mt19937& random) {
+  std::normal_distribution<double> normal;
+  return Q{normal(random), normal(random), normal(random), normal(random)}.Normalize();
+}
+
+TEST(Quat, DefaultIsIdentityAndLayoutIsXYZW) {
+  const Q identity;
+  EXPECT_EQ(identity.x, 0.0);
+  EXPECT_EQ(identity.y, 0.0);
+  EXPECT_EQ(identity.z, 0.0);
+  EXPECT_EQ(identity.w, 1.0);
+  EXPECT_EQ(offsetof(Q, x), 0u);
+  EXPECT_EQ(offsetof(Q, w), 24u);
+  const Q q{1, 2, 3, 4};
+  EXPECT_EQ(q * identity, q);
+  EXPECT_EQ(identity * q, q);
+}
+
+// A right-handed quarter turn about each axis, the images of the three unit
+// axes worked out by hand.
 struct QuarterTurn {
   V axis;
-  V from;
-  V to;
+  Q quat;
+  V imageOfX, imageOfY, imageOfZ;
 };
 
 class QuatQuarterTurns : public testing::TestWithParam<QuarterTurn> {};
 
 TEST_P(QuatQuarterTurns, RotateLikeTheRightHand) {
-  const Q q = Q::FromAxisAngle(GetParam().axis, kHalfPi);
-  ExpectNear(q.Rotate(GetParam().from), GetParam().to);
-  ExpectNear(Matrix<double>::FromQuat(q).TransformPoint(GetParam().from), GetParam().to);
+  const QuarterTurn& turn = GetParam();
+  const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
+  ExpectNear(q, turn.quat);
+  ExpectNear(q.Rotate({1, 0, 0}), turn.imageOfX);
+  ExpectNear(q.Rotate({0, 1, 0}), turn.imageOfY);
+  ExpectNear(q.Rotate({0, 0, 1}), turn.imageOfZ);
+  // The matrix of the quaternion agrees: its axis columns are the images.
+  const M m = M::FromQuat(q);
+  ExpectNear(m.Axis(0), turn.imageOfX);
+  ExpectNear(m.Axis(1), turn.imageOfY);
+  ExpectNear(m.Axis(2), turn.imageOfZ);
+  // The inverse turns back.
+  ExpectNear(q.Inverse().Rotate(turn.imageOfX), {1, 0, 0});
+  ExpectNear(q.Conjugate().Rotate(turn.imageOfZ), {0, 0, 1});
 }
 
-INSTANTIATE_TEST_SUITE_P(Axes, QuatQuarterTurns,
-                         testing::Values(QuarterTurn{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
-                                         QuarterTurn{{0, 1, 0}, {0, 0, 1}, {1, 0, 0}},
-                                         QuarterTurn{{0, 0, 1}, {1, 0, 0}, {0, 1, 0}}));
+INSTANTIATE_TEST_SUITE_P(
+    Quat, QuatQuarterTurns,
+    testing::Values(QuarterTurn{{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
+                    QuarterTurn{{0, 1, 0}, {0, kRootHalf, 0, kRootHalf}, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
+                    QuarterTurn{{0, 0, 1}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+                    // An axis of any length is normalised first.
+                    QuarterTurn{{0, 0, 5}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+                    QuarterTurn{{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}}));
+
+// Products of (1, 2, 3, 4) and (5, 6, 7, 8), worked out by hand as Hamilton
+// products with the right operand on the left.
+struct Product {
+  Q a, b, expected;
+};
+
+class QuatProducts : public testing::TestWithParam<Product> {};
+
+TEST_P(QuatProducts, AreTheReversedHamiltonProduct) {
+  EXPECT_EQ(GetParam().a * GetParam().b, GetParam().expected);
+  Q inPlace = GetParam().a;
+  inPlace *= GetParam().b;
+  EXPECT_EQ(inPlace, GetParam().expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Quat, QuatProducts,
+                         testing::Values(Product{{1, 2, 3, 4}, {5, 6, 7, 8}, {32, 32, 56, -6}},
+                                         Product{{5, 6, 7, 8}, {1, 2, 3, 4}, {24, 48, 48, -6}},
+                                         // Pure axes: i * j is j (x) i = -k.
+                                         Product{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -1, 0}},
+                                         Product{{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}}));
 
 TEST(Quat, ProductAppliesTheLeftOperandFirst) {
   const Q aboutZ = Q::FromAxisAngle({0, 0, 1}, kHalfPi);
   const Q aboutX = Q::FromAxisAngle({1, 0, 0}, kHalfPi);
   // Z first takes X to Y, then X takes Y to Z.
   ExpectNear((aboutZ * aboutX).Rotate({1, 0, 0}), {0, 0, 1});
-  // The other order leaves X where Z then takes it: to Y.
+  // X first leaves X where it is, then Z takes it to Y.
   ExpectNear((aboutX * aboutZ).Rotate({1, 0, 0}), {0, 1, 0});
+  // Applying one after the other by hand gives the same.
+  ExpectNear(aboutX.Rotate(aboutZ.Rotate({0.3, -0.2, 0.7})), (aboutZ * aboutX).Rotate({0.3, -0.2, 0.7}));
 }
 
-TEST(Quat, ProductFormulaComponentByComponent) {
-  const Q a{1, 2, 3, 4}, b{5, 6, 7, 8};
-  // The Hamilton product b (x) a written out.
-  const Q expected{b.w * a.x + b.x * a.w + b.y * a.z - b.z * a.y, b.w * a.y - b.x * a.z + b.y * a.w + b.z * a.x,
-                   b.w * a.z + b.x * a.y - b.y * a.x + b.z * a.w, b.w * a.w - b.x * a.x - b.y * a.y - b.z * a.z};
-  EXPECT_EQ(a * b, expected);
+TEST(Quat, RotateAgreesWithTheMatrixOverRandomRotations) {
+  std::mt19937 random(17);
+  std::uniform_real_distribution<double> uniform(-5, 5);
+  for (int round = 0; round < 500; ++round) {
+    const Q q = RandomRotation(random);
+    const V p{uniform(random), uniform(random), uniform(random)};
+    ExpectNear(q.Rotate(p), M::FromQuat(q).TransformPoint(p), 1e-13);
+    ExpectNear(q.Inverse().Rotate(q.Rotate(p)), p, 1e-13);
+  }
 }
 
-TEST(Quat, NormalizeOfZeroIsIdentity) {
+TEST(Quat, InverseOfANonUnitQuaternion) {
+  const Q q{1, -2, 0.5, 3};
+  ExpectNear(q * q.Inverse(), Q());
+  ExpectNear(q.Inverse() * q, Q());
+  EXPECT_EQ(q.Conjugate(), Q(-1, 2, -0.5, 3));
+  EXPECT_EQ(Q(0, 0, 0, 0).Inverse(), Q());
+}
+
+TEST(Quat, Normalize) {
   Q zero{0, 0, 0, 0};
-  EXPECT_EQ(zero.Normalize(), Q());
+  Q& same = zero.Normalize();
+  EXPECT_EQ(&same, &zero);
+  EXPECT_EQ(zero, Q());
   EXPECT_EQ(Q(0, 0, 0, 2).Normalized(), Q());
+  EXPECT_EQ(Q(0, 3, 0, -4).Normalized(), Q(0, 0.6, 0, -0.8));  // no change of sign
+  EXPECT_EQ(Q(1, 1, 1, 1).Normalized(), Q(0.5, 0.5, 0.5, 0.5));
 }
 
-TEST(Quat, RotationVectorExponential) {
-  const Q q = Q::FromRotationVector({0, 0, kHalfPi});
-  EXPECT_NEAR(q.z, std::sin(kHalfPi / 2), 1e-15);
-  EXPECT_NEAR(q.w, std::cos(kHalfPi / 2), 1e-15);
-  // Components summing to exactly 0 keep the unnormalised vector.
-  const Q odd = Q::FromRotationVector({1, -1, 0});
+// The exponential of a rotation vector. Where the components sum to exactly
+// 0 the vector is used unnormalised.
+struct Exponential {
+  V v;
+  bool unnormalised;
+};
+
+class QuatExponential : public testing::TestWithParam<Exponential> {};
+
+TEST_P(QuatExponential, HalfAngleAndAxis) {
+  const V v = GetParam().v;
+  const Q q = Q::FromRotationVector(v);
+  const double h = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z) / 2;
+  EXPECT_EQ(q.w, std::cos(h));
+  if (GetParam().unnormalised) {
+    EXPECT_EQ(q.x, std::sin(h) * v.x);
+    EXPECT_EQ(q.y, std::sin(h) * v.y);
+    EXPECT_EQ(q.z, std::sin(h) * v.z);
+  } else {
+    EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
+    ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Quat, QuatExponential,
+                         testing::Values(Exponential{{0, 0, kHalfPi}, false}, Exponential{{-kPi, 0, 0}, false},
+                                         Exponential{{1, 1, 0}, false}, Exponential{{0.3, -0.1, -0.1}, false},
+                                         Exponential{{1, -1, 0}, true}, Exponential{{2, -1, -1}, true},
+                                         Exponential{{0, 0, 0}, true}));
+
+TEST(QuatExponential, OfOneMinusOneZeroIsNotAUnitQuaternion) {
+  const Q q = Q::FromRotationVector({1, -1, 0});
   const double h = std::sqrt(2.0) / 2;
-  EXPECT_EQ(odd.x, std::sin(h));
-  EXPECT_EQ(odd.y, -std::sin(h));
-  EXPECT_EQ(odd.w, std::cos(h));
-  EXPECT_GT(std::fabs(odd.Norm() - 1.0), 0.1);
+  // Norm squared is 2 sin^2 h + cos^2 h = 1 + sin^2 h.
+  EXPECT_NEAR(q.Dot(q), 1 + std::sin(h) * std::sin(h), 1e-15);
+  EXPECT_GT(q.Norm(), 1.2);
   EXPECT_EQ(Q::FromRotationVector({0, 0, 0}), Q());
+  // A quarter turn about Z, as a rotation vector.
+  ExpectNear(Q::FromRotationVector({0, 0, kHalfPi}), {0, 0, kRootHalf, kRootHalf});
 }
 
 TEST(Quat, SlerpHalfwayOfAQuarterTurnIsAnEighth) {
   const Q a;
   const Q b = Q::FromAxisAngle({0, 1, 0}, kHalfPi);
-  const Q half = Q::Slerp(a, b, 0.5);
-  const Q expected = Q::FromAxisAngle({0, 1, 0}, kHalfPi / 2);
-  EXPECT_NEAR(half.y, expected.y, 1e-15);
-  EXPECT_NEAR(half.w, expected.w, 1e-15);
+  const Q expected{0, std::sin(kPi / 8), 0, std::cos(kPi / 8)};
+  ExpectNear(Q::Slerp(a, b, 0.5), expected);
+  ExpectNear(Q::Slerp(a, b, 0.0), a);
+  ExpectNear(Q::Slerp(a, b, 1.0), b);
   // The shorter arc even when the end is given with the other sign.
-  const Q viaNegative = Q::Slerp(a, -b, 0.5);
-  EXPECT_NEAR(std::fabs(viaNegative.Dot(expected)), 1.0, 1e-15);
+  EXPECT_NEAR(std::fabs(Q::Slerp(a, -b, 0.5).Dot(expected)), 1.0, 1e-15);
 }
 
 }  // namespace
