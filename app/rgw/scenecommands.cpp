@@ -1,13 +1,12 @@
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <map>
-#include <sstream>
 
 #include "app/rgw/commands.h"
 #include "app/rgw/session.h"
 #include "core/configadaptor/elements.h"
 #include "core/prmfile.h"
+#include "core/takefile.h"
 #include "scenes/samplescene.h"
 #include "util/xml/element.h"
 
@@ -249,40 +248,7 @@ int TakeCommand(const Arguments& args) {
   if (const int code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return code;
   rgw::core::Instance* instance = item->instance.get();
   std::string error;
-  std::ifstream csv(options.Get("csv"));
-  if (!csv) return Fail(options.Get("csv") + ": can't be read");
-  std::string line;
-  std::getline(csv, line);
-  std::vector<std::size_t> columnTrack;
-  std::stringstream header(line);
-  std::string column;
-  std::getline(header, column, ',');
-  if (column != "time") return Fail(options.Get("csv") + ": line 1: the first column must be \"time\"");
-  instance->recordedTracks.resize(instance->inputs.Count());
-  while (std::getline(header, column, ',')) {
-    std::size_t track = instance->inputs.Count();
-    for (std::size_t i = 0; i < instance->inputs.Count(); ++i) {
-      if (instance->inputs.Get(i)->name == column) track = i;
-    }
-    if (track == instance->inputs.Count()) return Fail(options.Get("csv") + ": line 1: the tool has no channel \"" + column + "\"");
-    columnTrack.push_back(track);
-  }
-  for (int row = 2; std::getline(csv, line); ++row) {
-    if (line.empty()) continue;
-    std::stringstream cells(line);
-    std::string cell;
-    std::vector<double> numbers;
-    while (std::getline(cells, cell, ',')) {
-      char* end = nullptr;
-      numbers.push_back(std::strtod(cell.c_str(), &end));
-      if (end == cell.c_str()) return Fail(options.Get("csv") + ": line " + std::to_string(row) + ": \"" + cell + "\" is not a number");
-    }
-    if (numbers.size() != columnTrack.size() + 1) {
-      return Fail(options.Get("csv") + ": line " + std::to_string(row) + ": " + std::to_string(numbers.size()) +
-                  " values where the header has " + std::to_string(columnTrack.size() + 1));
-    }
-    for (std::size_t c = 0; c < columnTrack.size(); ++c) instance->recordedTracks[columnTrack[c]].Set(numbers[0], numbers[c + 1]);
-  }
+  if (!rgw::core::ImportTakeCsv(options.Get("csv"), *instance, &error)) return Fail(error);
   return session.Save(options.Get("out"), error) ? 0 : Fail(error);
 }
 

@@ -1,8 +1,11 @@
 #include "core/instance.h"
 
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "core/takefile.h"
 #include "tests/unidevice/testdevice.h"
 #include "unidevice/driverlist.h"
 #include "unidevice/dummydriver.h"
@@ -182,6 +185,44 @@ TEST_F(InstanceRun, DeleteWithAndWithoutNodes) {
   instance->CreateCameraNode("Gone", nullptr, nullptr);
   instance->Delete(true);
   EXPECT_EQ(instance->FindNode("Gone"), nullptr);
+}
+
+struct BadTake {
+  const char* name;
+  const char* text;
+  const char* problem;
+};
+
+class TakeFiles : public InstanceRun, public testing::WithParamInterface<BadTake> {};
+
+TEST_P(TakeFiles, AreRefusedWithTheLineAndNothingChanges) {
+  const std::string path = testing::TempDir() + "/" + GetParam().name;
+  std::ofstream(path) << GetParam().text;
+  std::string error;
+  EXPECT_FALSE(ImportTakeCsv(path, *instance, &error));
+  EXPECT_EQ(error, path + GetParam().problem);
+  for (const auto& track : instance->recordedTracks) EXPECT_TRUE(track.records.empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Samples, TakeFiles,
+    testing::Values(BadTake{"no_time.csv", "Steer,Gas\n1,2\n", ": line 1: the first column must be \"time\""},
+                    BadTake{"no_channel.csv", "time,Brake\n0,1\n", ": line 1: the tool has no channel \"Brake\""},
+                    BadTake{"not_number.csv", "time,Steer\n0,0.5\n0.1,x\n", ": line 3: \"x\" is not a number"},
+                    BadTake{"short_row.csv", "time,Steer,Gas\n0,1\n", ": line 2: 2 values where the header has 3"}));
+
+TEST_F(InstanceRun, ATakeFromCsvResimulatesLikeARecording) {
+  const std::string path = testing::TempDir() + "/take.csv";
+  std::ofstream(path) << "time,Gas,Steer\r\n0,1,0.5\r\n0.5,1,1.5\r\n1,0,2.5\r\n";
+  std::string error;
+  ASSERT_TRUE(ImportTakeCsv(path, *instance, &error)) << error;
+  EXPECT_EQ(instance->recordedTracks[0].Get(0.5), 1.5);  // Steer is the first channel
+  EXPECT_EQ(instance->recordedTracks[1].Get(1.0), 0.0);
+  tool->steered.clear();
+  instance->Start(0.0, Instance::Run::kResimulating);
+  for (int k = 0; k < 3; ++k) instance->Step(k * 0.5);
+  instance->Stop(1.0);
+  EXPECT_EQ(tool->steered, (std::vector<double>{0.5, 1.5, 2.5}));
 }
 
 TEST_F(InstanceRun, RedrawIsSkippedDuringARun) {
