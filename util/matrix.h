@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <type_traits>
 
 #include "util/qtransform.h"
 #include "util/quat.h"
@@ -76,6 +77,14 @@ struct Matrix {
     m[12] = t.x;
     m[13] = t.y;
     m[14] = t.z;
+  }
+
+  Matrix Transposed() const {
+    Matrix out;
+    for (int r = 0; r < 4; ++r) {
+      for (int c = 0; c < 4; ++c) out.m[4 * c + r] = m[4 * r + c];
+    }
+    return out;
   }
 
   T Determinant() const {
@@ -190,5 +199,6 @@ struct Matrix {
 };
 
 static_assert(sizeof(Matrix<double>) == 128, "a transform blob is 128 bytes");
+static_assert(std::is_trivially_copyable_v<Matrix<double>>, "transform blobs copy the bytes");
 
 }  // namespace vuk::util

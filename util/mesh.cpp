@@ -61,18 +61,39 @@ CMesh_Cylinder::CMesh_Cylinder(int segments, double radius, double height) {
   const std::int32_t bottomCentre = topCentre + 1;
   vertices.push_back({0, height * 0.5, 0});
   vertices.push_back({0, height * -0.5, 0});
-  textureVertices = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+
+  // The side unrolls onto the unit square with a seam column at u = 1, so
+  // the texture does not run backwards across the last segment. Each cap is
+  // a disc in the square, mirrored between top and bottom so that neither
+  // reads mirror-inverted from outside.
+  const std::int32_t sideTop = 0;
+  const std::int32_t sideBottom = segments + 1;
+  const std::int32_t capTop = 2 * (segments + 1);
+  const std::int32_t capBottom = capTop + segments;
+  const std::int32_t capCentre = capBottom + segments;
+  for (int ring = 0; ring < 2; ++ring) {
+    for (int i = 0; i <= segments; ++i) textureVertices.push_back({double(i) / segments, ring == 0 ? 1.0 : 0.0, 0});
+  }
+  for (int cap = 0; cap < 2; ++cap) {
+    const double mirror = cap == 0 ? -0.5 : 0.5;
+    for (int i = 0; i < segments; ++i) {
+      const double angle = i * turn / segments;
+      textureVertices.push_back({0.5 + mirror * std::sin(angle), 0.5 + 0.5 * std::cos(angle), 0});
+    }
+  }
+  textureVertices.push_back({0.5, 0.5, 0});
+
   for (std::int32_t i = 0; i < segments; ++i) {
     const std::int32_t next = (i + 1) % segments;
     const std::int32_t top = i, topNext = next, bottom = segments + i, bottomNext = segments + next;
     AddTriangle(faces, top, bottom, bottomNext);
+    AddTriangle(textureFaces, sideTop + i, sideBottom + i, sideBottom + i + 1);
     AddTriangle(faces, top, bottomNext, topNext);
+    AddTriangle(textureFaces, sideTop + i, sideBottom + i + 1, sideTop + i + 1);
     AddTriangle(faces, topCentre, top, topNext);
+    AddTriangle(textureFaces, capCentre, capTop + i, capTop + next);
     AddTriangle(faces, bottomCentre, bottomNext, bottom);
-    AddTriangle(textureFaces, 0, 1, 2);
-    AddTriangle(textureFaces, 0, 2, 3);
-    AddTriangle(textureFaces, 0, 1, 2);
-    AddTriangle(textureFaces, 0, 1, 2);
+    AddTriangle(textureFaces, capCentre, capBottom + next, capBottom + i);
   }
 }
 

@@ -37,6 +37,8 @@ class CMesh_Box : public CMesh {
 };
 
 // Rings about the Y axis at plus and minus half the height, with caps.
+// Vertices: the upper ring (0 to segments - 1), the lower ring, then the
+// upper and the lower cap centre.
 class CMesh_Cylinder : public CMesh {
  public:
   CMesh_Cylinder(int segments, double radius, double height);

@@ -2,6 +2,8 @@
 // The system's rigid pose: translation, then rotation. Its memory order is
 // what saved histories hold.
 
+#include <type_traits>
+
 #include "util/quat.h"
 #include "util/vector3.h"
 
@@ -33,5 +35,7 @@ struct QTransform {
 };
 
 static_assert(sizeof(QTransform<double>) == 56, "saved histories store seven doubles");
+static_assert(std::is_trivially_copyable_v<QTransform<double>> && std::is_standard_layout_v<QTransform<double>>,
+              "histories copy the bytes");
 
 }  // namespace vuk::util

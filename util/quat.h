@@ -3,6 +3,7 @@
 // first and b second: the reverse of the matrix product, on purpose.
 
 #include <cmath>
+#include <type_traits>
 
 #include "util/vector3.h"
 
@@ -45,8 +46,14 @@ struct Quat {
   constexpr T Dot(const Quat& o) const { return x * o.x + y * o.y + z * o.z + w * o.w; }
   T Norm() const { return std::sqrt(Dot(*this)); }
   constexpr Quat Conjugate() const { return {-x, -y, -z, w}; }
-  // The inverse rotation of a unit quaternion.
-  constexpr Quat Inverse() const { return Conjugate(); }
+  // The conjugate over the squared norm, so that q * q.Inverse() is the
+  // identity for any non-zero q; a zero quaternion gives the identity.
+  constexpr Quat Inverse() const {
+    const T squared = Dot(*this);
+    if (squared == 0) return Quat();
+    const Quat c = Conjugate();
+    return {c.x / squared, c.y / squared, c.z / squared, c.w / squared};
+  }
 
   // A zero quaternion becomes the identity.
   Quat& Normalize() {
@@ -91,5 +98,7 @@ struct Quat {
 };
 
 static_assert(sizeof(Quat<double>) == 32, "saved histories store four doubles");
+static_assert(std::is_trivially_copyable_v<Quat<double>> && std::is_standard_layout_v<Quat<double>>,
+              "histories copy the bytes");
 
 }  // namespace vuk::util

@@ -2,6 +2,7 @@
 // Points, directions and scale factors. A plain value of three scalars.
 
 #include <cmath>
+#include <type_traits>
 
 namespace vuk::util {
 
@@ -20,6 +21,7 @@ struct Vector3 {
   Vector3& operator+=(const Vector3& o) { return *this = *this + o; }
   Vector3& operator-=(const Vector3& o) { return *this = *this - o; }
   Vector3& operator*=(T s) { return *this = *this * s; }
+  Vector3& operator/=(T s) { return *this = *this / s; }
   constexpr bool operator==(const Vector3& o) const { return x == o.x && y == o.y && z == o.z; }
   constexpr bool operator!=(const Vector3& o) const { return !(*this == o); }
 
@@ -50,5 +52,7 @@ constexpr Vector3<T> operator*(T s, const Vector3<T>& v) {
 }
 
 static_assert(sizeof(Vector3<double>) == 24, "saved histories store three doubles");
+static_assert(std::is_trivially_copyable_v<Vector3<double>> && std::is_standard_layout_v<Vector3<double>>,
+              "histories copy the bytes");
 
 }  // namespace vuk::util

@@ -182,7 +182,7 @@ TEST(QuatExponential, OfOneMinusOneZeroIsNotAUnitQuaternion) {
   const double h = std::sqrt(2.0) / 2;
   // Norm squared is 2 sin^2 h + cos^2 h = 1 + sin^2 h.
   EXPECT_NEAR(q.Dot(q), 1 + std::sin(h) * std::sin(h), 1e-15);
-  EXPECT_GT(q.Norm(), 1.2);
+  EXPECT_GT(q.Norm(), 1.1);
   EXPECT_EQ(Q::FromRotationVector({0, 0, 0}), Q());
   // A quarter turn about Z, as a rotation vector.
   ExpectNear(Q::FromRotationVector({0, 0, kHalfPi}), {0, 0, kRootHalf, kRootHalf});
