@@ -1,50 +1,24 @@
 #include "adaptor/standalone/scene.h"
 
 #include <algorithm>
-#include <optional>
+#include <utility>
 
 namespace vuk::rgw::adaptor::standalone {
 
 namespace {
 
-// One write at one tick: the key (or static pose) before and after it.
-class KeyWriteRecord : public UndoRecord {
- public:
-  KeyWriteRecord(SceneNode* node, Tick tick, std::optional<TransformKey> before, TransformKey staticBefore)
-      : node_(node), tick_(tick), before_(std::move(before)), staticBefore_(staticBefore) {
-    const TransformKey* key = node->track.FindKey(tick);
-    after_ = key ? std::optional<TransformKey>(*key) : std::nullopt;
-    staticAfter_ = node->track.StaticPose();
-  }
-  void Restore() override { Apply(before_, staticBefore_); }
-  void Redo() override { Apply(after_, staticAfter_); }
-
- private:
-  void Apply(const std::optional<TransformKey>& key, const TransformKey& pose) {
-    if (key) {
-      node_->track.SetKey(*key);
-    } else {
-      node_->track.RemoveKey(tick_);
-    }
-    node_->track.SetStaticPose(pose);
-  }
-
-  SceneNode* node_;
-  Tick tick_;
-  std::optional<TransformKey> before_, after_;
-  TransformKey staticBefore_, staticAfter_;
-};
-
-// A whole track before and after a change that touches many keys.
+// A node's whole track as it stood before the first change of a hold: one
+// record however many keys a recording writes. A record's undo and redo
+// alternate, so swapping the saved track with the live one goes either way.
 class TrackRecord : public UndoRecord {
  public:
-  TrackRecord(SceneNode* node, TransformTrack before) : node_(node), before_(std::move(before)), after_(node->track) {}
-  void Restore() override { node_->track = before_; }
-  void Redo() override { node_->track = after_; }
+  explicit TrackRecord(SceneNode* node) : node_(node), saved_(node->track) {}
+  void Restore() override { std::swap(node_->track, saved_); }
+  void Redo() override { std::swap(node_->track, saved_); }
 
  private:
   SceneNode* node_;
-  TransformTrack before_, after_;
+  TransformTrack saved_;
 };
 
 class NameRecord : public UndoRecord {
@@ -91,6 +65,12 @@ SceneNode* Scene::MakeNode(ObjectKind kind, const std::string& hostName) {
 
 void Scene::Record(std::unique_ptr<UndoRecord> record) {
   if (undo.IsHolding() && !undo.IsRestoring()) undo.Put(std::move(record));
+}
+
+void Scene::SaveTrack(SceneNode* node) {
+  if (!undo.IsHolding() || undo.IsRestoring() || node->trackSavedInHold == undo.HoldNumber()) return;
+  node->trackSavedInHold = undo.HoldNumber();
+  undo.Put(std::make_unique<TrackRecord>(node));
 }
 
 std::size_t Scene::IndexIn(const SceneNode* node) {
@@ -149,13 +129,13 @@ void Scene::SetParent(SceneNode* node, SceneNode* newParent, Tick keepAt) {
   }
   SceneNode* oldParent = node->parent;
   const std::size_t oldIndex = oldParent ? IndexIn(node) : 0;
-  const TransformTrack before = node->track;
   std::vector<std::pair<Tick, util::Matrix<double>>> worlds;
   for (const TransformKey& key : node->track.Keys()) worlds.emplace_back(key.tick, node->World(key.tick));
   const util::Matrix<double> staticWorld = node->World(keepAt);
 
   Attach(node, target, target->children.size());
   Record(std::make_unique<PlaceRecord>(this, node, oldParent, oldIndex));
+  SaveTrack(node);
   auto relative = [&](Tick tick, const util::Matrix<double>& world) {
     return target->isRoot ? world : target->World(tick).Inverse() * world;
   };
@@ -163,7 +143,6 @@ void Scene::SetParent(SceneNode* node, SceneNode* newParent, Tick keepAt) {
   for (const auto& [tick, world] : worlds) keys.push_back(TransformKey::FromMatrix(tick, relative(tick, world)));
   node->track.SetKeys(std::move(keys));
   node->track.SetStaticPose(TransformKey::FromMatrix(0, relative(keepAt, staticWorld)));
-  Record(std::make_unique<TrackRecord>(node, before));
 }
 
 void Scene::Rename(SceneNode* node, const std::string& hostName) {
@@ -173,16 +152,11 @@ void Scene::Rename(SceneNode* node, const std::string& hostName) {
 }
 
 void Scene::WriteLocal(SceneNode* node, Tick tick, const util::Matrix<double>& local) {
-  const TransformKey* existing = node->track.FindKey(tick);
-  std::optional<TransformKey> before = existing ? std::optional<TransformKey>(*existing) : std::nullopt;
-  const TransformKey staticBefore = node->track.StaticPose();
+  SaveTrack(node);
   if (animate) {
     node->track.SetKey(TransformKey::FromMatrix(tick, local));
   } else {
     node->track.SetPose(tick, local);
-  }
-  if (undo.IsHolding() && !undo.IsRestoring()) {
-    Record(std::make_unique<KeyWriteRecord>(node, tick, std::move(before), staticBefore));
   }
 }
 
@@ -194,9 +168,8 @@ void Scene::WriteWorld(SceneNode* node, Tick tick, const util::Matrix<double>& w
 
 void Scene::InvalidateFrom(SceneNode* node, Tick tick) {
   if (!node || node->track.Keys().empty() || node->track.Keys().back().tick < tick) return;
-  const TransformTrack before = node->track;
+  SaveTrack(node);
   node->track.RemoveFrom(tick);
-  Record(std::make_unique<TrackRecord>(node, before));
 }
 
 SceneNode* Scene::Find(SceneNode::Handle handle) const {

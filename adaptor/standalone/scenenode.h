@@ -64,6 +64,8 @@ class SceneNode {
   CameraData camera;
   ShapeData shape;
   TransformTrack track;
+  // The undo hold that last saved the track; 0 for none (see Scene::SaveTrack).
+  std::uint64_t trackSavedInHold = 0;
 
  private:
   mutable std::unique_ptr<MeshRayTree> rayTree_;

@@ -27,12 +27,10 @@ class NodeListRestore : public CUndo {
   void Apply(bool listed) {
     auto* callback = reinterpret_cast<CInterface::Callback*>(node_->extra);
     if (listed) {
-      adaptor_->AddNode(node_);
-      node_->external = false;
+      adaptor_->Reinstate(node_);
       if (callback) callback->NodeRestored(node_);
     } else {
-      adaptor_->RemoveNode(node_);
-      node_->external = true;
+      adaptor_->Retire(node_);
       if (callback) callback->NodeLost(node_);
     }
   }
@@ -77,6 +75,7 @@ StandaloneAdaptorInterface::StandaloneAdaptorInterface() : util::MessageNode("St
 StandaloneAdaptorInterface::~StandaloneAdaptorInterface() {
   // Undo records may point at nodes: drop them first.
   scene_.undo = UndoBuffer();
+  for (StandaloneNode* node : retired_) delete node;
   const std::vector<StandaloneNode*> owned = nodes_;
   for (StandaloneNode* node : owned) delete node;
 }
@@ -94,6 +93,18 @@ void StandaloneAdaptorInterface::AddNode(StandaloneNode* node) {
 
 void StandaloneAdaptorInterface::RemoveNode(StandaloneNode* node) {
   nodes_.erase(std::remove(nodes_.begin(), nodes_.end(), node), nodes_.end());
+}
+
+void StandaloneAdaptorInterface::Retire(StandaloneNode* node) {
+  RemoveNode(node);
+  node->external = true;
+  if (std::find(retired_.begin(), retired_.end(), node) == retired_.end()) retired_.push_back(node);
+}
+
+void StandaloneAdaptorInterface::Reinstate(StandaloneNode* node) {
+  retired_.erase(std::remove(retired_.begin(), retired_.end(), node), retired_.end());
+  node->external = false;
+  AddNode(node);
 }
 
 StandaloneNode* StandaloneAdaptorInterface::FindOwnedOver(const SceneNode* host) const {
@@ -129,8 +140,11 @@ core::CoreNode* StandaloneAdaptorInterface::CreateMeshNode(core::InstanceHandle 
 }
 
 void StandaloneAdaptorInterface::DeleteNode(StandaloneNode* node, bool withHost) {
-  if (IsUndoActive()) PutUndo(new NodeListRestore(this, node, false));
-  RemoveNode(node);
+  // A wrapper belongs to whoever asked for it; only an owned node leaves the list.
+  if (!node->external) {
+    if (IsUndoActive()) PutUndo(new NodeListRestore(this, node, false));
+    Retire(node);
+  }
   if (withHost) scene_.DeleteNode(node->GetHostNode());
 }
 

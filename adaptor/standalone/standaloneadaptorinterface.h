@@ -94,6 +94,11 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   const std::vector<StandaloneNode*>& Nodes() const { return nodes_; }
   void AddNode(StandaloneNode* node);
   void RemoveNode(StandaloneNode* node);
+  // Off the list by a delete or by undoing its creation: undo may list the
+  // node again, so the adaptor keeps it until it goes itself.
+  void Retire(StandaloneNode* node);
+  // Back on the list by undo.
+  void Reinstate(StandaloneNode* node);
   // The owned node over that scene object, or null.
   StandaloneNode* FindOwnedOver(const SceneNode* host) const;
   // Takes the node off the list, and with the flag its scene object out of
@@ -122,6 +127,7 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   std::vector<std::string> undoLabels_;
   std::int32_t timeScale_ = 1;
   std::vector<StandaloneNode*> nodes_;
+  std::vector<StandaloneNode*> retired_;
   // Tags found by the last gathering: the scene node and its parsed tag.
   std::vector<std::pair<SceneNode*, util::xml::Element>> gatherRecords_;
 };

@@ -5,6 +5,7 @@ namespace vuk::rgw::adaptor::standalone {
 void UndoBuffer::Begin() {
   if (holding_) return;
   holding_ = true;
+  ++holdNumber_;
   open_ = Step();
 }
 

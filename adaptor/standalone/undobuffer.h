@@ -3,6 +3,7 @@
 // as one labelled step or cancelled, and stacks of steps to undo and redo.
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,8 @@ class UndoBuffer {
  public:
   void Begin();
   bool IsHolding() const { return holding_; }
+  // Counts the holds begun, so that a change can be recorded once per hold.
+  std::uint64_t HoldNumber() const { return holdNumber_; }
   // True while a step is being undone or redone: nothing may be recorded.
   bool IsRestoring() const { return restoring_; }
   // Kept while a hold is open; otherwise dropped at once. Answers whether it was kept.
@@ -47,6 +50,7 @@ class UndoBuffer {
 
   bool holding_ = false;
   bool restoring_ = false;
+  std::uint64_t holdNumber_ = 0;
   Step open_;
   std::vector<Step> undo_;
   std::vector<Step> redo_;
