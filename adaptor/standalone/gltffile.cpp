@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <set>
 
+#include "adaptor/standalone/gltfprune.h"
+
 namespace vuk::rgw::adaptor::standalone {
 
 namespace {
@@ -363,27 +365,30 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   tinygltf::Model& model = *model_;
   if (model.asset.version.empty()) model.asset.version = "2.0";
   model.asset.generator = "Rigworks";
-  model.buffers.emplace_back();
-  const int buffer = static_cast<int>(model.buffers.size() - 1);
+  // New data goes after what the first buffer holds; pruning then drops the
+  // bytes it replaced, so a file saved again is the file saved the first time.
+  if (model.buffers.empty()) model.buffers.emplace_back();
+  const int buffer = 0;
 
-  // Each scene node to its glTF node, made for nodes the file didn't have.
+  // Each scene node to its glTF node, made for nodes the file didn't have;
+  // in the scene's order, so that the same scene writes the same file.
   std::map<const SceneNode*, int> indexOf;
+  std::vector<std::pair<const SceneNode*, int>> ordered;
   scene.Walk([&](SceneNode& node) {
     if (node.isRoot) return;
-    const auto known = nodeOf_.find(node.handle);
-    if (known != nodeOf_.end()) {
-      indexOf[&node] = known->second;
-      return;
+    auto known = nodeOf_.find(node.handle);
+    if (known == nodeOf_.end()) {
+      model.nodes.emplace_back();
+      known = nodeOf_.emplace(node.handle, static_cast<int>(model.nodes.size() - 1)).first;
     }
-    model.nodes.emplace_back();
-    indexOf[&node] = static_cast<int>(model.nodes.size() - 1);
-    nodeOf_[node.handle] = indexOf[&node];
+    indexOf[&node] = known->second;
+    ordered.emplace_back(&node, known->second);
   });
   // Nodes taken out of the scene are unlinked, not removed: other parts of
   // the file may still name their index.
   for (tinygltf::Node& node : model.nodes) node.children.clear();
   std::vector<int> roots;
-  for (const auto& [node, index] : indexOf) {
+  for (const auto& [node, index] : ordered) {
     tinygltf::Node& target = model.nodes[static_cast<std::size_t>(index)];
     target.name = node->hostName;
     const TransformKey& pose = node->track.StaticPose();
@@ -466,7 +471,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
                          model.animations.end());
   tinygltf::Animation keys;
   keys.name = "Rigworks";
-  for (const auto& [node, index] : indexOf) {
+  for (const auto& [node, index] : ordered) {
     const std::vector<TransformKey>& track = node->track.Keys();
     if (track.empty()) continue;
     std::vector<float> times, positions, rotations, scales;
@@ -493,7 +498,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
     }
   }
   if (!keys.channels.empty()) model.animations.push_back(keys);
-  if (model.buffers.back().data.empty()) model.buffers.pop_back();
+  PruneUnusedData(model);
 
   const std::string temporary = path + ".tmp";
   tinygltf::TinyGLTF writer;
