@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "plugins/1dpositioner/c1dpositionerplugin.h"
 #include "plugins/lookatcam/lookatcamplugin.h"
 
 namespace vuk::rgw::core {
@@ -11,6 +12,7 @@ const std::array<PluginFactory, kToolTableSize>& ToolTable() {
   static const std::array<PluginFactory, kToolTableSize> table = [] {
     std::array<PluginFactory, kToolTableSize> entries{};
     entries[31] = &addon::CreateLookAtCamPlugin;
+    entries[36] = &addon::Create1DPositionerPlugin;
     return entries;
   }();
   return table;

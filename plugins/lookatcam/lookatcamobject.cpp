@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "sdk/cundo.h"
+#include "plugins/common/hideswitch.h"
 
 namespace vuk::rgw::addon {
 
@@ -123,12 +123,12 @@ CLookAtCamObject::CLookAtCamObject(const CreateParam& param)
 
 void CLookAtCamObject::Start(double time) {
   cameraNode.Measure(time);
-  if (hideHelpersDuringRecording || hideHelpers) ApplyVisibility(targetNode, true);
+  if (hideHelpersDuringRecording || hideHelpers) SetHidden(targetNode.handle, true);
 }
 
 void CLookAtCamObject::Stop(double) {
   // A helper the user hid for good stays hidden.
-  if (hideHelpersDuringRecording && !hideHelpers) ApplyVisibility(targetNode, false);
+  if (hideHelpersDuringRecording && !hideHelpers) SetHidden(targetNode.handle, false);
 }
 
 void CLookAtCamObject::Step(double time) {
@@ -182,15 +182,6 @@ std::int32_t CLookAtCamObject::Save() {
   return 0;
 }
 
-void CLookAtCamObject::ApplyVisibility(const SceneNode& node, bool hidden) {
-  if (!node.handle) return;
-  if (hidden) {
-    node.handle->Hide();
-  } else {
-    node.handle->Show();
-  }
-}
-
 const CLookAtCamObject::SceneNode* CLookAtCamObject::SwitchedNode(const std::string& label, bool*& flag) {
   if (label == kHideHelpers) {
     flag = &hideHelpers;
@@ -204,19 +195,13 @@ const CLookAtCamObject::SceneNode* CLookAtCamObject::SwitchedNode(const std::str
 }
 
 void CLookAtCamObject::Changed(std::string label) {
-  const bool undo = HasUndoMarker(label, kRealUndoMarker);
-  const bool redo = HasUndoMarker(label, kRealRedoMarker);
-  if (undo || redo) label = label.substr(kUndoMarkerLength);
+  const ConfigChange change(std::move(label));
   bool* flag = nullptr;
-  if (const SceneNode* node = SwitchedNode(label, flag)) {
-    // A replay turns the node the other way (undo) or the flag's way (redo),
-    // and writes no new record.
-    if (!undo && !redo) iface->PushUndo(new CREEventUndo(this, kRealUndoMarker + label, kRealRedoMarker + label));
-    ApplyVisibility(*node, undo ? !*flag : *flag);
-    iface->Redraw();
+  if (const SceneNode* node = SwitchedNode(change.label, flag)) {
+    ApplyHideSwitch(iface, this, change, node->handle, *flag);
     return;
   }
-  if (!undo && !redo && label == kInitialize) {
+  if (!change.IsReplay() && change.label == kInitialize) {
     cameraNode.Measure(0.0);
     cameraNode.Update(0.0);
     iface->Redraw();

@@ -85,8 +85,6 @@ class CLookAtCamObject : public CCamera, public CInterface::Callback {
   std::uint8_t saveBuffer[3] = {0, 0, 0};
 
  private:
-  // Shows the node when `hidden` is false and hides it when true.
-  void ApplyVisibility(const SceneNode& node, bool hidden);
   // The node a visibility label switches, with its flag; null for other labels.
   const SceneNode* SwitchedNode(const std::string& label, bool*& flag);
 };

@@ -9,6 +9,7 @@
 #include "adaptor/standalone/standalonenode.h"
 #include "core/corelibrary.h"
 #include "plugins/lookatcam/lookatcamplugin.h"
+#include "tests/plugins/keyhash.h"
 
 namespace vuk::rgw::addon {
 namespace {
@@ -134,18 +135,8 @@ TEST(LookAtCamDeterminism, SameTakeSameKeys) {
   }
 }
 
-// FNV-1a over the bytes of every key: any change to the numbers shows.
-std::uint64_t HashOf(const std::vector<adaptor::standalone::TransformKey>& keys) {
-  std::uint64_t hash = 14695981039346656037ull;
-  for (const auto& key : keys) {
-    const auto* bytes = reinterpret_cast<const unsigned char*>(&key);
-    for (std::size_t i = 0; i < sizeof key; ++i) hash = (hash ^ bytes[i]) * 1099511628211ull;
-  }
-  return hash;
-}
-
 TEST(LookAtCamDeterminism, TheKeysOfAFixedTakeKeepTheirHash) {
-  EXPECT_EQ(HashOf(RecordTake()), 5733555092560626472ull);
+  EXPECT_EQ(testing_support::HashOf(RecordTake()), 5733555092560626472ull);
 }
 
 TEST_F(LookAtCam, KeepsItsScale) {

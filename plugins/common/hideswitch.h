@@ -1,0 +1,31 @@
+#pragma once
+// The visibility switches of the small tools ("Hide Helpers", "Hide
+// Camera"): a change is undoable through the host, and its undo record
+// comes back through the tool's Changed with a marker in front of the label.
+
+#include <string>
+
+#include "sdk/cinterface.h"
+
+namespace vuk::rgw::addon {
+
+// A label as it reaches Changed, with the marker of a replay taken off.
+struct ConfigChange {
+  explicit ConfigChange(std::string given);
+  bool IsReplay() const { return undo || redo; }
+
+  std::string label;
+  bool undo = false;
+  bool redo = false;
+};
+
+// Shows the node when `hidden` is false and hides it when true; null is left.
+void SetHidden(CNode* node, bool hidden);
+
+// Shows or hides the node by the switch's flag, and pushes the record that
+// replays the change. A replay writes no record: undo turns the node against
+// the flag, redo with it.
+void ApplyHideSwitch(CInterface* iface, CInterface::Callback* tool, const ConfigChange& change, CNode* node,
+                     bool hidden);
+
+}  // namespace vuk::rgw::addon

@@ -1,0 +1,34 @@
+#pragma once
+// The input channel of the smaller tools: a control made through the tool
+// interface, read once per frame into `raw`, scaled by a maximum and
+// filtered with a response factor.
+
+#include <string>
+
+#include "sdk/cinterface.h"
+
+namespace vuk::rgw::addon {
+
+struct InputChannel {
+  InputChannel(std::string channelName, double response, double max)
+      : name(std::move(channelName)), responseFactor(response), maximum(max) {}
+
+  // Makes the channel's control: kind 14 (continuous), or 15 with the flag.
+  void Create(CInterface* iface) { control = iface->AddInput(name, switchable ? 15 : input::kContinuous); }
+  // Takes the control's value when a source feeds it; otherwise the last
+  // value stays.
+  void Read() {
+    if (control && control->source) raw = control->Evaluate();
+  }
+
+  bool switchable = false;
+  std::string name;
+  double raw = 0;
+  double output = 0;
+  double stage = 0;
+  double responseFactor;
+  double maximum;
+  CInterface::Property* control = nullptr;
+};
+
+}  // namespace vuk::rgw::addon
