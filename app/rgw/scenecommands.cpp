@@ -125,9 +125,13 @@ int SceneCommand(const Arguments& args) {
                   KindName(node->kind));
       const auto& keys = node->track.Keys();
       if (!keys.empty()) {
-        std::printf("  %zu keys, %.3f s to %.3f s", keys.size(),
+        // Where the node goes over its keys, in its parent's frame.
+        const auto& from = keys.front().position;
+        const auto& to = keys.back().position;
+        std::printf("  %zu keys, %.3f s to %.3f s, local (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)", keys.size(),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
-                    rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick));
+                    rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), from.x, from.y, from.z, to.x, to.y,
+                    to.z);
       }
       if (!node->visible) std::printf("  [hidden]");
       std::printf("\n");
@@ -137,6 +141,19 @@ int SceneCommand(const Arguments& args) {
   for (rgw::core::Instance* instance : session.tools.AllInstances()) {
     std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->util::MessageNode::GetName().c_str(),
                 instance->plugin->GetName().c_str(), instance->inputs.Count(), instance->recordedTracks.size());
+    // The channels that are bound or hold a take: what a later run will read.
+    for (std::size_t i = 0; i < instance->inputs.Count(); ++i) {
+      const auto* channel = instance->inputs.Get(i);
+      const auto* take = i < instance->recordedTracks.size() ? &instance->recordedTracks[i].records : nullptr;
+      const bool hasTake = take && !take->empty();
+      if (channel->config.IsEmpty() && !hasTake) continue;
+      std::printf("  channel %s:", channel->name.c_str());
+      if (!channel->config.IsEmpty()) {
+        std::printf(" bound to \"%s\"", channel->config.GetChild("description").GetText().c_str());
+      }
+      if (hasTake) std::printf("%s take of %zu samples, %.3f s to %.3f s", channel->config.IsEmpty() ? "" : ",", take->size(), take->front().time, take->back().time);
+      std::printf("\n");
+    }
   }
   return 0;
 }
