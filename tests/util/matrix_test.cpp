@@ -1,4 +1,5 @@
 #include "util/matrix.h"
+#include "tests/util/geometryexpect.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,9 @@
 
 namespace vuk::util {
 namespace {
+
+using testing_support::ExpectNear;
+using testing_support::RandomRotation;
 
 using M = Matrix<double>;
 using V = Vector3<double>;
@@ -30,28 +34,6 @@ M FromElements(std::initializer_list<double> elements) {
   int i = 0;
   for (double e : elements) m[i++] = e;
   return m;
-}
-
-void ExpectNear(const M& a, const M& b, double tolerance) {
-  for (int i = 0; i < 16; ++i) EXPECT_NEAR(a[i], b[i], tolerance) << "element " << i;
-}
-
-void ExpectNear(const Q& a, const Q& b, double tolerance) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-  EXPECT_NEAR(a.w, b.w, tolerance);
-}
-
-void ExpectNear(const V& a, const V& b, double tolerance) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-}
-
-Q RandomRotation(std::mt19937& random) {
-  std::normal_distribution<double> normal;
-  return Q{normal(random), normal(random), normal(random), normal(random)}.Normalize();
 }
 
 TEST(Matrix, DefaultIsIdentityWithTranslationAtTwelve) {

@@ -6,17 +6,15 @@
 #include <map>
 #include <utility>
 
+#include "tests/util/geometryexpect.h"
+
 namespace vuk::util {
 namespace {
 
+using testing_support::ExpectNear;
+
 using V = Vector3<double>;
 constexpr double kTwoPi = 6.283185307179586;
-
-void ExpectNear(const V& a, const V& b, double tolerance = 1e-12) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-}
 
 void ExpectIndicesInRange(const std::vector<std::int32_t>& indices, std::size_t count) {
   ASSERT_EQ(indices.size() % 3, 0u);

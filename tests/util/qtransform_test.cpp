@@ -8,28 +8,18 @@
 #include <random>
 
 #include "util/matrix.h"
+#include "tests/util/geometryexpect.h"
 
 namespace vuk::util {
 namespace {
+
+using testing_support::ExpectNear;
 
 using P = QTransform<double>;
 using V = Vector3<double>;
 using Q = Quat<double>;
 using M = Matrix<double>;
 const double kRootHalf = std::sqrt(0.5);
-
-void ExpectNear(const V& a, const V& b, double tolerance = 1e-12) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-}
-
-void ExpectNear(const Q& a, const Q& b, double tolerance = 1e-12) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-  EXPECT_NEAR(a.w, b.w, tolerance);
-}
 
 P RandomPose(std::mt19937& random) {
   std::uniform_real_distribution<double> uniform(-2, 2);

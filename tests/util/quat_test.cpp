@@ -7,9 +7,13 @@
 #include <random>
 
 #include "util/matrix.h"
+#include "tests/util/geometryexpect.h"
 
 namespace vuk::util {
 namespace {
+
+using testing_support::ExpectNear;
+using testing_support::RandomRotation;
 
 using V = Vector3<double>;
 using Q = Quat<double>;
@@ -17,24 +21,8 @@ using M = Matrix<double>;
 constexpr double kHalfPi = 1.5707963267948966;
 constexpr double kPi = 3.141592653589793;
 const double kRootHalf = std::sqrt(0.5);
-
-void ExpectNear(const V& a, const V& b, double tolerance = 1e-15) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-}
-
-void ExpectNear(const Q& a, const Q& b, double tolerance = 1e-15) {
-  EXPECT_NEAR(a.x, b.x, tolerance);
-  EXPECT_NEAR(a.y, b.y, tolerance);
-  EXPECT_NEAR(a.z, b.z, tolerance);
-  EXPECT_NEAR(a.w, b.w, tolerance);
-}
-
-Q RandomRotation(std::mt19937& random) {
-  std::normal_distribution<double> normal;
-  return Q{normal(random), normal(random), normal(random), normal(random)}.Normalize();
-}
+// Quaternion products of exact inputs are off by a few ulps at most.
+constexpr double kTight = 1e-15;
 
 TEST(Quat, DefaultIsIdentityAndLayoutIsXYZW) {
   const Q identity;
@@ -62,18 +50,18 @@ class QuatQuarterTurns : public testing::TestWithParam<QuarterTurn> {};
 TEST_P(QuatQuarterTurns, RotateLikeTheRightHand) {
   const QuarterTurn& turn = GetParam();
   const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
-  ExpectNear(q, turn.quat);
-  ExpectNear(q.Rotate({1, 0, 0}), turn.imageOfX);
-  ExpectNear(q.Rotate({0, 1, 0}), turn.imageOfY);
-  ExpectNear(q.Rotate({0, 0, 1}), turn.imageOfZ);
+  ExpectNear(q, turn.quat, kTight);
+  ExpectNear(q.Rotate({1, 0, 0}), turn.imageOfX, kTight);
+  ExpectNear(q.Rotate({0, 1, 0}), turn.imageOfY, kTight);
+  ExpectNear(q.Rotate({0, 0, 1}), turn.imageOfZ, kTight);
   // The matrix of the quaternion agrees: its axis columns are the images.
   const M m = M::FromQuat(q);
-  ExpectNear(m.Axis(0), turn.imageOfX);
-  ExpectNear(m.Axis(1), turn.imageOfY);
-  ExpectNear(m.Axis(2), turn.imageOfZ);
+  ExpectNear(m.Axis(0), turn.imageOfX, kTight);
+  ExpectNear(m.Axis(1), turn.imageOfY, kTight);
+  ExpectNear(m.Axis(2), turn.imageOfZ, kTight);
   // The inverse turns back.
-  ExpectNear(q.Inverse().Rotate(turn.imageOfX), {1, 0, 0});
-  ExpectNear(q.Conjugate().Rotate(turn.imageOfZ), {0, 0, 1});
+  ExpectNear(q.Inverse().Rotate(turn.imageOfX), {1, 0, 0}, kTight);
+  ExpectNear(q.Conjugate().Rotate(turn.imageOfZ), {0, 0, 1}, kTight);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -111,11 +99,11 @@ TEST(Quat, ProductAppliesTheLeftOperandFirst) {
   const Q aboutZ = Q::FromAxisAngle({0, 0, 1}, kHalfPi);
   const Q aboutX = Q::FromAxisAngle({1, 0, 0}, kHalfPi);
   // Z first takes X to Y, then X takes Y to Z.
-  ExpectNear((aboutZ * aboutX).Rotate({1, 0, 0}), {0, 0, 1});
+  ExpectNear((aboutZ * aboutX).Rotate({1, 0, 0}), {0, 0, 1}, kTight);
   // X first leaves X where it is, then Z takes it to Y.
-  ExpectNear((aboutX * aboutZ).Rotate({1, 0, 0}), {0, 1, 0});
+  ExpectNear((aboutX * aboutZ).Rotate({1, 0, 0}), {0, 1, 0}, kTight);
   // Applying one after the other by hand gives the same.
-  ExpectNear(aboutX.Rotate(aboutZ.Rotate({0.3, -0.2, 0.7})), (aboutZ * aboutX).Rotate({0.3, -0.2, 0.7}));
+  ExpectNear(aboutX.Rotate(aboutZ.Rotate({0.3, -0.2, 0.7})), (aboutZ * aboutX).Rotate({0.3, -0.2, 0.7}), kTight);
 }
 
 TEST(Quat, RotateAgreesWithTheMatrixOverRandomRotations) {
@@ -131,8 +119,8 @@ TEST(Quat, RotateAgreesWithTheMatrixOverRandomRotations) {
 
 TEST(Quat, InverseOfANonUnitQuaternion) {
   const Q q{1, -2, 0.5, 3};
-  ExpectNear(q * q.Inverse(), Q());
-  ExpectNear(q.Inverse() * q, Q());
+  ExpectNear(q * q.Inverse(), Q(), kTight);
+  ExpectNear(q.Inverse() * q, Q(), kTight);
   EXPECT_EQ(q.Conjugate(), Q(-1, 2, -0.5, 3));
   EXPECT_EQ(Q(0, 0, 0, 0).Inverse(), Q());
 }
@@ -167,7 +155,7 @@ TEST_P(QuatExponential, HalfAngleAndAxis) {
     EXPECT_EQ(q.z, std::sin(h) * v.z);
   } else {
     EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
-    ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
+    ExpectNear(q, Q::FromAxisAngle(v, 2 * h), kTight);
   }
 }
 
@@ -185,16 +173,16 @@ TEST(QuatExponential, OfOneMinusOneZeroIsNotAUnitQuaternion) {
   EXPECT_GT(q.Norm(), 1.1);
   EXPECT_EQ(Q::FromRotationVector({0, 0, 0}), Q());
   // A quarter turn about Z, as a rotation vector.
-  ExpectNear(Q::FromRotationVector({0, 0, kHalfPi}), {0, 0, kRootHalf, kRootHalf});
+  ExpectNear(Q::FromRotationVector({0, 0, kHalfPi}), {0, 0, kRootHalf, kRootHalf}, kTight);
 }
 
 TEST(Quat, SlerpHalfwayOfAQuarterTurnIsAnEighth) {
   const Q a;
   const Q b = Q::FromAxisAngle({0, 1, 0}, kHalfPi);
   const Q expected{0, std::sin(kPi / 8), 0, std::cos(kPi / 8)};
-  ExpectNear(Q::Slerp(a, b, 0.5), expected);
-  ExpectNear(Q::Slerp(a, b, 0.0), a);
-  ExpectNear(Q::Slerp(a, b, 1.0), b);
+  ExpectNear(Q::Slerp(a, b, 0.5), expected, kTight);
+  ExpectNear(Q::Slerp(a, b, 0.0), a, kTight);
+  ExpectNear(Q::Slerp(a, b, 1.0), b, kTight);
   // The shorter arc even when the end is given with the other sign.
   EXPECT_NEAR(std::fabs(Q::Slerp(a, -b, 0.5).Dot(expected)), 1.0, 1e-15);
 }
