@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 
 #include "app/rgw/commands.h"
@@ -271,18 +272,28 @@ int TakeCommand(const Arguments& args) {
 
 int BindCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw bind FILE --instance NAME --profile PROFILE.cip --out OUT\n"
-      "  Binds a tool's channels through an input profile; controls not attached now bind when they come.\n";
+      "usage: rgw bind FILE --instance NAME --profile PROFILE --out OUT\n"
+      "  Binds a tool's channels through an input profile: a .cip file, or the name of one of the tool's\n"
+      "  profiles (factory or saved by the user). Controls not attached now bind when they come.\n";
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const int code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return code;
   std::string error;
-  vuk::util::xml::Element profile;
-  if (profile.Parse(options.Get("profile")) != vuk::util::xml::kParsed || profile.name != "unidevice") {
-    return Fail(options.Get("profile") + ": not an input profile");
+  const std::string& given = options.Get("profile");
+  vuk::util::xml::Element file;
+  const vuk::util::xml::Element* profile = nullptr;
+  if (std::filesystem::exists(given)) {
+    if (file.Parse(given) != vuk::util::xml::kParsed || file.name != "unidevice") return Fail(given + ": not an input profile");
+    profile = &file.GetChild("profile");
+  } else {
+    // Not a file: a profile the tool has by that name, a factory one or the user's.
+    const std::string toolName = item->instance->plugin->GetName();
+    const rgw::core::Plugin* tool = session.library.FindTool(toolName);
+    profile = tool ? tool->inputProfiles.Find(given) : nullptr;
+    if (!profile) return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName);
   }
-  item->instance->ApplyInputProfile(profile.GetChild("profile"));
+  item->instance->ApplyInputProfile(*profile);
   return session.Save(options.Get("out"), error) ? 0 : Fail(error);
 }
 
