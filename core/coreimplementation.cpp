@@ -27,8 +27,10 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
   if (!log.IsOpen() && !log.Open(GetCoreDataFolder() + "/core.log")) {
     log.Warning("the log file can't be opened in " + GetCoreDataFolder() + "; logging to standard error");
   }
-  // Next in the start: the log list of the main window, the built-in core
-  // plugins and the scan for tool libraries, as those parts are built.
+  // Next in the start, as those parts are built: the log list of the main
+  // window and the built-in core plugins.
+  const int loaded = libraries_.ScanPluginFolders();
+  if (loaded > 0) log.Info(std::to_string(loaded) + " tools loaded from tool libraries");
 
   PrepareAdaptorFolder(adaptor);
   SetAdaptor(adaptor);

@@ -9,6 +9,7 @@
 #include "core/adaptormanager.h"
 #include "core/coreinterface.h"
 #include "core/devicemanager.h"
+#include "core/librarymanager.h"
 #include "core/mainconfigsettings.h"
 #include "util/singleton.h"
 
@@ -32,6 +33,8 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   Setting* GetSetting(std::int32_t id) override;
 
   MainConfigSettings& GetSettings() { return settings_; }
+  // Every tool the start found: compiled in and from tool libraries.
+  const LibraryManager& GetLibraries() const { return libraries_; }
   // Null before the start and when the start was refused.
   DeviceManager* GetDevices() { return devices_.get(); }
   // The user's "settings.xml" of the adaptor in use; empty before the start.
@@ -42,6 +45,7 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   void SaveSettings();
 
   MainConfigSettings settings_;
+  LibraryManager libraries_;
   std::unique_ptr<DeviceManager> devices_;
   std::string settingsPath_;
   bool started_ = false;

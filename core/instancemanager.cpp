@@ -21,7 +21,7 @@ void Walk(InstanceReference& item, const std::function<void(InstanceReference&)>
 
 }  // namespace
 
-InstanceManager::InstanceManager(AdaptorInterface* adaptor, const CoreLibrary* library)
+InstanceManager::InstanceManager(AdaptorInterface* adaptor, const LibraryManager* library)
     : adaptor_(adaptor), library_(library) {}
 
 InstanceReference* InstanceManager::Create(const std::string& toolName, const std::string& name,

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/adaptorinterface.h"
-#include "core/corelibrary.h"
+#include "core/librarymanager.h"
 #include "core/instancereference.h"
 #include "core/recordmanager.h"
 
@@ -15,7 +15,7 @@ namespace vuk::rgw::core {
 
 class InstanceManager : public InstanceList {
  public:
-  InstanceManager(AdaptorInterface* adaptor, const CoreLibrary* library);
+  InstanceManager(AdaptorInterface* adaptor, const LibraryManager* library);
 
   InstanceReference& Root() { return root_; }
   // A new tool below the parent (the root when null); null when the tool
@@ -45,7 +45,7 @@ class InstanceManager : public InstanceList {
   InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);
 
   AdaptorInterface* adaptor_;
-  const CoreLibrary* library_;
+  const LibraryManager* library_;
   InstanceReference root_;
 };
 

@@ -53,6 +53,15 @@ int LibraryManager::ScanPluginFolders() {
   return loaded;
 }
 
+std::vector<Plugin*> LibraryManager::AllTools() const {
+  std::vector<Plugin*> tools;
+  for (const auto& tool : core_.Tools()) tools.push_back(tool.get());
+  for (const auto& library : libraries_) {
+    for (const auto& tool : library->tools) tools.push_back(tool.get());
+  }
+  return tools;
+}
+
 Plugin* LibraryManager::FindTool(const std::string& name) const {
   if (Plugin* tool = core_.FindTool(name)) return tool;
   for (const auto& library : libraries_) {

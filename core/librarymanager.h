@@ -38,6 +38,8 @@ class LibraryManager {
   int ScanPluginFolders();
   // Through the compiled-in tools, then the libraries, old names included.
   Plugin* FindTool(const std::string& name) const;
+  // The compiled-in tools, then each library's.
+  std::vector<Plugin*> AllTools() const;
   const std::vector<std::unique_ptr<Library>>& Libraries() const { return libraries_; }
 
  private:

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
-#include "core/corelibrary.h"
+#include "core/librarymanager.h"
 #include "core/instancemanager.h"
 #include "core/messagebox.h"
 
@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (tree.ParseText(std::string(reinterpret_cast<const char*>(data), size)) != vuk::util::xml::kParsed) return 0;
   core::SetSilentMode(true);
   adaptor::standalone::StandaloneAdaptorInterface host;
-  static const core::CoreLibrary library;
+  static const core::LibraryManager library;
   core::InstanceManager tools(&host, &library);
   tools.LoadToolTree(tree);
   tools.SaveToolTree();

@@ -25,6 +25,7 @@ void ShowProgress(const rgw::core::RecordManager& recorder, double fps, std::int
 }  // namespace
 
 Session::Session() {
+  library.ScanPluginFolders();
   host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
 }
 

@@ -7,8 +7,8 @@
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
-#include "core/corelibrary.h"
 #include "core/instancemanager.h"
+#include "core/librarymanager.h"
 
 namespace vuk::app {
 
@@ -28,7 +28,8 @@ class Session {
   double KeyedEnd();
 
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
-  rgw::core::CoreLibrary library;
+  // The compiled-in tools and those of the plugin folders.
+  rgw::core::LibraryManager library;
   rgw::core::InstanceManager tools{&host, &library};
 
  private:

@@ -85,6 +85,22 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
   EXPECT_NE(log.find("INFO core stopped"), std::string::npos) << log;
 }
 
+TEST_F(CoreStart, ScansTheUsersPluginFolderForTools) {
+  const std::string plugins = folder + "/user/rigworks/plugins/linux/x64";
+  std::filesystem::create_directories(plugins);
+  for (const char* library : {"toollibrary_externalcam.so", "toollibrary_noexports.so", "toollibrary_oldversion.so"}) {
+    std::filesystem::copy_file(std::string(RGW_TOOL_LIBRARIES) + "/" + library, plugins + "/" + library);
+  }
+  CountingAdaptor adaptor;
+  CoreImplementation core;
+  ASSERT_NE(core.Start(&adaptor), nullptr);
+  EXPECT_NE(core.GetLibraries().FindTool("ExternalCam"), nullptr);
+  EXPECT_NE(core.GetLibraries().FindTool("LookAtCam"), nullptr);
+  EXPECT_EQ(core.GetLibraries().Libraries().size(), 1u);
+  EXPECT_NE(ReadFile(folder + "/user/rigworks/data/core/core.log").find("INFO 1 tools loaded from tool libraries"),
+            std::string::npos);
+}
+
 TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
   CountingAdaptor adaptor;
   adaptor.version = 20100;

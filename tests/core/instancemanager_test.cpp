@@ -43,7 +43,7 @@ void LoadScene(StandaloneAdaptorInterface& host, InstanceManager& tools, const s
 class ToolsInScenes : public testing::Test {
  protected:
   void TearDown() override { SetMessageBoxSink(nullptr); }
-  CoreLibrary library;
+  LibraryManager library;
 };
 
 TEST_F(ToolsInScenes, TwoToolsOneBelowTheOtherComeBackWithSettingsAndKeys) {

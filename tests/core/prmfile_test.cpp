@@ -13,7 +13,7 @@ namespace {
 
 TEST(PrmFile, AToolTreeTravelsThroughAPrmFile) {
   const std::string path = testing::TempDir() + "/rig.prm";
-  CoreLibrary library;
+  LibraryManager library;
   adaptor::standalone::StandaloneAdaptorInterface source;
   InstanceManager tools(&source, &library);
   InstanceReference* parent = tools.Create("LookAtCam");
