@@ -66,8 +66,10 @@ void C1DPositionerObject::CRelativeCageNode::Update(double time) {
 C1DPositionerObject::C1DPositionerObject(const CreateParam& param) : CCamera(param) {}
 
 void C1DPositionerObject::Start(double time) {
-  firstStep_ = true;
-  history.RewindTo(time, channel);
+  // A run never steps its start frame again: that frame's state and the
+  // cage's key there are where the run goes on from. Half a frame keeps the
+  // start frame's record however the times were summed.
+  history.RewindTo(time + 0.5 * iface->GetFrameDuration(), channel);
   ring.Fill(cageNode.Read(time));
   if (hideHelpersDuringRecording || hideHelpers) SetHidden(cageNode.handle, true);
 }
@@ -82,12 +84,10 @@ void C1DPositionerObject::Step(double time) {
   const double dt = iface->GetFrameDuration();
   channel.Feed(dt);
   // The negated output is the cage's velocity along its local Z.
-  const double moved = firstStep_ ? 0.0 : dt;
-  firstStep_ = false;
   const PoseRecord& now = ring.Current();
   PoseRecord& next = ring.Next();
   next.rotation = now.rotation;
-  next.position = now.position + now.rotation.Rotate({0, 0, -channel.output}) * moved;
+  next.position = now.position + now.rotation.Rotate({0, 0, -channel.output}) * dt;
   ring.Advance();
   cageNode.Update(time);
   history.Record(time, channel);

@@ -61,11 +61,6 @@ class C1DPositionerObject : public CCamera, public CInterface::Callback {
   ActuatorHistory history;
   bool hideHelpersDuringRecording = false;
   bool hideHelpers = false;
-
- private:
-  // True until the first step of a run: that frame has no interval behind
-  // it, so the cage starts where it stands.
-  bool firstStep_ = true;
 };
 
 }  // namespace vuk::rgw::addon
