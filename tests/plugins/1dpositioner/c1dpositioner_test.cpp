@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
@@ -167,6 +169,34 @@ TEST_F(Positioner, SavesItsSettingsAndHistoryAndLoadsThem) {
   ASSERT_EQ(loaded.Save(), 0);
   bytes = instance->GetSaveData(&length);
   EXPECT_EQ(std::vector<std::uint8_t>(bytes, bytes + length), saved);
+}
+
+// Saved data of version 100, kept as a file: it must always read back, and
+// a save of what it gave must write the same bytes.
+TEST_F(Positioner, ReadsAndRewritesItsVersion100Data) {
+  std::ifstream in(RGW_TEST_DATA "/1dpositioner_v100.bin", std::ios::binary);
+  const std::vector<std::uint8_t> saved{std::istreambuf_iterator<char>(in), {}};
+  ASSERT_FALSE(saved.empty());
+  instance->SetSaveData(saved.data(), static_cast<std::int32_t>(saved.size()));
+  ASSERT_EQ(tool->Load(), 0);
+  EXPECT_FALSE(tool->hideHelpersDuringRecording);
+  EXPECT_TRUE(tool->hideHelpers);
+  EXPECT_TRUE(tool->channel.keepState);
+  EXPECT_FALSE(tool->channel.integrate);
+  EXPECT_EQ(tool->channel.responseFactor, 0.3);
+  EXPECT_EQ(tool->channel.maximum, 2.0);
+  EXPECT_EQ(tool->channel.changeLimit, 0.5);
+  ASSERT_EQ(tool->Save(), 0);
+  std::int32_t length = 0;
+  const std::uint8_t* bytes = instance->GetSaveData(&length);
+  EXPECT_EQ(std::vector<std::uint8_t>(bytes, bytes + length), saved);
+  // Its three frames rewind like recorded ones.
+  ActuatorChannel state("Position", 0.3, 2.0);
+  tool->history.RewindTo(2.5 / 30, state);
+  EXPECT_EQ(state.output, 0.2);
+  EXPECT_EQ(state.lastState, 0);
+  tool->history.RewindTo(1.5 / 30, state);
+  EXPECT_EQ(state.lastState, 1);
 }
 
 TEST_F(Positioner, DamagedSaveDataIsRefused) {
