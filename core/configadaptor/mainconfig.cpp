@@ -26,7 +26,7 @@ util::xml::Element MainConfig::BuildLayout() {
 void MainConfig::AttachControls(gui::Component& component) {
   if (component.id >= 0 && core_->GetSetting(component.id)) {
     Connect(&component);
-    Send(component);
+    ShowSetting(component);
   }
   for (std::size_t i = 0; i < component.GetChildCount(); ++i) AttachControls(*component.GetChild(i));
 }
@@ -37,15 +37,15 @@ void MainConfig::AttachView(gui::Component* view) {
 }
 
 void MainConfig::UpdateViews() {
-  for (gui::Component* view : views) SendAll(*view);
+  for (gui::Component* view : views) ShowAllSettings(*view);
 }
 
-void MainConfig::SendAll(gui::Component& component) {
-  if (component.id >= 0) Send(component);
-  for (std::size_t i = 0; i < component.GetChildCount(); ++i) SendAll(*component.GetChild(i));
+void MainConfig::ShowAllSettings(gui::Component& component) {
+  if (component.id >= 0) ShowSetting(component);
+  for (std::size_t i = 0; i < component.GetChildCount(); ++i) ShowAllSettings(*component.GetChild(i));
 }
 
-void MainConfig::Send(gui::Component& control) {
+void MainConfig::ShowSetting(gui::Component& control) {
   const Setting* setting = core_->GetSetting(control.id);
   if (!setting) return;
   const std::string text = setting->WriteText();

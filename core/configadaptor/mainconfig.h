@@ -21,8 +21,9 @@ class MainConfig : public Node {
 
  private:
   void AttachControls(gui::Component& component);
-  void Send(gui::Component& control);
-  void SendAll(gui::Component& component);
+  // Writes the setting of the control's id into the control.
+  void ShowSetting(gui::Component& control);
+  void ShowAllSettings(gui::Component& component);
 
   CoreInterface* core_;
   AdaptorInterface* adaptor_;
