@@ -8,9 +8,10 @@
 namespace vuk::rgw::core {
 
 CoreImplementation::CoreImplementation() : AdaptorManager(this) {
-  // The parts are built in the order of the bases above; the recorder, the
-  // instance list, the update notice and the main window join them here in
-  // that order as they are built, and the key hook is installed last.
+  // The parts are built in the order of the bases above; the recorder and
+  // the instance list need the adaptor and are made by the start. The update
+  // notice and the main window join here as they are built, and the key hook
+  // is installed last.
   CoreSubSystem::CloseList();
 }
 
@@ -42,6 +43,8 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
     return nullptr;
   }
   devices_ = std::make_unique<DeviceManager>(adaptor->GetMainWindow());
+  instances_ = std::make_unique<InstanceManager>(adaptor, &libraries_);
+  recorder_ = std::make_unique<RecordManager>(adaptor, devices_.get(), instances_.get());
 
   std::string error;
   if (!settings_.Load(settingsPath_, &error)) log.Warning(error);
@@ -93,6 +96,86 @@ void CoreImplementation::SetBool(std::int32_t id, bool value) {
 }
 
 Setting* CoreImplementation::GetSetting(std::int32_t id) { return settings_.GetSetting(id); }
+
+void CoreImplementation::SaveToolTree(util::xml::Element& out) {
+  out = instances_ ? instances_->SaveToolTree() : util::xml::Element();
+}
+
+void CoreImplementation::SaveToolTreeForScene(util::xml::Element& out) {
+  out = instances_ ? instances_->SaveToolTreeForScene() : util::xml::Element();
+}
+
+std::int32_t CoreImplementation::LoadToolTree(const util::xml::Element& tree) {
+  return instances_ ? instances_->LoadToolTree(tree) : 0;
+}
+
+void CoreImplementation::RemoveAll() {
+  if (instances_) instances_->RemoveAll();
+}
+
+Instance* CoreImplementation::CreateByName(const std::string& toolName, const std::string& instanceName) {
+  InstanceReference* made = instances_ ? instances_->Create(toolName, instanceName) : nullptr;
+  return made ? made->instance.get() : nullptr;
+}
+
+void CoreImplementation::OnTimeChanged(double time) {
+  if (recorder_) recorder_->OnTimeChanged(time);
+}
+
+bool CoreImplementation::IsRecording() { return recorder_ && recorder_->IsRecording(); }
+
+bool CoreImplementation::IsResimulating() { return recorder_ && recorder_->IsResimulating(); }
+
+Instance* CoreImplementation::FindToolByName(const std::string& instanceName) {
+  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  return item ? item->instance.get() : nullptr;
+}
+
+bool CoreImplementation::SetToolProfile(const std::string& instanceName, const std::string& profileName) {
+  core::Instance* instance = FindToolByName(instanceName);
+  const Plugin* tool = instance ? libraries_.FindTool(instance->plugin->GetName()) : nullptr;
+  const util::xml::Element* profile = tool ? tool->configProfiles.Find(profileName) : nullptr;
+  if (!profile || !instance->configRoot) return false;
+  instance->configRoot->ReadAnyProfile(*profile);
+  instance->configProfileName = profile->GetAttribute("name");
+  return true;
+}
+
+void CoreImplementation::BeginRecording() {
+  if (recorder_) recorder_->StartRecording();
+}
+
+void CoreImplementation::StopRecording() {
+  if (recorder_) recorder_->StopRecording();
+}
+
+void CoreImplementation::StartResimulation(double from, double to) {
+  if (recorder_) recorder_->StartResimulation(from, to);
+}
+
+std::int32_t CoreImplementation::GetSpeedStep() { return recorder_ ? recorder_->GetSpeedStep() : 0; }
+
+void CoreImplementation::SetSpeedStep(std::int32_t step) {
+  if (recorder_) recorder_->SetSpeedStep(step);
+}
+
+bool CoreImplementation::Delete(const std::string& instanceName) {
+  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  if (!item) return false;
+  instances_->Delete(item, false);
+  return true;
+}
+
+bool CoreImplementation::Rename(const std::string& instanceName, const std::string& newName) {
+  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  return item && instances_->Rename(item, newName);
+}
+
+Instance* CoreImplementation::Clone(const std::string& instanceName) {
+  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  InstanceReference* made = item ? instances_->Clone(item) : nullptr;
+  return made ? made->instance.get() : nullptr;
+}
 
 CoreInterface* StartCore(AdaptorInterface* adaptor) { return CoreImplementation::Instance().Start(adaptor); }
 

@@ -9,8 +9,10 @@
 #include "core/adaptormanager.h"
 #include "core/coreinterface.h"
 #include "core/devicemanager.h"
+#include "core/instancemanager.h"
 #include "core/librarymanager.h"
 #include "core/mainconfigsettings.h"
+#include "core/recordmanager.h"
 #include "util/singleton.h"
 
 namespace vuk::rgw::core {
@@ -26,6 +28,25 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   CoreInterface* Start(AdaptorInterface* adaptor);
   bool IsStarted() const { return started_; }
 
+  void SaveToolTree(util::xml::Element& out) override;
+  void SaveToolTreeForScene(util::xml::Element& out) override;
+  std::int32_t LoadToolTree(const util::xml::Element& tree) override;
+  void RemoveAll() override;
+  core::Instance* CreateByName(const std::string& toolName, const std::string& instanceName) override;
+  void OnTimeChanged(double time) override;
+  bool IsRecording() override;
+  bool IsResimulating() override;
+  core::Instance* FindToolByName(const std::string& instanceName) override;
+  bool SetToolProfile(const std::string& instanceName, const std::string& profileName) override;
+  void BeginRecording() override;
+  void StopRecording() override;
+  void StartResimulation(double from, double to) override;
+  std::int32_t GetSpeedStep() override;
+  void SetSpeedStep(std::int32_t step) override;
+  bool Delete(const std::string& instanceName) override;
+  bool Rename(const std::string& instanceName, const std::string& newName) override;
+  core::Instance* Clone(const std::string& instanceName) override;
+
   void SetDouble(std::int32_t id, double value) override;
   void SetString(std::int32_t id, const std::string& value) override;
   void SetInt(std::int32_t id, std::int32_t value) override;
@@ -37,6 +58,8 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   const LibraryManager& GetLibraries() const { return libraries_; }
   // Null before the start and when the start was refused.
   DeviceManager* GetDevices() { return devices_.get(); }
+  RecordManager* GetRecorder() { return recorder_.get(); }
+  InstanceManager* GetInstances() { return instances_.get(); }
   // The user's "settings.xml" of the adaptor in use; empty before the start.
   const std::string& GetSettingsPath() const { return settingsPath_; }
 
@@ -47,6 +70,9 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   MainConfigSettings settings_;
   LibraryManager libraries_;
   std::unique_ptr<DeviceManager> devices_;
+  // Made at the start, the recorder first; the tools go before it at the end.
+  std::unique_ptr<RecordManager> recorder_;
+  std::unique_ptr<InstanceManager> instances_;
   std::string settingsPath_;
   bool started_ = false;
 };

@@ -105,6 +105,34 @@ InstanceReference* InstanceManager::Clone(InstanceReference* item) {
   return made;
 }
 
+bool InstanceManager::Rename(InstanceReference* item, const std::string& newName) {
+  if (!item || !item->instance || newName.empty()) return false;
+  const std::string oldName = item->GetLabel();
+  if (newName == oldName) return true;
+  if (Find(newName)) return false;
+  adaptor_->BeginUndo("Rename tool");
+  auto* record = new InstanceReferenceRename(item->instance.get(), oldName, newName);
+  record->Redo();
+  adaptor_->PutUndo(record);
+  adaptor_->EndUndo();
+  return true;
+}
+
+void InstanceManager::RemoveAll() {
+  while (root_.GetChildCount() > 0) root_.RemoveChild(root_.GetChild(root_.GetChildCount() - 1));
+}
+
+util::xml::Element InstanceManager::SaveToolTreeForScene() const {
+  util::xml::Tag tree("RGT");
+  for (std::size_t i = 0; i < root_.GetChildCount(); ++i) {
+    const auto* item = static_cast<const InstanceReference*>(root_.GetChild(i));
+    NodeVector nodes;
+    adaptor_->GetInstanceNodes(static_cast<CInterface*>(item->instance.get()), nodes);
+    if (nodes.nodes.empty()) tree.AddChild(item->Serialize(InstanceReference::kForScene));
+  }
+  return std::move(tree);
+}
+
 InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& element, InstanceReference* parent) {
   Plugin* plugin = library_->FindTool(element.GetChild("type").GetText());
   if (!plugin) return nullptr;

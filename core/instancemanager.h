@@ -40,6 +40,15 @@ class InstanceManager : public InstanceList {
   void Delete(InstanceReference* item, bool unplugOnly);
   // A copy of the tool with new nodes that take over the source's poses.
   InstanceReference* Clone(InstanceReference* item);
+  // Gives the tool a new name, undoable; false for an empty name or one that
+  // another tool has.
+  bool Rename(InstanceReference* item, const std::string& newName);
+  // Every tool out of the tree, last first, without undo; the scene's nodes
+  // are left as they are (a new scene has dropped them already).
+  void RemoveAll();
+  // "RGT" with one element per top-level tool that has no nodes of its own:
+  // those the scene's node tags can't carry.
+  util::xml::Element SaveToolTreeForScene() const;
 
  private:
   InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);

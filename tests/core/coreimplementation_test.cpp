@@ -101,6 +101,77 @@ TEST_F(CoreStart, ScansTheUsersPluginFolderForTools) {
             std::string::npos);
 }
 
+// What adaptors ask of the core for the tool tree, by instance name.
+TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
+  CountingAdaptor host;
+  CoreImplementation core;
+  util::xml::Element tree;
+  core.SaveToolTree(tree);
+  EXPECT_TRUE(tree.IsEmpty());  // nothing before the start
+  EXPECT_EQ(core.CreateByName("LookAtCam", ""), nullptr);
+  ASSERT_NE(core.Start(&host), nullptr);
+
+  Instance* made = core.CreateByName("LookAtCam", "");
+  ASSERT_NE(made, nullptr);
+  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), made);
+  EXPECT_EQ(core.CreateByName("NoSuchTool", ""), nullptr);
+
+  EXPECT_TRUE(core.Rename("LookAtCam_01", "Main camera"));
+  EXPECT_EQ(core.FindToolByName("Main camera"), made);
+  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), nullptr);
+  ASSERT_TRUE(host.Undo());
+  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), made);
+  ASSERT_TRUE(host.Redo());
+  EXPECT_EQ(core.FindToolByName("Main camera"), made);
+  ASSERT_NE(core.CreateByName("LookAtCam", "Second"), nullptr);
+  EXPECT_FALSE(core.Rename("Second", "Main camera"));  // taken
+  EXPECT_FALSE(core.Rename("Second", ""));
+  EXPECT_FALSE(core.Rename("Nobody", "Third"));
+
+  Instance* copy = core.Clone("Main camera");
+  ASSERT_NE(copy, nullptr);
+  EXPECT_NE(copy, made);
+  core.SaveToolTree(tree);
+  EXPECT_EQ(tree.CountChildren("RGT_Plugin"), 3u);
+  // Every tool has nodes: the scene's tags carry them all.
+  util::xml::Element forScene;
+  core.SaveToolTreeForScene(forScene);
+  EXPECT_EQ(forScene.CountChildren("RGT_Plugin"), 0u);
+
+  EXPECT_TRUE(core.SetToolProfile("Main camera", "Factory Settings"));
+  EXPECT_EQ(made->configProfileName, "Factory Settings");
+  EXPECT_FALSE(core.SetToolProfile("Main camera", "No such profile"));
+
+  EXPECT_TRUE(core.Delete("Second"));
+  EXPECT_FALSE(core.Delete("Second"));
+  EXPECT_EQ(core.FindToolByName("Second"), nullptr);
+  ASSERT_TRUE(host.Undo());
+  EXPECT_NE(core.FindToolByName("Second"), nullptr);
+
+  core.RemoveAll();
+  EXPECT_EQ(core.FindToolByName("Main camera"), nullptr);
+  core.SaveToolTree(tree);
+  EXPECT_EQ(tree.CountChildren("RGT_Plugin"), 0u);
+}
+
+// The core's recorder runs a resimulation of the tools it holds.
+TEST_F(CoreStart, ResimulatesItsTools) {
+  CountingAdaptor host;
+  CoreImplementation core;
+  ASSERT_NE(core.Start(&host), nullptr);
+  ASSERT_NE(core.CreateByName("1DPositioner", ""), nullptr);
+  EXPECT_FALSE(core.IsResimulating());
+  core.StartResimulation(0.0, 1.0);
+  EXPECT_TRUE(core.IsResimulating());
+  EXPECT_TRUE(core.IsRecording());
+  while (!core.GetRecorder()->ResimStep()) {
+  }
+  core.GetRecorder()->FinishResimulation();
+  EXPECT_FALSE(core.IsResimulating());
+  core.SetSpeedStep(2);
+  EXPECT_EQ(core.GetSpeedStep(), 2);
+}
+
 TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
   CountingAdaptor adaptor;
   adaptor.version = 20100;
@@ -109,6 +180,8 @@ TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
     EXPECT_EQ(core.Start(&adaptor), nullptr);
     EXPECT_FALSE(core.IsStarted());
     EXPECT_EQ(core.GetDevices(), nullptr);
+    EXPECT_EQ(core.GetRecorder(), nullptr);
+    EXPECT_EQ(core.CreateByName("LookAtCam", ""), nullptr);
     EXPECT_EQ(core.GetSettings().GetInt(100), 3);
   }
   const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
