@@ -126,8 +126,12 @@ bool CoreImplementation::IsRecording() { return recorder_ && recorder_->IsRecord
 
 bool CoreImplementation::IsResimulating() { return recorder_ && recorder_->IsResimulating(); }
 
+InstanceReference* CoreImplementation::FindItem(const std::string& instanceName) {
+  return instances_ ? instances_->Find(instanceName) : nullptr;
+}
+
 Instance* CoreImplementation::FindToolByName(const std::string& instanceName) {
-  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  InstanceReference* item = FindItem(instanceName);
   return item ? item->instance.get() : nullptr;
 }
 
@@ -160,19 +164,19 @@ void CoreImplementation::SetSpeedStep(std::int32_t step) {
 }
 
 bool CoreImplementation::Delete(const std::string& instanceName) {
-  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  InstanceReference* item = FindItem(instanceName);
   if (!item) return false;
   instances_->Delete(item, false);
   return true;
 }
 
 bool CoreImplementation::Rename(const std::string& instanceName, const std::string& newName) {
-  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  InstanceReference* item = FindItem(instanceName);
   return item && instances_->Rename(item, newName);
 }
 
 Instance* CoreImplementation::Clone(const std::string& instanceName) {
-  InstanceReference* item = instances_ ? instances_->Find(instanceName) : nullptr;
+  InstanceReference* item = FindItem(instanceName);
   InstanceReference* made = item ? instances_->Clone(item) : nullptr;
   return made ? made->instance.get() : nullptr;
 }

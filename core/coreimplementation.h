@@ -65,6 +65,8 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
 
  private:
   void PrepareAdaptorFolder(AdaptorInterface* adaptor);
+  // The tree item of that instance name; null before the start or when none has it.
+  InstanceReference* FindItem(const std::string& instanceName);
   void SaveSettings();
 
   MainConfigSettings settings_;

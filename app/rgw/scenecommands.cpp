@@ -153,7 +153,10 @@ int SceneCommand(const Arguments& args) {
       if (!channel->config.IsEmpty()) {
         std::printf(" bound to \"%s\"", channel->config.GetChild("description").GetText().c_str());
       }
-      if (hasTake) std::printf("%s take of %zu samples, %.3f s to %.3f s", channel->config.IsEmpty() ? "" : ",", take->size(), take->front().time, take->back().time);
+      if (hasTake) {
+        std::printf("%s take of %zu samples, %.3f s to %.3f s", channel->config.IsEmpty() ? "" : ",", take->size(),
+                    take->front().time, take->back().time);
+      }
       std::printf("\n");
     }
   }

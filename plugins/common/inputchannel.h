@@ -13,15 +13,14 @@ struct InputChannel {
   InputChannel(std::string channelName, double response, double max)
       : name(std::move(channelName)), responseFactor(response), maximum(max) {}
 
-  // Makes the channel's control: kind 14 (continuous), or 15 with the flag.
-  void Create(CInterface* iface) { control = iface->AddInput(name, switchable ? 15 : input::kContinuous); }
+  // Makes the channel's control, fed by axes, hats and gauges.
+  void Create(CInterface* iface) { control = iface->AddInput(name, input::kContinuous); }
   // Takes the control's value when a source feeds it; otherwise the last
   // value stays.
   void Read() {
     if (control && control->source) raw = control->Evaluate();
   }
 
-  bool switchable = false;
   std::string name;
   double raw = 0;
   double output = 0;

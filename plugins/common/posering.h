@@ -23,7 +23,9 @@ class PoseRing {
   void Advance() { current_ = (current_ + 1) % records_.size(); }
   // Every record set to the pose: a start with no motion before it.
   void Fill(const PoseRecord& pose) { records_.fill(pose); }
-  util::Matrix<double> CurrentMatrix() const { return util::Matrix<double>::FromPose({Current().position, Current().rotation}); }
+  util::Matrix<double> CurrentMatrix() const {
+    return util::Matrix<double>::FromPose({Current().position, Current().rotation});
+  }
 
  private:
   std::array<PoseRecord, 3> records_{};
