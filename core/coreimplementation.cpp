@@ -19,7 +19,7 @@ CoreImplementation::~CoreImplementation() {
   if (started_) CoreLog::Instance().Info("core stopped");
 }
 
-CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
+CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor, const ToolTable& builtInTools) {
   if (started_ || !adaptor) return nullptr;
 
   std::error_code ignored;
@@ -30,7 +30,8 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
   }
   // Next in the start, as those parts are built: the log list of the main
   // window and the built-in core plugins.
-  const int loaded = libraries_.ScanPluginFolders();
+  libraries_ = std::make_unique<LibraryManager>(builtInTools);
+  const int loaded = libraries_->ScanPluginFolders();
   if (loaded > 0) log.Info(std::to_string(loaded) + " tools loaded from tool libraries");
 
   PrepareAdaptorFolder(adaptor);
@@ -43,7 +44,7 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor) {
     return nullptr;
   }
   devices_ = std::make_unique<DeviceManager>(adaptor->GetMainWindow());
-  instances_ = std::make_unique<InstanceManager>(adaptor, &libraries_);
+  instances_ = std::make_unique<InstanceManager>(adaptor, libraries_.get());
   recorder_ = std::make_unique<RecordManager>(adaptor, devices_.get(), instances_.get());
 
   std::string error;
@@ -137,7 +138,7 @@ Instance* CoreImplementation::FindToolByName(const std::string& instanceName) {
 
 bool CoreImplementation::SetToolProfile(const std::string& instanceName, const std::string& profileName) {
   core::Instance* instance = FindToolByName(instanceName);
-  const Plugin* tool = instance ? libraries_.FindTool(instance->plugin->GetName()) : nullptr;
+  const Plugin* tool = instance ? libraries_->FindTool(instance->plugin->GetName()) : nullptr;
   const util::xml::Element* profile = tool ? tool->configProfiles.Find(profileName) : nullptr;
   if (!profile || !instance->configRoot) return false;
   instance->configRoot->ReadAnyProfile(*profile);
@@ -181,6 +182,8 @@ Instance* CoreImplementation::Clone(const std::string& instanceName) {
   return made ? made->instance.get() : nullptr;
 }
 
-CoreInterface* StartCore(AdaptorInterface* adaptor) { return CoreImplementation::Instance().Start(adaptor); }
+CoreInterface* StartCore(AdaptorInterface* adaptor, const ToolTable& builtInTools) {
+  return CoreImplementation::Instance().Start(adaptor, builtInTools);
+}
 
 }  // namespace vuk::rgw::core

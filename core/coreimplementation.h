@@ -22,10 +22,10 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   CoreImplementation();
   ~CoreImplementation() override;
 
-  // The start with the host's adaptor. Null when the adaptor speaks another
-  // interface version, or when the core was started already; the system then
-  // stays inert.
-  CoreInterface* Start(AdaptorInterface* adaptor);
+  // The start with the host's adaptor and the program's compiled-in tools.
+  // Null when the adaptor speaks another interface version, or when the core
+  // was started already; the system then stays inert.
+  CoreInterface* Start(AdaptorInterface* adaptor, const ToolTable& builtInTools);
   bool IsStarted() const { return started_; }
 
   void SaveToolTree(util::xml::Element& out) override;
@@ -54,8 +54,8 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   Setting* GetSetting(std::int32_t id) override;
 
   MainConfigSettings& GetSettings() { return settings_; }
-  // Every tool the start found: compiled in and from tool libraries.
-  const LibraryManager& GetLibraries() const { return libraries_; }
+  // Every tool the start found: compiled in and from tool libraries. Null before the start.
+  const LibraryManager* GetLibraries() const { return libraries_.get(); }
   // Null before the start and when the start was refused.
   DeviceManager* GetDevices() { return devices_.get(); }
   RecordManager* GetRecorder() { return recorder_.get(); }
@@ -70,7 +70,7 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   void SaveSettings();
 
   MainConfigSettings settings_;
-  LibraryManager libraries_;
+  std::unique_ptr<LibraryManager> libraries_;
   std::unique_ptr<DeviceManager> devices_;
   // Made at the start, the recorder first; the tools go before it at the end.
   std::unique_ptr<RecordManager> recorder_;
@@ -80,6 +80,6 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
 };
 
 // The start for the process-wide core.
-CoreInterface* StartCore(AdaptorInterface* adaptor);
+CoreInterface* StartCore(AdaptorInterface* adaptor, const ToolTable& builtInTools);
 
 }  // namespace vuk::rgw::core

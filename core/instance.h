@@ -153,6 +153,15 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   InstanceReference* reference = nullptr;
   AdaptorInterface* GetAdaptor() const { return adaptor_; }
 
+  const std::string& InstanceName() const { return util::MessageNode::GetName(); }
+  CCamera* GetTool() const { return tool; }
+  CCameraPlugin* GetToolPlugin() const { return plugin; }
+  unidevice::PropertyHandler& Inputs() { return inputs; }
+  const unidevice::PropertyHandler& Inputs() const { return inputs; }
+  // The configuration page; null until the tool built it.
+  configadaptor::element::Root* GetPage() const { return configRoot.get(); }
+  const std::vector<util::AVar_Linear<double>>& RecordedTracks() const { return recordedTracks; }
+
  private:
   // Snapshots out with the tool, and the node each goes back to.
   template <typename Snapshot>

@@ -31,6 +31,9 @@ class LibraryManager {
   static constexpr const char* kVersionExport = "getVersion";
   static constexpr const char* kPluginExport = "getPlugin";
 
+  // The compiled-in tools come from the table the program links.
+  explicit LibraryManager(const ToolTable& builtInTools) : core_(builtInTools) {}
+
   const CoreLibrary& Core() const { return core_; }
   // Loads every ".so" of the folder; answers how many tools came in.
   int LoadFolder(const std::string& folder);

@@ -8,6 +8,7 @@
 #include "core/librarymanager.h"
 #include "core/instancemanager.h"
 #include "core/messagebox.h"
+#include "plugins/tools.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vuk::rgw;
@@ -15,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (tree.ParseText(std::string(reinterpret_cast<const char*>(data), size)) != vuk::util::xml::kParsed) return 0;
   core::SetSilentMode(true);
   adaptor::standalone::StandaloneAdaptorInterface host;
-  static const core::LibraryManager library;
+  static const core::LibraryManager library(addon::BuiltInTools());
   core::InstanceManager tools(&host, &library);
   tools.LoadToolTree(tree);
   tools.SaveToolTree();

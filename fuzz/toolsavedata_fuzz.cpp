@@ -6,12 +6,13 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
 #include "core/messagebox.h"
+#include "plugins/tools.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vuk::rgw;
   if (size > (1 << 20)) return 0;
   core::SetSilentMode(true);
-  static const core::CoreLibrary library;
+  static const core::CoreLibrary library(addon::BuiltInTools());
   for (const auto& tool : library.Tools()) {
     adaptor::standalone::StandaloneAdaptorInterface host;
     auto instance = tool->CreateInstance("", &host);

@@ -2,6 +2,8 @@
 // A tool's class object: says what the tool is and makes its objects. One
 // object of each concrete plugin class exists.
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -42,5 +44,11 @@ class CCameraPlugin : public CExtendable {
     return CreateObject(param);
   }
 };
+
+// The tools compiled into the program: 41 plain factory functions in the
+// system's fixed order; entries not written yet are null.
+using PluginFactory = CCameraPlugin* (*)();
+constexpr std::size_t kToolTableSize = 41;
+using ToolTable = std::array<PluginFactory, kToolTableSize>;
 
 }  // namespace vuk::rgw

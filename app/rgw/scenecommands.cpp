@@ -96,7 +96,7 @@ int OpenTool(const Arguments& args, const char* usage, std::initializer_list<con
 
 int ToolsCommand(const Arguments& args) {
   if (WantsHelp(args)) return Usage("usage: rgw tools\n  Lists the tools that can be made, with their title and category.\n");
-  rgw::core::LibraryManager library;
+  rgw::core::LibraryManager library(rgw::addon::BuiltInTools());
   library.ScanPluginFolders();
   for (const rgw::core::Plugin* tool : library.AllTools()) {
     std::printf("%-20s %-24s %s\n", tool->ToolName().c_str(), tool->plugin->GetTitle().c_str(),

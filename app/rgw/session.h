@@ -9,6 +9,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/instancemanager.h"
 #include "core/librarymanager.h"
+#include "plugins/tools.h"
 
 namespace vuk::app {
 
@@ -29,7 +30,7 @@ class Session {
 
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
   // The compiled-in tools and those of the plugin folders.
-  rgw::core::LibraryManager library;
+  rgw::core::LibraryManager library{rgw::addon::BuiltInTools()};
   rgw::core::InstanceManager tools{&host, &library};
 
  private:

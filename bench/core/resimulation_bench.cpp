@@ -9,6 +9,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
 #include "core/recordmanager.h"
+#include "plugins/tools.h"
 
 namespace {
 
@@ -26,7 +27,7 @@ struct Rig : core::InstanceList {
   std::vector<core::Instance*> CheckedInstances() override { return AllInstances(); }
 
   adaptor::standalone::StandaloneAdaptorInterface host;
-  core::CoreLibrary library;
+  core::CoreLibrary library{addon::BuiltInTools()};
   std::vector<std::unique_ptr<core::Instance>> instances;
 };
 

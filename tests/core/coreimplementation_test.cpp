@@ -7,6 +7,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelog.h"
+#include "plugins/tools.h"
 #include "tests/core/scopedenv.h"
 
 namespace vuk::rgw::core {
@@ -62,7 +63,7 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
   CountingAdaptor adaptor;
   {
     CoreImplementation core;
-    ASSERT_EQ(core.Start(&adaptor), &core);
+    ASSERT_EQ(core.Start(&adaptor, addon::BuiltInTools()), &core);
     EXPECT_TRUE(core.IsStarted());
     EXPECT_EQ(core.GetAdaptor(), &adaptor);
     EXPECT_NE(core.GetDevices(), nullptr);
@@ -76,7 +77,7 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
     core.SetBool(102, true);
     EXPECT_NE(ReadFile(settings).find("<element id=\"102\">1</element>"), std::string::npos);
     // A second start is refused.
-    EXPECT_EQ(core.Start(&adaptor), nullptr);
+    EXPECT_EQ(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
     EXPECT_EQ(adaptor.shutdowns, 0);
   }
   EXPECT_EQ(adaptor.shutdowns, 1);
@@ -93,10 +94,10 @@ TEST_F(CoreStart, ScansTheUsersPluginFolderForTools) {
   }
   CountingAdaptor adaptor;
   CoreImplementation core;
-  ASSERT_NE(core.Start(&adaptor), nullptr);
-  EXPECT_NE(core.GetLibraries().FindTool("ExternalCam"), nullptr);
-  EXPECT_NE(core.GetLibraries().FindTool("LookAtCam"), nullptr);
-  EXPECT_EQ(core.GetLibraries().Libraries().size(), 1u);
+  ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
+  EXPECT_NE(core.GetLibraries()->FindTool("ExternalCam"), nullptr);
+  EXPECT_NE(core.GetLibraries()->FindTool("LookAtCam"), nullptr);
+  EXPECT_EQ(core.GetLibraries()->Libraries().size(), 1u);
   EXPECT_NE(ReadFile(folder + "/user/rigworks/data/core/core.log").find("INFO 1 tools loaded from tool libraries"),
             std::string::npos);
 }
@@ -109,7 +110,7 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   core.SaveToolTree(tree);
   EXPECT_TRUE(tree.IsEmpty());  // nothing before the start
   EXPECT_EQ(core.CreateByName("LookAtCam", ""), nullptr);
-  ASSERT_NE(core.Start(&host), nullptr);
+  ASSERT_NE(core.Start(&host, addon::BuiltInTools()), nullptr);
 
   Instance* made = core.CreateByName("LookAtCam", "");
   ASSERT_NE(made, nullptr);
@@ -158,7 +159,7 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
 TEST_F(CoreStart, ResimulatesItsTools) {
   CountingAdaptor host;
   CoreImplementation core;
-  ASSERT_NE(core.Start(&host), nullptr);
+  ASSERT_NE(core.Start(&host, addon::BuiltInTools()), nullptr);
   ASSERT_NE(core.CreateByName("1DPositioner", ""), nullptr);
   EXPECT_FALSE(core.IsResimulating());
   core.StartResimulation(0.0, 1.0);
@@ -177,7 +178,7 @@ TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
   adaptor.version = 20100;
   {
     CoreImplementation core;
-    EXPECT_EQ(core.Start(&adaptor), nullptr);
+    EXPECT_EQ(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
     EXPECT_FALSE(core.IsStarted());
     EXPECT_EQ(core.GetDevices(), nullptr);
     EXPECT_EQ(core.GetRecorder(), nullptr);
@@ -192,7 +193,7 @@ TEST_F(CoreStart, AUserFileIsNotOverwrittenByTheDefaults) {
   WriteUserSettings("<RGTConfig><element id=\"100\">8</element></RGTConfig>");
   CountingAdaptor adaptor;
   CoreImplementation core;
-  ASSERT_NE(core.Start(&adaptor), nullptr);
+  ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
   EXPECT_EQ(core.GetSettings().GetInt(100), 8);
 }
 
@@ -201,7 +202,7 @@ TEST_F(CoreStart, ABrokenSettingsFileIsLoggedAndTheDefaultsHold) {
   CountingAdaptor adaptor;
   {
     CoreImplementation core;
-    ASSERT_NE(core.Start(&adaptor), nullptr);
+    ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
     EXPECT_EQ(core.GetSettings().GetInt(100), 3);
   }
   const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");

@@ -6,6 +6,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
 #include "core/messagebox.h"
+#include "plugins/tools.h"
 #include "plugins/lookatcam/lookatcamobject.h"
 
 namespace vuk::rgw::core {
@@ -43,7 +44,7 @@ void LoadScene(StandaloneAdaptorInterface& host, InstanceManager& tools, const s
 class ToolsInScenes : public testing::Test {
  protected:
   void TearDown() override { SetMessageBoxSink(nullptr); }
-  LibraryManager library;
+  LibraryManager library{addon::BuiltInTools()};
 };
 
 TEST_F(ToolsInScenes, TwoToolsOneBelowTheOtherComeBackWithSettingsAndKeys) {

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "plugins/tools.h"
+
 namespace vuk::rgw::core {
 namespace {
 
 TEST(LibraryManager, LoadsToolLibrariesAndSkipsTheRest) {
-  LibraryManager manager;
+  LibraryManager manager(addon::BuiltInTools());
   // The folder holds a tool library, one without exports and one of another version.
   EXPECT_EQ(manager.LoadFolder(RGW_TOOL_LIBRARIES), 1);
   ASSERT_EQ(manager.Libraries().size(), 1u);

@@ -8,6 +8,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
 #include "plugins/lookatcam/lookatcamobject.h"
+#include "plugins/tools.h"
 #include "tests/core/scopedenv.h"
 
 namespace vuk::rgw::core {
@@ -25,7 +26,7 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
       << "<configprofile version=\"2.0\" name=\"Start Profile\"><group id=\"-1\" label=\"General Modes\">"
          "<item id=\"3\" label=\"Hide Camera\">1</item></group></configprofile>";
 
-  CoreLibrary library;
+  CoreLibrary library(addon::BuiltInTools());
   Plugin* plugin = library.FindTool("LookAtCam");
   ASSERT_NE(plugin, nullptr);
   EXPECT_EQ(plugin->GetUserFolder(), home + "/rigworks/data/utility/lookatcam");
@@ -42,7 +43,7 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
 }
 
 TEST(Plugin, AliasesAndCategories) {
-  CoreLibrary library;
+  CoreLibrary library(addon::BuiltInTools());
   Plugin* plugin = library.FindTool("LookAtCam");
   EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"LookAtCam"});
   EXPECT_EQ(plugin->GetCategories(), std::vector<std::string>{"Camera"});

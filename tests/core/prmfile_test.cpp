@@ -6,6 +6,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/instancemanager.h"
+#include "plugins/tools.h"
 #include "util/datachunk.h"
 
 namespace vuk::rgw::core {
@@ -13,7 +14,7 @@ namespace {
 
 TEST(PrmFile, AToolTreeTravelsThroughAPrmFile) {
   const std::string path = testing::TempDir() + "/rig.prm";
-  LibraryManager library;
+  LibraryManager library{addon::BuiltInTools()};
   adaptor::standalone::StandaloneAdaptorInterface source;
   InstanceManager tools(&source, &library);
   InstanceReference* parent = tools.Create("LookAtCam");

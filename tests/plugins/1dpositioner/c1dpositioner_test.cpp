@@ -10,6 +10,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
 #include "core/corelibrary.h"
+#include "plugins/tools.h"
 #include "tests/plugins/keyhash.h"
 
 namespace vuk::rgw::addon {
@@ -62,7 +63,7 @@ class Positioner : public testing::Test {
   }
 
   StandaloneAdaptorInterface host;
-  core::CoreLibrary library;
+  core::CoreLibrary library{addon::BuiltInTools()};
   std::unique_ptr<Instance> instance;
   C1DPositionerObject* tool = nullptr;
 };
@@ -228,7 +229,7 @@ TEST_F(Positioner, HideHelpersUndoesThroughTheHost) {
 std::vector<TransformKey> RecordTake() {
   StandaloneAdaptorInterface host;
   host.GetScene().animate = true;
-  core::CoreLibrary library;
+  core::CoreLibrary library{addon::BuiltInTools()};
   auto instance = library.FindTool("1DPositioner")->CreateInstance("", &host);
   auto* tool = static_cast<C1DPositionerObject*>(instance->tool);
   tool->channel.changeLimit = 4;

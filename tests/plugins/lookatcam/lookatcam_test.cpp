@@ -8,6 +8,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
 #include "core/corelibrary.h"
+#include "plugins/tools.h"
 #include "plugins/lookatcam/lookatcamplugin.h"
 #include "tests/plugins/keyhash.h"
 
@@ -50,7 +51,7 @@ class LookAtCam : public testing::Test {
   StandaloneNode* Host(CNode* node) { return static_cast<StandaloneNode*>(node); }
 
   StandaloneAdaptorInterface host;
-  core::CoreLibrary library;
+  core::CoreLibrary library{addon::BuiltInTools()};
   std::unique_ptr<Instance> instance;
   CLookAtCamObject* tool = nullptr;
 };
@@ -103,7 +104,7 @@ TEST_F(LookAtCam, TheCameraLooksAtAMovingTargetEveryFrame) {
 // The same take on two fresh scenes gives the same camera keys, bit for bit.
 std::vector<adaptor::standalone::TransformKey> RecordTake() {
   StandaloneAdaptorInterface host;
-  core::CoreLibrary library;
+  core::CoreLibrary library{addon::BuiltInTools()};
   auto instance = library.FindTool("LookAtCam")->CreateInstance("", &host);
   auto* tool = static_cast<CLookAtCamObject*>(instance->tool);
   host.GetScene().animate = true;
