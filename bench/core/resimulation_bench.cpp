@@ -9,6 +9,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
 #include "core/recordmanager.h"
+#include "core/resimulator.h"
 
 namespace {
 
@@ -35,13 +36,12 @@ void BM_Resimulate100Tools(benchmark::State& state, const char* toolName) {
   for (auto _ : state) {
     state.PauseTiming();
     Rig rig(kTools, toolName);
-    core::RecordManager recorder(&rig.host, nullptr, &rig);
+    core::Resimulator resimulator(&rig.host);
     const double frame = rig.host.GetFrameDuration();
     state.ResumeTiming();
-    recorder.StartResimulation(0.0, kFrames * frame);
-    while (!recorder.ResimStep()) {
-    }
-    recorder.FinishResimulation();
+    resimulator.Start(rig.CheckedInstances(), 0.0, kFrames * frame, core::TimeBase(rig.host.GetFrameRate()));
+    resimulator.RunToEnd();
+    resimulator.Finish();
   }
   const double toolFrames = static_cast<double>(state.iterations()) * kTools * kFrames;
   state.counters["tool_frames_per_s"] = benchmark::Counter(toolFrames, benchmark::Counter::kIsRate);
