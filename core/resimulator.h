@@ -37,7 +37,6 @@ class Resimulator {
   double From() const { return from_; }
   double To() const { return to_; }
   double NextFrameTime() const { return base_.TimeAfter(from_, next_); }
-  bool FramesLeft() const;
   // Share of the range done, 0 to 1.
   float Progress() const;
 
@@ -45,6 +44,7 @@ class Resimulator {
   std::function<std::int64_t()> clock;
 
  private:
+  bool FramesLeft() const;
   void StepNextFrame();
 
   AdaptorInterface* adaptor_;
