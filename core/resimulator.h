@@ -37,7 +37,7 @@ class Resimulator {
   double From() const { return from_; }
   double To() const { return to_; }
   double NextFrameTime() const { return base_.TimeAfter(from_, next_); }
-  // Share of the range done, 0 to 1.
+  // Share of the range up to the next frame, 0 to 1; 1 once all frames are done.
   float Progress() const;
 
   // The wall clock in milliseconds; tests put their own here.
