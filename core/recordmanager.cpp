@@ -9,8 +9,6 @@ namespace vuk::rgw::core {
 
 namespace {
 
-constexpr std::int64_t kSliceMs = 500;
-constexpr double kEndTolerance = 1e-05;
 constexpr int kMostFramesPerTick = 3;
 
 // The host's scale is a whole positive number.
@@ -19,20 +17,16 @@ std::int32_t HostScale(double timeScale) { return std::max<std::int32_t>(1, stat
 }  // namespace
 
 RecordManager::RecordManager(AdaptorInterface* adaptor, DeviceManager* devices, InstanceList* instances)
-    : adaptor_(adaptor), devices_(devices), instances_(instances) {
+    : adaptor_(adaptor), devices_(devices), instances_(instances), resimulator_(adaptor) {
   clock = [this] { return Elapsed(); };
+  resimulator_.clock = [this] { return clock(); };
   processEvents = [] {
     if (QCoreApplication::instance()) QCoreApplication::processEvents();
   };
 }
 
-double RecordManager::FrameDuration() const {
-  return useFixedFrameDuration ? fixedFrameDuration : adaptor_->GetFrameDuration();
-}
-
-std::int64_t RecordManager::FrameOf(double seconds) const {
-  // A negative time between frames belongs to the frame before it.
-  return static_cast<std::int64_t>(std::floor(seconds / FrameDuration()));
+TimeBase RecordManager::Base() const {
+  return TimeBase(useFixedFrameDuration ? 1.0 / fixedFrameDuration : adaptor_->GetFrameRate());
 }
 
 std::int32_t RecordManager::GetSpeedStep() const {
@@ -44,15 +38,9 @@ void RecordManager::SetSpeedStep(std::int32_t step) {
   if (recording && !resimulating) adaptor_->SetTimeScale(HostScale(timeScale));
 }
 
-void RecordManager::StartInstancesOfTheTree() {
-  // Every instance has been part of this recording; the checked ones take part.
+std::vector<Instance*> RecordManager::MarkInstancesOfTheTree() {
   for (Instance* instance : instances_->AllInstances()) instance->inRecording = true;
-  std::vector<Instance*> checked = instances_->CheckedInstances();
-  std::vector<InstanceHandle> handles;
-  for (Instance* instance : checked) handles.push_back(static_cast<CInterface*>(instance));
-  adaptor_->BeginRecordingInstances(handles);
-  BeginInstances(std::move(checked));
-  firstTick = true;
+  return instances_->CheckedInstances();
 }
 
 void RecordManager::StartRecording() {
@@ -62,22 +50,24 @@ void RecordManager::StartRecording() {
   startTime = adaptor_->GetTime();
   endTime = adaptor_->GetAnimationRange().second;
   time = startTime;
-  frameIndex = FrameOf(time);
-  StartInstancesOfTheTree();
+  frameIndex = Base().FrameAt(time);
+  std::vector<Instance*> checked = MarkInstancesOfTheTree();
+  adaptor_->BeginRecordingInstances(HandlesOf(checked));
+  BeginInstances(std::move(checked));
+  firstTick = true;
   time = startTime - countdownSeconds;
   adaptor_->SetTimeScale(HostScale(timeScale));
   countdownShown = countdownSeconds != 0;
   countdownShownSeconds = countdownSeconds;
   countdownFraction = 0;
-  StartTimer(kRecordTick, FrameDuration());
+  StartTimer(kRecordTick, Base().FrameDuration());
 }
 
 void RecordManager::BeginInstances(std::vector<Instance*> list) {
   recordInstances = std::move(list);
   if (devices_) devices_->Acquire();
-  const Instance::Run run = resimulating ? Instance::Run::kResimulating : Instance::Run::kRecording;
-  const double from = resimulating ? startTime : adaptor_->GetTime();
-  for (Instance* instance : recordInstances) instance->Start(from, run);
+  const double from = adaptor_->GetTime();
+  for (Instance* instance : recordInstances) instance->Start(from, Instance::Run::kRecording);
 }
 
 void RecordManager::StepInstances(double frameTime) {
@@ -102,11 +92,11 @@ void RecordManager::Tick(std::int64_t nowMs) {
   StopTimer(kRecordTick);
   time += static_cast<double>(nowMs - lastTickMs) * 0.001 / timeScale;
   lastTickMs = nowMs;
-  const std::int64_t target = FrameOf(time);
+  const TimeBase base = Base();
+  const std::int64_t target = base.FrameAt(time);
   if (time > startTime) countdownShown = false;
   for (int done = 0; done < kMostFramesPerTick && frameIndex < target + 1; ++done) {
     ++frameIndex;
-    const double d = FrameDuration();
     if (time >= endTime) {
       if (!autoExpand) {
         StopRecording();
@@ -116,7 +106,7 @@ void RecordManager::Tick(std::int64_t nowMs) {
       endTime = endTime + endTime;
       adaptor_->SetAnimationRange({adaptor_->GetAnimationRange().first, endTime});
     }
-    if (time > startTime) StepInstances(static_cast<double>(frameIndex) * d);
+    if (time > startTime) StepInstances(base.TimeOf(frameIndex));
   }
   if (time < startTime) {
     const double left = startTime - time;
@@ -128,7 +118,7 @@ void RecordManager::Tick(std::int64_t nowMs) {
     }
   }
   adaptor_->SetTime(time);
-  double wait = FrameDuration() - static_cast<double>(clock() - nowMs) / 1000.0;
+  double wait = base.FrameDuration() - static_cast<double>(clock() - nowMs) / 1000.0;
   if (wait <= 0) wait = 0.001;
   processEvents();
   if (recording) StartTimer(kRecordTick, wait);
@@ -165,40 +155,26 @@ bool RecordManager::OnKey(std::int32_t code, bool control, bool alt, bool shift,
 
 void RecordManager::StartResimulation(double from, double to) {
   if (recording) return;
-  adaptor_->BeginUndo("Resimulating");
   recording = resimulating = true;
   startTime = from;
   endTime = to;
-  resimTime = from + 1.0 / adaptor_->GetFrameRate();
-  progress = 0;
   savedTimeScale = timeScale;
   timeScale = 1.0;
-  StartInstancesOfTheTree();
+  recordInstances = MarkInstancesOfTheTree();
+  if (devices_) devices_->Acquire();
+  resimulator_.Start(recordInstances, from, to, Base());
   resimStartMs = clock();
 }
 
-bool RecordManager::ResimStep() {
-  const double fps = adaptor_->GetFrameRate();
-  const std::int64_t sliceStart = clock();
-  while (resimTime < endTime + kEndTolerance) {
-    progress = static_cast<float>((resimTime - startTime) / (endTime - startTime));
-    if (clock() - sliceStart > kSliceMs) return false;
-    StepInstances(resimTime);
-    resimTime += 1.0 / fps;
-  }
-  progress = 1.0f;
-  return true;
-}
+bool RecordManager::ResimStep() { return resimulator_.RunFor(Resimulator::kSliceMs); }
 
 void RecordManager::FinishResimulation() {
   if (!resimulating) return;
-  for (Instance* instance : recordInstances) instance->Stop(endTime);
+  // Cleared first, so that the clock's return to the start reaches every tool.
   recording = resimulating = false;
   timeScale = savedTimeScale;
   if (devices_) devices_->Unacquire();
-  adaptor_->EndRecording();
-  adaptor_->SetTime(startTime);
-  adaptor_->EndUndo();
+  resimulator_.Finish();
 }
 
 }  // namespace vuk::rgw::core

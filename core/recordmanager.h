@@ -10,6 +10,8 @@
 
 #include "core/adaptorinterface.h"
 #include "core/instance.h"
+#include "core/resimulator.h"
+#include "core/timebase.h"
 #include "core/timermanager.h"
 
 namespace vuk::rgw::core {
@@ -47,6 +49,8 @@ class RecordManager : public TimerManager {
   bool ResimStep();
   // Ends a resimulation, done or stopped; the frames written stay.
   void FinishResimulation();
+  // The running or the last resimulation: its range and progress.
+  const Resimulator& Resimulation() const { return resimulator_; }
   std::int32_t GetSpeedStep() const;
   void SetSpeedStep(std::int32_t step);
 
@@ -76,8 +80,6 @@ class RecordManager : public TimerManager {
   double time = 0;
   bool recording = false;
   bool resimulating = false;
-  float progress = 0;
-  double resimTime = 0;
   double savedTimeScale = 1.0;
   std::int32_t countdownSeconds = 3;
   // The main window's switches: resimulate from the range start, expand the range at its end.
@@ -91,13 +93,15 @@ class RecordManager : public TimerManager {
   std::int64_t resimStartMs = 0;
 
  private:
-  double FrameDuration() const;
-  std::int64_t FrameOf(double seconds) const;
-  void StartInstancesOfTheTree();
+  // The host's frame rate, or the fixed frame duration when that is set.
+  TimeBase Base() const;
+  // Every instance has been part of this run; answers the checked ones, which take part.
+  std::vector<Instance*> MarkInstancesOfTheTree();
 
   AdaptorInterface* adaptor_;
   DeviceManager* devices_;
   InstanceList* instances_;
+  Resimulator resimulator_;
 };
 
 }  // namespace vuk::rgw::core

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "adaptor/standalone/standalonenode.h"
-#include "core/recordmanager.h"
+#include "core/resimulator.h"
 
 namespace vuk::app {
 
@@ -11,14 +11,15 @@ using rgw::adaptor::standalone::SceneNode;
 
 namespace {
 
-void ShowProgress(const rgw::core::RecordManager& recorder, double fps, std::int64_t elapsedMs) {
-  const double first = recorder.startTime * fps, last = recorder.endTime * fps;
-  const double current = first + recorder.progress * (last - first);
+void ShowProgress(const rgw::core::Resimulator& resimulator, double fps, std::int64_t elapsedMs) {
+  const float progress = resimulator.Progress();
+  const double first = resimulator.From() * fps, last = resimulator.To() * fps;
+  const double current = first + progress * (last - first);
   const double done = current - first;
   const int left = done > 0 ? static_cast<int>((last - current) / done * static_cast<double>(elapsedMs) / 1000.0) : 0;
-  const int width = 30, filled = static_cast<int>(recorder.progress * width);
+  const int width = 30, filled = static_cast<int>(progress * width);
   std::fprintf(stderr, "\r[%s%s] %3d%%  frame %d of %d  %d:%02d left ", std::string(filled, '#').c_str(),
-               std::string(width - filled, '-').c_str(), static_cast<int>(recorder.progress * 100),
+               std::string(width - filled, '-').c_str(), static_cast<int>(progress * 100),
                static_cast<int>(current), static_cast<int>(last), left / 60, left % 60);
 }
 
@@ -69,14 +70,17 @@ double Session::KeyedEnd() {
 }
 
 void Session::Resimulate(double from, double to) {
-  rgw::core::RecordManager recorder(&host, nullptr, &tools);
+  const double fps = host.GetFrameRate();
+  rgw::core::Resimulator resimulator(&host);
   host.SetTime(from);
-  recorder.StartResimulation(from, to);
-  const std::int64_t started = recorder.clock();
-  while (!recorder.ResimStep()) ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
-  ShowProgress(recorder, host.GetFrameRate(), recorder.clock() - started);
+  resimulator.Start(tools.CheckedInstances(), from, to, rgw::core::TimeBase(fps));
+  const std::int64_t started = resimulator.clock();
+  while (!resimulator.RunFor(rgw::core::Resimulator::kSliceMs)) {
+    ShowProgress(resimulator, fps, resimulator.clock() - started);
+  }
+  ShowProgress(resimulator, fps, resimulator.clock() - started);
   std::fprintf(stderr, "\n");
-  recorder.FinishResimulation();
+  resimulator.Finish();
 }
 
 }  // namespace vuk::app

@@ -55,6 +55,13 @@ class Host : public StandaloneAdaptorInterface {
   bool undoWorks = true;
 };
 
+// Frames first to last at a frame rate, as a recording steps them.
+std::vector<double> FrameTimes(std::int64_t first, std::int64_t last, double fps) {
+  std::vector<double> times;
+  for (std::int64_t n = first; n <= last; ++n) times.push_back(TimeBase(fps).TimeOf(n));
+  return times;
+}
+
 class Recording : public testing::Test, public InstanceList {
  protected:
   void SetUp() override {
@@ -104,7 +111,7 @@ TEST_F(Recording, ACountdownStepsNoFrame) {
   TickAt(1100);
   EXPECT_FALSE(recorder.countdownShown);
   // Frames up to one past the time: 2, 3 and 4 thirtieths.
-  EXPECT_EQ(First().steps, (std::vector<double>{2 / 30.0, 3 / 30.0, 4 / 30.0}));
+  EXPECT_EQ(First().steps, FrameTimes(2, 4, 30));
   EXPECT_TRUE(Second().steps.empty());  // unchecked
   recorder.StopRecording();
 }
@@ -115,11 +122,22 @@ TEST_F(Recording, AtMostThreeFramesATickAndAllWhenFewerArePending) {
   TickAt(40);    // one frame and a bit: one step
   EXPECT_EQ(First().steps.size(), 1u);
   TickAt(1040);  // a whole second late: three frames only
-  ASSERT_EQ(First().steps.size(), 4u);
-  for (std::size_t k = 0; k < First().steps.size(); ++k) {
-    EXPECT_DOUBLE_EQ(First().steps[k], (k + 2) / 30.0);
-  }
+  EXPECT_EQ(First().steps, FrameTimes(2, 5, 30));
   recorder.StopRecording();
+}
+
+TEST_F(Recording, AFixedFrameDurationSetsTheFramesOfRecordingAndResimulation) {
+  recorder.useFixedFrameDuration = true;  // 0.04 s on a host of 30 frames a second
+  recorder.StartRecording();
+  TickAt(0);
+  TickAt(100);
+  recorder.StopRecording();
+  EXPECT_EQ(First().steps, FrameTimes(2, 3, 25));
+  First().steps.clear();
+  recorder.StartResimulation(0.0, 0.2);
+  EXPECT_TRUE(recorder.ResimStep());
+  recorder.FinishResimulation();
+  EXPECT_EQ(First().steps, FrameTimes(1, 5, 25));
 }
 
 TEST_F(Recording, SlowMotionStretchesTheClock) {
@@ -212,28 +230,41 @@ TEST_F(Recording, OnlyControlZAloneRetakes) {
   recorder.StopRecording();
 }
 
-TEST_F(Recording, AResimulationStepsAtFromPlusWholeFrames) {
-  host.SetAnimationRange({0, 2});
-  recorder.StartResimulation(0.5, 1.0);
+// A resimulated range: the frames it steps, each at the time given by its number k after the start.
+struct ResimulatedRange {
+  const char* name;
+  double from, to;
+  std::size_t frames;
+  double (*timeOfFrame)(std::int64_t k);
+};
+
+class ResimulatedRanges : public Recording, public testing::WithParamInterface<ResimulatedRange> {};
+
+TEST_P(ResimulatedRanges, StepTheirFramesAndPutTheClockBackAtTheStart) {
+  const ResimulatedRange& range = GetParam();
+  recorder.StartResimulation(range.from, range.to);
   EXPECT_TRUE(recorder.IsResimulating());
   EXPECT_TRUE(recorder.ResimStep());
+  EXPECT_EQ(recorder.Resimulation().Progress(), 1.0f);
   recorder.FinishResimulation();
-  ASSERT_EQ(First().steps.size(), 15u);
-  for (std::size_t k = 0; k < 15; ++k) EXPECT_NEAR(First().steps[k], 0.5 + (k + 1) / 30.0, 1e-12);
-  EXPECT_EQ(recorder.progress, 1.0f);
-  EXPECT_DOUBLE_EQ(host.GetTime(), 0.5);
+  ASSERT_EQ(First().steps.size(), range.frames);
+  for (std::size_t k = 0; k < range.frames; ++k) EXPECT_EQ(First().steps[k], range.timeOfFrame(k + 1)) << k;
+  EXPECT_TRUE(Second().steps.empty());  // unchecked
+  EXPECT_DOUBLE_EQ(host.GetTime(), range.from);
   EXPECT_FALSE(recorder.IsRecording());
 }
 
-TEST_F(Recording, AResimulationOfNoLengthStepsNothing) {
-  recorder.StartResimulation(1.0, 1.0);
-  EXPECT_TRUE(recorder.ResimStep());
-  EXPECT_EQ(recorder.progress, 1.0f);
-  EXPECT_TRUE(First().steps.empty());
-  recorder.FinishResimulation();
-}
+INSTANTIATE_TEST_SUITE_P(
+    Recorder, ResimulatedRanges,
+    testing::Values(
+        // From a frame, frames have the times a recording gives them.
+        ResimulatedRange{"FromAFrame", 0.5, 1.0, 15, [](std::int64_t k) { return (15 + k) / 30.0; }},
+        ResimulatedRange{"FromBetweenFrames", 0.51, 1.0, 14, [](std::int64_t k) { return 0.51 + k / 30.0; }},
+        ResimulatedRange{"OfNoLength", 1.0, 1.0, 0, nullptr},
+        ResimulatedRange{"Backwards", 1.0, 0.5, 0, nullptr}),
+    [](const testing::TestParamInfo<ResimulatedRange>& info) { return info.param.name; });
 
-TEST_F(Recording, ASliceEndsAfterHalfASecondOfClock) {
+TEST_F(Recording, SlicesOfHalfASecondResumeWhereTheyStopped) {
   std::int64_t fake = 0;
   recorder.clock = [&fake] { return fake += 100; };
   recorder.StartResimulation(0.0, 10.0);
@@ -241,9 +272,47 @@ TEST_F(Recording, ASliceEndsAfterHalfASecondOfClock) {
   const std::size_t firstSlice = First().steps.size();
   EXPECT_GT(firstSlice, 0u);
   EXPECT_LT(firstSlice, 10u);
-  EXPECT_GT(recorder.progress, 0.0f);
+  EXPECT_GT(recorder.Resimulation().Progress(), 0.0f);
+  EXPECT_LT(recorder.Resimulation().Progress(), 1.0f);
+  while (!recorder.ResimStep()) {
+  }
   recorder.FinishResimulation();
+  EXPECT_EQ(First().steps, FrameTimes(1, 300, 30));
 }
+
+// A long take at a frame rate, recorded, then resimulated from its start and from its middle.
+class LongTakes : public Recording, public testing::WithParamInterface<std::int32_t> {};
+
+TEST_P(LongTakes, AResimulationStepsEachFrameAtTheTimeItWasRecordedAt) {
+  constexpr std::int64_t kFrames = 100000;
+  const TimeBase base(GetParam());
+  host.GetScene().clock.SetFrameRate(GetParam());
+  host.SetAnimationRange({0, base.TimeOf(kFrames + 10)});
+  recorder.StartRecording();
+  for (std::int64_t ms = 0; First().steps.size() < kFrames; ms += 50) TickAt(ms);
+  recorder.StopRecording();
+  // The take holds frame n >= 2 at recorded[n - 2]: frame 1 passes in the first tick, at the start itself.
+  const std::vector<double> recorded = First().steps;
+  for (const std::int64_t from : {std::int64_t{0}, kFrames / 2}) {
+    SCOPED_TRACE(from);
+    First().steps.clear();
+    host.SetTime(base.TimeOf(from));
+    Resimulator resimulator(&host);
+    resimulator.Start(CheckedInstances(), host.GetTime(), base.TimeOf(kFrames), base);
+    resimulator.RunToEnd();
+    resimulator.Finish();
+    const std::vector<double>& resimulated = First().steps;
+    ASSERT_EQ(resimulated.size(), static_cast<std::size_t>(kFrames - from));
+    EXPECT_EQ(resimulated.back(), base.TimeOf(kFrames));
+    std::int64_t differing = 0;
+    for (std::int64_t n = std::max<std::int64_t>(from + 1, 2); n <= kFrames; ++n) {
+      differing += resimulated[n - from - 1] != recorded[n - 2];
+    }
+    EXPECT_EQ(differing, 0);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Recorder, LongTakes, testing::Values(30, 24));
 
 }  // namespace
 }  // namespace vuk::rgw::core

@@ -1,0 +1,72 @@
+#include "core/resimulator.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace vuk::rgw::core {
+
+namespace {
+
+// A last frame that lies on `to` but comes out of the division a hair late is still stepped.
+constexpr double kEndTolerance = 1e-05;
+
+std::int64_t SteadyMs() {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
+      .count();
+}
+
+}  // namespace
+
+std::vector<InstanceHandle> HandlesOf(const std::vector<Instance*>& instances) {
+  std::vector<InstanceHandle> handles;
+  for (Instance* instance : instances) handles.push_back(static_cast<CInterface*>(instance));
+  return handles;
+}
+
+Resimulator::Resimulator(AdaptorInterface* adaptor) : clock(SteadyMs), adaptor_(adaptor) {}
+
+void Resimulator::Start(std::vector<Instance*> instances, double from, double to, TimeBase base) {
+  instances_ = std::move(instances);
+  from_ = from;
+  to_ = to;
+  base_ = base;
+  next_ = 1;
+  adaptor_->BeginUndo("Resimulating");
+  adaptor_->BeginRecordingInstances(HandlesOf(instances_));
+  for (Instance* instance : instances_) instance->Start(from, Instance::Run::kResimulating);
+}
+
+bool Resimulator::FramesLeft() const { return NextFrameTime() < to_ + kEndTolerance; }
+
+float Resimulator::Progress() const {
+  if (!FramesLeft()) return 1.0f;
+  return static_cast<float>(std::min(1.0, (NextFrameTime() - from_) / (to_ - from_)));
+}
+
+void Resimulator::StepNextFrame() {
+  const double time = NextFrameTime();
+  for (Instance* instance : instances_) instance->Step(time);
+  ++next_;
+}
+
+bool Resimulator::RunFor(std::int64_t budgetMs) {
+  const std::int64_t sliceStart = clock();
+  while (FramesLeft()) {
+    if (clock() - sliceStart > budgetMs) return false;
+    StepNextFrame();
+  }
+  return true;
+}
+
+void Resimulator::RunToEnd() {
+  while (FramesLeft()) StepNextFrame();
+}
+
+void Resimulator::Finish() {
+  for (Instance* instance : instances_) instance->Stop(to_);
+  adaptor_->EndRecording();
+  adaptor_->SetTime(from_);
+  adaptor_->EndUndo();
+}
+
+}  // namespace vuk::rgw::core
