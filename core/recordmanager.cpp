@@ -45,8 +45,7 @@ void RecordManager::SetSpeedStep(std::int32_t step) {
 }
 
 void RecordManager::StartInstancesOfTheTree() {
-  // Every instance has been part of this recording; the checked ones take part.
-  for (Instance* instance : instances_->AllInstances()) instance->inRecording = true;
+  // The checked ones take part.
   std::vector<Instance*> checked = instances_->CheckedInstances();
   std::vector<InstanceHandle> handles;
   for (Instance* instance : checked) handles.push_back(static_cast<CInterface*>(instance));
@@ -87,7 +86,7 @@ void RecordManager::StepInstances(double frameTime) {
 
 void RecordManager::OnTimeChanged(double newTime) {
   const std::vector<Instance*> listeners = recording ? recordInstances : instances_->AllInstances();
-  for (Instance* instance : listeners) instance->tool->TimeChanged(newTime);
+  for (Instance* instance : listeners) instance->GetTool()->TimeChanged(newTime);
 }
 
 void RecordManager::TimerFired(std::int32_t id, std::int64_t) {
