@@ -138,11 +138,10 @@ Instance* CoreImplementation::FindToolByName(const std::string& instanceName) {
 
 bool CoreImplementation::SetToolProfile(const std::string& instanceName, const std::string& profileName) {
   core::Instance* instance = FindToolByName(instanceName);
-  const Plugin* tool = instance ? libraries_->FindTool(instance->plugin->GetName()) : nullptr;
-  const util::xml::Element* profile = tool ? tool->configProfiles.Find(profileName) : nullptr;
-  if (!profile || !instance->configRoot) return false;
-  instance->configRoot->ReadAnyProfile(*profile);
-  instance->configProfileName = profile->GetAttribute("name");
+  Plugin* tool = instance ? libraries_->FindTool(instance->GetToolPlugin()->GetName()) : nullptr;
+  const util::xml::Element* profile = tool ? tool->ConfigProfiles().Find(profileName) : nullptr;
+  if (!profile || !instance->GetPage()) return false;
+  instance->ApplyConfigProfile(*profile);
   return true;
 }
 

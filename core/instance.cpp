@@ -1,12 +1,16 @@
 #include "core/instance.h"
 
 #include <algorithm>
+#include <cmath>
+#include <sstream>
 
+#include "core/corelog.h"
 #include "core/instancereference.h"
 #include "core/messagebox.h"
 #include "core/paths.h"
 #include "sdk/cvariablemodundo.h"
 #include "unidevice/dummydriver.h"
+#include "util/base64.h"
 #include "util/xml/tag.h"
 
 namespace vuk::rgw::core {
@@ -32,6 +36,45 @@ bool NameTaken(const std::string& name, AdaptorInterface* adaptor) {
 }
 
 CoreNode* Core(CNode* node) { return static_cast<CoreNode*>(node); }
+
+// The range of a page control that holds a number; false for the others.
+bool RangeOf(configadaptor::Node& node, Instance::Value& range) {
+  range = {node.label, 0, 1, node.GetValue(), true};
+  if (const auto* spinner = dynamic_cast<const Spinner*>(&node)) {
+    range.minimum = spinner->minimum;
+    range.maximum = spinner->maximum;
+    range.whole = false;
+    return true;
+  }
+  if (const auto* spinner = dynamic_cast<const Spinner_Int*>(&node)) {
+    range.minimum = spinner->minimum;
+    range.maximum = spinner->maximum;
+    return true;
+  }
+  if (const auto* combo = dynamic_cast<const ComboBox*>(&node)) {
+    range.maximum = static_cast<double>(combo->items.size()) - 1;
+    return true;
+  }
+  return dynamic_cast<const CheckBox*>(&node) != nullptr;
+}
+
+struct PageValue {
+  configadaptor::Node* node;
+  Instance::Value range;
+};
+
+// Every number control of the page, in page order.
+void CollectValues(configadaptor::Node& node, std::vector<PageValue>& found) {
+  PageValue entry{&node, {}};
+  if (RangeOf(node, entry.range)) found.push_back(entry);
+  for (std::size_t i = 0; i < node.GetChildCount(); ++i) CollectValues(*node.GetChild(i), found);
+}
+
+std::string Number(double value) {
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
 
 }  // namespace
 
@@ -66,83 +109,88 @@ std::string Instance::MakeUniqueName(const std::string& wanted, AdaptorInterface
 const std::vector<Instance*>& Instance::All() { return LiveInstances(); }
 
 Instance::Instance(CCameraPlugin* toolPlugin, CCamera* toolObject, std::string instanceName, AdaptorInterface* adaptor)
-    : util::MessageNode("Instance"), tool(toolObject), plugin(toolPlugin), adaptor_(adaptor) {
-  if (instanceName.empty()) instanceName = plugin->GetName() + "_01";
+    : util::MessageNode("Instance"), tool_(toolObject), plugin_(toolPlugin), adaptor_(adaptor) {
+  if (instanceName.empty()) instanceName = plugin_->GetName() + "_01";
   if (unidevice::DummyDriver* dummy = unidevice::DummyDriver::Find()) dummy->AddDevice(this);
-  tool->iface = this;
-  util::MessageNode::SetName(MakeUniqueName(instanceName, adaptor_));
-  Device::name = util::MessageNode::GetName();
-  tool->name = Device::name;
+  tool_->iface = this;
+  Rename(MakeUniqueName(instanceName, adaptor_));
   LiveInstances().push_back(this);
-  const std::string categories = plugin->GetCategory();
-  icon = "/core/images/treeicons/quoll_accessory_tools.png";
-  if (categories.find("Vehicle") != std::string::npos) icon = "/core/images/treeicons/quoll_vehicle_tools.png";
-  if (categories.find("Camera") != std::string::npos) icon = "/core/images/treeicons/quoll_camera_tools.png";
   lent_.reserve(16);
 }
 
 Instance::~Instance() {
   auto& live = LiveInstances();
   live.erase(std::remove(live.begin(), live.end(), this), live.end());
-  comboUpdaters.clear();
-  configRoot.reset();
-  if (tool) tool->Release();
-  tool = nullptr;
+  comboUpdaters_.clear();
+  page_.reset();
+  if (tool_) tool_->Release();
+  tool_ = nullptr;
   if (driver) driver->RemoveDevice(this);
   for (unidevice::Control* gauge : gaugeControls) delete gauge;
 }
 
+void Instance::Rename(const std::string& newName) {
+  util::MessageNode::SetName(newName);
+  Device::name = newName;
+  tool_->name = newName;
+}
+
 void Instance::Start(double time, Run run) {
   run_ = run;
-  inRecording = run == Run::kRecording;
-  tool->Start(time);
-  recordedTracks.resize(std::max(recordedTracks.size(), inputs.Count()));
+  tool_->Start(time);
+  recordedTracks_.resize(std::max(recordedTracks_.size(), inputs_.Count()));
   if (run == Run::kResimulating) {
     // The recorded samples take the devices' place for the run.
-    while (temporaryControls.size() < inputs.Count()) temporaryControls.push_back(std::make_unique<unidevice::Control>());
-    realControls_.assign(inputs.Count(), nullptr);
-    for (std::size_t i = 0; i < inputs.Count(); ++i) {
-      realControls_[i] = inputs.Get(i)->source;
-      inputs.Get(i)->source = temporaryControls[i].get();
+    while (temporaryControls_.size() < inputs_.Count()) {
+      temporaryControls_.push_back(std::make_unique<unidevice::Control>());
+    }
+    realControls_.assign(inputs_.Count(), nullptr);
+    for (std::size_t i = 0; i < inputs_.Count(); ++i) {
+      realControls_[i] = inputs_.Get(i)->source;
+      inputs_.Get(i)->source = temporaryControls_[i].get();
     }
     return;
   }
   // The take's future is about to be recorded anew: undo brings it back.
-  PushUndo(new CVariableModUndo<std::vector<util::AVar_Linear<double>>>(&recordedTracks));
-  for (auto& track : recordedTracks) track.RemoveFrom(time);
+  PushUndo(new CVariableModUndo<std::vector<util::AVar_Linear<double>>>(&recordedTracks_));
+  for (auto& track : recordedTracks_) track.RemoveFrom(time);
 }
 
 void Instance::Step(double time) {
   if (run_ == Run::kRecording) {
-    for (std::size_t i = 0; i < recordedTracks.size() && i < inputs.Count(); ++i) {
-      const unidevice::Control* control = inputs.Get(i)->source;
-      recordedTracks[i].Set(time, control ? control->value : 0.0);
+    for (std::size_t i = 0; i < recordedTracks_.size() && i < inputs_.Count(); ++i) {
+      const unidevice::Control* control = inputs_.Get(i)->source;
+      recordedTracks_[i].Set(time, control ? control->value : 0.0);
     }
   } else if (run_ == Run::kResimulating) {
-    for (std::size_t i = 0; i < temporaryControls.size() && i < recordedTracks.size(); ++i) {
-      temporaryControls[i]->Update(recordedTracks[i].Get(time));
+    for (std::size_t i = 0; i < temporaryControls_.size() && i < recordedTracks_.size(); ++i) {
+      temporaryControls_[i]->Update(recordedTracks_[i].Get(time));
     }
   }
-  for (const auto& [elementId, channel] : spinnerInputs) {
+  for (const auto& [elementId, channel] : spinnerInputs_) {
     double value = 0;
-    if (!channel->source || !configRoot || !configRoot->GetValueById(elementId, value)) continue;
-    configRoot->SetValueById(elementId, channel->Evaluate() + value);
-    configRoot->UpdateViews();
+    if (!channel->source || !page_ || !page_->GetValueById(elementId, value)) continue;
+    page_->SetValueById(elementId, channel->Evaluate() + value);
+    page_->UpdateViews();
   }
-  tool->Step(time);
+  tool_->Step(time);
 }
 
 void Instance::Stop(double time) {
-  tool->Stop(time);
+  tool_->Stop(time);
   if (run_ == Run::kResimulating) {
-    for (std::size_t i = 0; i < realControls_.size() && i < inputs.Count(); ++i) inputs.Get(i)->source = realControls_[i];
+    for (std::size_t i = 0; i < realControls_.size() && i < inputs_.Count(); ++i) {
+      inputs_.Get(i)->source = realControls_[i];
+    }
   }
   run_ = Run::kIdle;
 }
 
 void Instance::Delete(bool withNodes) {
-  if (deleting) return;
-  deleting = true;
+  // A tool may ask for its own deletion (extension kDeleteSelf) while its
+  // nodes go: the second call must not delete them again.
+  if (deleting_) return;
+  deleting_ = true;
   adaptor_->BeginUndo("Delete plugin instance");
   NodeVector nodes;
   adaptor_->GetInstanceNodes(this, nodes);
@@ -158,33 +206,130 @@ void Instance::Delete(bool withNodes) {
   }
   adaptor_->RedrawScene();
   adaptor_->EndUndo();
-  deleting = false;
+  deleting_ = false;
 }
 
 util::xml::Element Instance::ConfigProfile() const {
-  if (configRoot) return configRoot->WriteNamedProfile(configProfileName);
+  if (page_) return page_->WriteNamedProfile(configProfileName_);
   util::xml::Tag empty("configprofile");
   empty.SetAttribute("version") = "2.0";
-  empty.SetAttribute("name") = configProfileName;
+  empty.SetAttribute("name") = configProfileName_;
   return std::move(empty);
+}
+
+void Instance::ApplyConfigProfile(const util::xml::Element& profile) {
+  if (page_) page_->ReadAnyProfile(profile);
+  if (!profile.GetAttribute("name").empty()) configProfileName_ = profile.GetAttribute("name");
 }
 
 util::xml::Element Instance::InputProfile() const {
   util::xml::Tag profile("profile");
-  profile.SetAttribute("name") = inputProfileName;
-  for (std::size_t i = 0; i < inputs.Count(); ++i) {
-    if (!inputs.Get(i)->config.IsEmpty()) profile.AddChild(inputs.Get(i)->Save());
+  profile.SetAttribute("name") = inputProfileName_;
+  for (std::size_t i = 0; i < inputs_.Count(); ++i) {
+    if (!inputs_.Get(i)->config.IsEmpty()) profile.AddChild(inputs_.Get(i)->Save());
   }
   return std::move(profile);
 }
 
 void Instance::ApplyInputProfile(const util::xml::Element& given) {
   const util::xml::Element& profile = given.name == "inputprofile" ? given.GetChild("profile") : given;
-  for (std::size_t i = 0; i < inputs.Count(); ++i) inputs.Get(i)->Bind(nullptr);
-  inputs.LoadProfile(profile);
-  if (!profile.GetAttribute("name").empty()) inputProfileName = profile.GetAttribute("name");
-  util::Message changed(154);
-  Send(this, changed);
+  for (std::size_t i = 0; i < inputs_.Count(); ++i) inputs_.Get(i)->Bind(nullptr);
+  inputs_.LoadProfile(profile);
+  if (!profile.GetAttribute("name").empty()) inputProfileName_ = profile.GetAttribute("name");
+}
+
+std::vector<Instance::Value> Instance::Values() const {
+  std::vector<PageValue> found;
+  if (page_) CollectValues(*page_, found);
+  std::vector<Value> values;
+  for (const PageValue& entry : found) values.push_back(entry.range);
+  return values;
+}
+
+bool Instance::SetValue(const std::string& label, double value, std::string& error) {
+  std::vector<PageValue> found;
+  if (page_) CollectValues(*page_, found);
+  const auto entry = std::find_if(found.begin(), found.end(), [&](const PageValue& at) { return at.range.label == label; });
+  if (entry == found.end()) {
+    error = InstanceName() + " has no value \"" + label + "\"";
+    return false;
+  }
+  const Value& range = entry->range;
+  if (value < range.minimum || value > range.maximum || (range.whole && value != std::floor(value))) {
+    error = "\"" + label + "\" takes " + (range.whole ? "whole numbers" : "values") + " from " + Number(range.minimum) +
+            " to " + Number(range.maximum) + ", not " + Number(value);
+    return false;
+  }
+  // As from the page: the variable first, then the tool hears.
+  entry->node->SetValue(value);
+  entry->node->UpdateViews();
+  if (entry->node->callback) entry->node->callback->Changed(label);
+  return true;
+}
+
+std::vector<Instance::Channel> Instance::Channels() const {
+  std::vector<Channel> channels;
+  for (std::size_t i = 0; i < inputs_.Count(); ++i) {
+    const Property* channel = inputs_.Get(i);
+    const util::AVar_Linear<double>* take = i < recordedTracks_.size() ? &recordedTracks_[i] : nullptr;
+    channels.push_back({channel->name, channel->config.GetChild("description").GetText(),
+                        take && !take->records.empty() ? take : nullptr});
+  }
+  return channels;
+}
+
+std::vector<std::string> Instance::NodeNames() const {
+  NodeVector nodes;
+  adaptor_->GetInstanceNodes(const_cast<Instance*>(this), nodes);
+  std::vector<std::string> names;
+  for (const CoreNode* node : nodes.nodes) names.push_back(node->name);
+  return names;
+}
+
+util::AVar_Linear<double>* Instance::TrackOf(const std::string& channel) {
+  for (std::size_t i = 0; i < inputs_.Count(); ++i) {
+    if (inputs_.Get(i)->name != channel) continue;
+    recordedTracks_.resize(std::max(recordedTracks_.size(), inputs_.Count()));
+    return &recordedTracks_[i];
+  }
+  return nullptr;
+}
+
+util::xml::Element Instance::SaveTracks() const {
+  util::xml::Tag tracks("recordedinputvalues");
+  for (std::size_t i = 0; i < recordedTracks_.size(); ++i) {
+    util::Bytes block(recordedTracks_[i].GetSaveSize());
+    recordedTracks_[i].Save(block.data(), static_cast<std::uint32_t>(block.size()));
+    util::xml::TagWithData input("input", util::Base64::Encode(block.data(), block.size()));
+    if (i < inputs_.Count()) input.SetAttribute("channel") = inputs_.Get(i)->name;
+    tracks.AddChild(input);
+  }
+  for (const util::xml::Element& unmatched : unmatchedTracks_) tracks.AddChild(unmatched);
+  return std::move(tracks);
+}
+
+void Instance::LoadTracks(const util::xml::Element& saved) {
+  recordedTracks_.clear();
+  unmatchedTracks_.clear();
+  for (std::size_t i = 0, n = saved.CountChildren("input"); i < n; ++i) {
+    const util::xml::Element& input = saved.GetChild("input", i);
+    const std::string& channel = input.GetAttribute("channel");
+    util::AVar_Linear<double>* track = nullptr;
+    if (channel.empty()) {
+      recordedTracks_.resize(std::max(recordedTracks_.size(), i + 1));
+      track = &recordedTracks_[i];
+    } else {
+      track = TrackOf(channel);
+    }
+    if (!track) {
+      CoreLog::Instance().Warning(InstanceName() + ": the take of channel \"" + channel +
+                                  "\" is kept but feeds nothing, the tool has no such channel");
+      unmatchedTracks_.push_back(input);
+      continue;
+    }
+    util::Bytes block;
+    if (util::Base64::Decode(input.GetText(), block)) track->Load(block.data(), block.size());
+  }
 }
 
 std::intptr_t Instance::Extension(std::int32_t id, void* data) {
@@ -213,21 +358,21 @@ std::intptr_t Instance::Extension(std::int32_t id, void* data) {
       Delete(true);
       return 0;
     case extension::kOwnerName:
-      if (data && reference && reference->parent) {
-        const auto* owner = static_cast<const InstanceReference*>(reference->parent);
+      if (data && reference_ && reference_->parent) {
+        const auto* owner = static_cast<const InstanceReference*>(reference_->parent);
         if (owner->instance) *static_cast<std::string*>(data) = owner->GetLabel();
       }
       return 0;
     case extension::kMasterNode:
-      if (data && reference) static_cast<util::xml::Element*>(data)->AddChild(reference->MasterNode());
+      if (data && reference_) static_cast<util::xml::Element*>(data)->AddChild(reference_->MasterNode());
       return 0;
     case extension::kRefreshDevices:
       Poll(nullptr);
       return 0;
     case extension::kAddLabel:
-      if (data && configRoot) {
+      if (data && page_) {
         const auto* label = static_cast<const ConfigLabel*>(data);
-        currentGroup->Add(new Label(labelId++, label->text, label->flags));
+        currentGroup_->Add(new Label(nextLabelId_++, label->text, label->flags));
       }
       return 0;
     default:
@@ -235,86 +380,97 @@ std::intptr_t Instance::Extension(std::int32_t id, void* data) {
   }
 }
 
+std::vector<std::int32_t> Instance::ExtensionIds() {
+  using namespace extension;
+  return {kGetShapeSnapshot, kReleaseShapeSnapshot, kMakeGauge, kDeleteSelf,
+          kOwnerName,        kMasterNode,           kRefreshDevices, kAddLabel};
+}
+
 bool Instance::Poll(unidevice::DeviceContext) {
-  for (unidevice::Control* gauge : gaugeControls) tool->Extension(extension::kWriteGauge, gauge);
+  for (unidevice::Control* gauge : gaugeControls) tool_->Extension(extension::kWriteGauge, gauge);
   return true;
 }
 
 void Instance::PushUndo(CUndo* record) { adaptor_->PutUndo(record); }
 
 CInterface::Property* Instance::AddInputWithFactory(std::string name, std::int32_t, Property::Factory* factory) {
-  return inputs.Add(name, factory);
+  return inputs_.Add(name, factory);
 }
 
-CInterface::Property* Instance::AddInput(std::string name, std::int32_t) { return inputs.Add(name); }
+CInterface::Property* Instance::AddInput(std::string name, std::int32_t) { return inputs_.Add(name); }
 
 void Instance::BeginConfig() {
-  configRoot = std::make_unique<Root>();
-  currentGroup = configRoot.get();
-  nextConfigId = 0;
+  page_ = std::make_unique<Root>();
+  currentGroup_ = page_.get();
+  nextControlId_ = 0;
+  nextLabelId_ = 0;
 }
 
 void Instance::BeginGroup(std::string label, std::string tooltip) {
-  if (!currentGroup) return;
-  currentGroup = currentGroup->Add(new Group(-1, std::move(label), std::move(tooltip), nullptr));
+  if (!currentGroup_) return;
+  currentGroup_ = currentGroup_->Add(new Group(-1, std::move(label), std::move(tooltip), nullptr));
 }
 
 void Instance::EndGroup() {
   // The page keeps its groups as built; only the current one moves up.
-  if (!configRoot || currentGroup == configRoot.get()) return;
-  currentGroup = configRoot->FindParentOf(currentGroup);
+  if (!page_ || currentGroup_ == page_.get()) return;
+  currentGroup_ = page_->FindParentOf(currentGroup_);
 }
 
 template <typename Kind>
 void Instance::AddControl(Kind* node) {
-  if (!currentGroup) {
+  if (!currentGroup_) {
     delete node;
     return;
   }
-  currentGroup->Add(node);
+  currentGroup_->Add(node);
+}
+
+std::int32_t Instance::SpinnerId(const std::string& label, bool isInput) {
+  const std::int32_t id = nextControlId_++;
+  if (isInput) spinnerInputs_.emplace_back(id, AddInput("Spinner: " + label, input::kContinuous));
+  return id;
 }
 
 void Instance::AddIntSpinner(std::string label, std::string tooltip, std::int32_t* value, std::int32_t minimum,
                              std::int32_t maximum, std::int32_t step, std::int32_t triggerLength, bool isInput,
                              std::int32_t, Callback* callback) {
-  const std::int32_t id = nextConfigId++;
-  if (isInput) spinnerInputs.emplace_back(id, AddInput("Spinner: " + label, input::kContinuous));
+  const std::int32_t id = SpinnerId(label, isInput);
   AddControl(new Spinner_Int(id, std::move(label), std::move(tooltip), callback, value, minimum, maximum, step,
                              triggerLength));
 }
 
 void Instance::AddSpinner(std::string label, std::string tooltip, double* value, double minimum, double maximum,
                           double step, std::int32_t triggerLength, bool isInput, std::int32_t, Callback* callback) {
-  const std::int32_t id = nextConfigId++;
-  if (isInput) spinnerInputs.emplace_back(id, AddInput("Spinner: " + label, input::kContinuous));
+  const std::int32_t id = SpinnerId(label, isInput);
   AddControl(new Spinner(id, std::move(label), std::move(tooltip), callback, value, minimum, maximum, step,
                          triggerLength));
 }
 
 void Instance::AddCheckBox(std::string label, std::string tooltip, bool* value, Callback* callback) {
-  AddControl(new CheckBox(nextConfigId++, std::move(label), std::move(tooltip), callback, value));
+  AddControl(new CheckBox(nextControlId_++, std::move(label), std::move(tooltip), callback, value));
 }
 
 void Instance::AddTextBox(std::string label, std::string tooltip, std::string* value, Callback* callback) {
-  AddControl(new TextBox(nextConfigId++, std::move(label), std::move(tooltip), callback, value));
+  AddControl(new TextBox(nextControlId_++, std::move(label), std::move(tooltip), callback, value));
 }
 
 CInterface::ComboUpdater* Instance::AddComboBox(std::string label, std::string tooltip,
                                                 std::vector<std::string> items, std::int32_t* selected,
                                                 Callback* callback) {
-  auto* box = new ComboBox(nextConfigId++, std::move(label), std::move(tooltip), callback, selected, std::move(items));
+  auto* box = new ComboBox(nextControlId_++, std::move(label), std::move(tooltip), callback, selected, std::move(items));
   AddControl(box);
-  if (!currentGroup) return nullptr;
-  comboUpdaters.push_back(std::make_unique<COREComboUpdater>(box));
-  return comboUpdaters.back().get();
+  if (!currentGroup_) return nullptr;
+  comboUpdaters_.push_back(std::make_unique<COREComboUpdater>(box));
+  return comboUpdaters_.back().get();
 }
 
 void Instance::AddButton(std::string label, std::string tooltip, Callback* callback) {
-  AddControl(new Button(nextConfigId++, std::move(label), std::move(tooltip), callback));
+  AddControl(new Button(nextControlId_++, std::move(label), std::move(tooltip), callback));
 }
 
 void Instance::UpdateConfig() {
-  if (configRoot) configRoot->UpdateViews();
+  if (page_) page_->UpdateViews();
 }
 
 void Instance::ShowInputSettings() {
@@ -322,25 +478,25 @@ void Instance::ShowInputSettings() {
   // which the desktop app brings; without it there is nothing to open.
 }
 
-std::string Instance::GetDataPath() { return GetUserFolder() + "/data/" + plugin->GetPath(); }
+std::string Instance::GetDataPath() { return GetUserFolder() + "/data/" + plugin_->GetPath(); }
 
 void Instance::SetSaveData(const void* bytes, std::int32_t length) {
   const auto* begin = static_cast<const std::uint8_t*>(bytes);
-  saveData.assign(begin, begin + (length > 0 && bytes ? length : 0));
-  hasSaveData = true;
+  saveData_.assign(begin, begin + (length > 0 && bytes ? length : 0));
+  hasSaveData_ = true;
 }
 
 const std::uint8_t* Instance::GetSaveData(std::int32_t* length) {
   // An empty block is still a block: valid, of length 0.
   static const std::uint8_t kEmptyBlock = 0;
-  if (length) *length = static_cast<std::int32_t>(saveData.size());
-  if (!hasSaveData) return nullptr;
-  return saveData.empty() ? &kEmptyBlock : saveData.data();
+  if (length) *length = static_cast<std::int32_t>(saveData_.size());
+  if (!hasSaveData_) return nullptr;
+  return saveData_.empty() ? &kEmptyBlock : saveData_.data();
 }
 
 std::int32_t Instance::ClearSaveData() {
-  saveData.clear();
-  hasSaveData = false;
+  saveData_.clear();
+  hasSaveData_ = false;
   return 0;
 }
 

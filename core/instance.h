@@ -33,6 +33,7 @@ class InstanceVirtualDevice : public unidevice::Device {
   unidevice::Control* GetControl(std::int32_t index) override;
   bool Open(unidevice::DeviceContext) override { return true; }
 
+ protected:
   std::vector<unidevice::Control*> gaugeControls;
 };
 
@@ -54,15 +55,47 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
     configadaptor::element::ComboBox* element;
   };
 
+  // A number the page holds, as the command line sets it: the control's
+  // label, its range and its present value. Whole-number controls (integer
+  // spinners, check boxes, combo boxes) take no fractions.
+  struct Value {
+    std::string label;
+    double minimum;
+    double maximum;
+    double value;
+    bool whole;
+  };
+
+  // A channel with its binding ("" when unbound) and its take (null when
+  // nothing was recorded for it).
+  struct Channel {
+    std::string name;
+    std::string boundTo;
+    const util::AVar_Linear<double>* take;
+  };
+
   // Takes the tool object, sets its interface and makes the name unique. An
   // empty name becomes the plugin's name with "_01".
   Instance(CCameraPlugin* plugin, CCamera* tool, std::string instanceName, AdaptorInterface* adaptor);
   ~Instance() override;
 
-  // Where the name counts up: "LookAtCam_01" becomes "LookAtCam_02" while
-  // any live instance or node carries it.
+  // Where the name counts up: "Tool_01" becomes "Tool_02" while any live
+  // instance or node carries it.
   static std::string MakeUniqueName(const std::string& wanted, AdaptorInterface* adaptor);
   static const std::vector<Instance*>& All();
+
+  const std::string& InstanceName() const { return util::MessageNode::GetName(); }
+  // The instance, its gauge device and its tool take the new name.
+  void Rename(const std::string& newName);
+  CCamera* GetTool() const { return tool_; }
+  CCameraPlugin* GetToolPlugin() const { return plugin_; }
+  AdaptorInterface* GetAdaptor() const { return adaptor_; }
+  unidevice::PropertyHandler& Inputs() { return inputs_; }
+  const unidevice::PropertyHandler& Inputs() const { return inputs_; }
+  // The configuration page; null until the tool built it.
+  configadaptor::element::Root* GetPage() const { return page_.get(); }
+  // The tool tree's item of this instance, null while it has none.
+  void SetReference(InstanceReference* item) { reference_ = item; }
 
   // A run: recording keeps raw samples of every channel from `time` on,
   // resimulating feeds them back in place of the devices.
@@ -74,13 +107,36 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   // Deletes the nodes (or, without them, leaves them in the scene unowned).
   void Delete(bool withNodes);
 
+  // The running configuration and bindings as profiles, and profiles applied;
+  // an applied profile's name becomes the running one.
   util::xml::Element ConfigProfile() const;
+  void ApplyConfigProfile(const util::xml::Element& profile);
   util::xml::Element InputProfile() const;
   void ApplyInputProfile(const util::xml::Element& profile);
 
+  // The page's numbers in page order, and one set by its label; false with
+  // the reason in `error` when there is no such number or the value is out
+  // of its range. The tool hears of the change as from its page.
+  std::vector<Value> Values() const;
+  bool SetValue(const std::string& label, double value, std::string& error);
+  std::vector<Channel> Channels() const;
+  // The tool-side names of the instance's nodes in the scene.
+  std::vector<std::string> NodeNames() const;
+
+  // One track of raw values per channel, one per channel index.
+  const std::vector<util::AVar_Linear<double>>& RecordedTracks() const { return recordedTracks_; }
+  // The track of a channel, made when missing; null when there is no such channel.
+  util::AVar_Linear<double>* TrackOf(const std::string& channel);
+  // "recordedinputvalues": an "input" per track with its channel's name.
+  util::xml::Element SaveTracks() const;
+  // Matches saved tracks to channels by name; unnamed ones, from older
+  // files, by their order. A track whose channel the tool no longer has
+  // feeds nothing, and is written back as it came so that no take is lost.
+  void LoadTracks(const util::xml::Element& saved);
+
   // CExtendable: the instance's extensions for its tool.
   std::intptr_t Extension(std::int32_t id, void* data) override;
-  std::vector<std::int32_t> ExtensionIds() override { return {38, 39, 41, 43, 55, 56, 58, 60}; }
+  std::vector<std::int32_t> ExtensionIds() override;
 
   // Device: the gauges are polled from the tool.
   bool Poll(unidevice::DeviceContext context) override;
@@ -89,7 +145,7 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   void PushUndo(CUndo* record) override;
   Property* AddInputWithFactory(std::string name, std::int32_t typeMask, Property::Factory* factory) override;
   Property* AddInput(std::string name, std::int32_t typeMask) override;
-  Property* FindInput(std::string name) override { return inputs.Find(name); }
+  Property* FindInput(std::string name) override { return inputs_.Find(name); }
   void BeginConfig() override;
   void EndConfig() override {}
   void BeginGroup(std::string label, std::string tooltip) override;
@@ -131,37 +187,6 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   void Redraw() override;
   std::int32_t MessageBox(std::string text, std::string caption, std::int32_t style) override;
 
-  CCamera* tool = nullptr;
-  unidevice::PropertyHandler inputs;
-  std::unique_ptr<configadaptor::element::Root> configRoot;
-  configadaptor::Node* currentGroup = nullptr;
-  std::vector<std::unique_ptr<COREComboUpdater>> comboUpdaters;
-  std::vector<std::pair<std::int32_t, Property*>> spinnerInputs;
-  CCameraPlugin* plugin;
-  std::vector<util::AVar_Linear<double>> recordedTracks;
-  std::vector<std::unique_ptr<unidevice::Control>> temporaryControls;
-  bool inRecording = false;
-  util::Bytes saveData;
-  bool hasSaveData = false;
-  std::int32_t nextConfigId = 0;
-  std::int32_t labelId = 0;
-  bool deleting = false;
-  std::string configProfileName = "Factory Settings";
-  std::string inputProfileName = "Factory Settings";
-  std::string icon;
-  // The tool tree's item of this instance, null while it has none.
-  InstanceReference* reference = nullptr;
-  AdaptorInterface* GetAdaptor() const { return adaptor_; }
-
-  const std::string& InstanceName() const { return util::MessageNode::GetName(); }
-  CCamera* GetTool() const { return tool; }
-  CCameraPlugin* GetToolPlugin() const { return plugin; }
-  unidevice::PropertyHandler& Inputs() { return inputs; }
-  const unidevice::PropertyHandler& Inputs() const { return inputs; }
-  // The configuration page; null until the tool built it.
-  configadaptor::element::Root* GetPage() const { return configRoot.get(); }
-  const std::vector<util::AVar_Linear<double>>& RecordedTracks() const { return recordedTracks; }
-
  private:
   // Snapshots out with the tool, and the node each goes back to.
   template <typename Snapshot>
@@ -169,11 +194,35 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   CoreNode* Return(const void* snapshot);
   template <typename Kind>
   void AddControl(Kind* node);
+  // A spinner's element id; a spinner that is also an input gets its channel.
+  std::int32_t SpinnerId(const std::string& label, bool isInput);
 
+  CCamera* tool_;
+  CCameraPlugin* plugin_;
   AdaptorInterface* adaptor_;
+  InstanceReference* reference_ = nullptr;
+  unidevice::PropertyHandler inputs_;
+  std::unique_ptr<configadaptor::element::Root> page_;
+  configadaptor::Node* currentGroup_ = nullptr;
+  // Element ids of the page's controls and of its labels, each from 0.
+  std::int32_t nextControlId_ = 0;
+  std::int32_t nextLabelId_ = 0;
+  std::vector<std::unique_ptr<COREComboUpdater>> comboUpdaters_;
+  std::vector<std::pair<std::int32_t, Property*>> spinnerInputs_;
+  std::vector<util::AVar_Linear<double>> recordedTracks_;
+  // Saved tracks of channels the tool doesn't have, kept for the next save.
+  std::vector<util::xml::Element> unmatchedTracks_;
+  // Stand-ins fed from the tracks during a resimulation, and the controls
+  // they stand in for.
+  std::vector<std::unique_ptr<unidevice::Control>> temporaryControls_;
+  std::vector<unidevice::Control*> realControls_;
+  util::Bytes saveData_;
+  bool hasSaveData_ = false;
+  bool deleting_ = false;
+  std::string configProfileName_ = "Factory Settings";
+  std::string inputProfileName_ = "Factory Settings";
   Run run_ = Run::kIdle;
   std::vector<std::pair<const void*, CoreNode*>> lent_;
-  std::vector<unidevice::Control*> realControls_;
 };
 
 }  // namespace vuk::rgw::core

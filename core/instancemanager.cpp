@@ -139,27 +139,18 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
   std::unique_ptr<Instance> instance = plugin->MakeInstance(element.GetChild("name").GetText(), adaptor_);
   if (!instance) return nullptr;
   Instance& tool = *instance;
-  const std::string name = tool.util::MessageNode::GetName();
+  const std::string name = tool.InstanceName();
   auto item = std::make_unique<InstanceReference>(std::move(instance));
   if (element.GetChild("checked").GetText() == "false") item->states[TreeItem::kChecked] = 0;
   util::xml::Element custom = element.GetChild("customdata");
-  tool.tool->Extension(extension::kLoadCustomData, &custom);
-  if (tool.tool->BuildConfig() != 0) return nullptr;
-  if (tool.configRoot && !element.GetChild("configprofile").children.empty()) {
-    tool.configRoot->ReadAnyProfile(element.GetChild("configprofile"));
-  }
+  tool.GetTool()->Extension(extension::kLoadCustomData, &custom);
+  if (tool.GetTool()->BuildConfig() != 0) return nullptr;
+  if (!element.GetChild("configprofile").children.empty()) tool.ApplyConfigProfile(element.GetChild("configprofile"));
   if (!element.GetChild("inputprofile").IsEmpty()) tool.ApplyInputProfile(element.GetChild("inputprofile"));
-  const util::xml::Element& tracks = element.GetChild("recordedinputvalues");
-  tool.recordedTracks.assign(tracks.CountChildren("input"), util::AVar_Linear<double>());
-  for (std::size_t i = 0; i < tool.recordedTracks.size(); ++i) {
-    util::Bytes block;
-    if (util::Base64::Decode(tracks.GetChild("input", i).GetText(), block)) {
-      tool.recordedTracks[i].Load(block.data(), block.size());
-    }
-  }
+  tool.LoadTracks(element.GetChild("recordedinputvalues"));
   const util::xml::Element& saved = element.GetChild("savedata");
   if (saved.IsEmpty()) {
-    if (tool.tool->Create() != 0) return nullptr;
+    if (tool.GetTool()->Create() != 0) return nullptr;
   } else {
     const util::xml::Element& nodeInfo = element.GetChild("nodeinfo");
     NodeVector nodes;
@@ -182,7 +173,7 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
     util::Bytes bytes;
     util::Base64::Decode(saved.GetText(), bytes);
     tool.SetSaveData(bytes.data(), static_cast<std::int32_t>(bytes.size()));
-    if (tool.tool->Load() != 0) return nullptr;
+    if (tool.GetTool()->Load() != 0) return nullptr;
   }
   InstanceReference* made = item.release();
   (parent ? parent : &root_)->Link(made);
@@ -207,10 +198,10 @@ int InstanceManager::LoadToolTree(const util::xml::Element& given) {
   // Every tool exists now: tools that link to others' nodes do it here, parents first.
   int count = 0;
   for (InstanceReference* item : made) {
-    item->instance->tool->Extension(extension::kConnectTools, nullptr);
+    item->instance->GetTool()->Extension(extension::kConnectTools, nullptr);
     ++count;
     Walk(*item, [&](InstanceReference& child) {
-      child.instance->tool->Extension(extension::kConnectTools, nullptr);
+      child.instance->GetTool()->Extension(extension::kConnectTools, nullptr);
       ++count;
     });
   }

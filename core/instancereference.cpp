@@ -73,7 +73,7 @@ std::int32_t TreeItem::ChildIndex() const {
 }
 
 InstanceReference::InstanceReference(std::unique_ptr<Instance> owned) : instance(std::move(owned)) {
-  if (instance) instance->reference = this;
+  if (instance) instance->SetReference(this);
 }
 
 InstanceReference::~InstanceReference() {
@@ -90,11 +90,11 @@ Element InstanceReference::Serialize(std::uint32_t flags) const {
   plugin.SetAttribute("version") = "2.5";
   if (instance) {
     Instance& tool = *instance;
-    plugin.AddChild(TagWithData("type", tool.plugin->GetName()));
+    plugin.AddChild(TagWithData("type", tool.GetToolPlugin()->GetName()));
     plugin.AddChild(TagWithData("name", tool.util::MessageNode::GetName()));
     if (states[kChecked] == 0) plugin.AddChild(TagWithData("checked", "false"));
     Tag custom("customdata");
-    tool.tool->Extension(extension::kSaveCustomData, &custom);
+    tool.GetTool()->Extension(extension::kSaveCustomData, &custom);
     plugin.AddChild(custom);
     plugin.AddChild(tool.ConfigProfile());
     Tag input("inputprofile");
@@ -103,15 +103,9 @@ Element InstanceReference::Serialize(std::uint32_t flags) const {
     plugin.AddChild(NodeInfo(tool));
     if (flags & kFullContent) {
       std::int32_t length = 0;
-      const std::uint8_t* bytes = tool.tool->Save() == 0 ? tool.GetSaveData(&length) : nullptr;
+      const std::uint8_t* bytes = tool.GetTool()->Save() == 0 ? tool.GetSaveData(&length) : nullptr;
       if (bytes) plugin.AddChild(TagWithData("savedata", Blob(bytes, static_cast<std::size_t>(length))));
-      Tag tracks("recordedinputvalues");
-      for (const auto& track : tool.recordedTracks) {
-        util::Bytes block(track.GetSaveSize());
-        track.Save(block.data(), static_cast<std::uint32_t>(block.size()));
-        tracks.AddChild(TagWithData("input", Blob(block.data(), block.size())));
-      }
-      plugin.AddChild(tracks);
+      plugin.AddChild(tool.SaveTracks());
     }
   }
   if (!(flags & kNoChildren)) {

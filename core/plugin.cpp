@@ -8,18 +8,33 @@ namespace vuk::rgw::core {
 
 Plugin::Plugin(CCameraPlugin* toolPlugin)
     : plugin(toolPlugin),
-      configProfiles(XMLFileManager::Kind::kConfig, GetUserFolder() + "/configprofiles"),
-      inputProfiles(XMLFileManager::Kind::kInput, GetUserFolder() + "/inputprofiles") {
-  configProfiles.AddFolder(GetUserFolder() + "/configprofiles");
-  configProfiles.AddFile(GetInstallFolder() + "/configprofile.xml");
-  configProfiles.AddFolder(GetInstallFolder() + "/configprofiles");
-  inputProfiles.AddFolder(GetUserFolder() + "/inputprofiles");
-  inputProfiles.AddFile(GetInstallFolder() + "/inputprofile.xml");
-  inputProfiles.AddFolder(GetInstallFolder() + "/inputprofiles");
-  configProfiles.Load();
-  inputProfiles.Load();
-  configProfiles.SetReadOnly(kFactorySettings);
-  inputProfiles.SetReadOnly(kFactorySettings);
+      configProfiles_(XMLFileManager::Kind::kConfig, GetUserFolder() + "/configprofiles"),
+      inputProfiles_(XMLFileManager::Kind::kInput, GetUserFolder() + "/inputprofiles") {}
+
+XMLFileManager& Plugin::ConfigProfiles() {
+  LoadProfiles();
+  return configProfiles_;
+}
+
+XMLFileManager& Plugin::InputProfiles() {
+  LoadProfiles();
+  return inputProfiles_;
+}
+
+void Plugin::LoadProfiles() {
+  // Most runs never open a tool's profiles: they are read at the first need.
+  if (profilesLoaded_) return;
+  profilesLoaded_ = true;
+  configProfiles_.AddFolder(GetUserFolder() + "/configprofiles");
+  configProfiles_.AddFile(GetInstallFolder() + "/configprofile.xml");
+  configProfiles_.AddFolder(GetInstallFolder() + "/configprofiles");
+  inputProfiles_.AddFolder(GetUserFolder() + "/inputprofiles");
+  inputProfiles_.AddFile(GetInstallFolder() + "/inputprofile.xml");
+  inputProfiles_.AddFolder(GetInstallFolder() + "/inputprofiles");
+  configProfiles_.Load();
+  inputProfiles_.Load();
+  configProfiles_.SetReadOnly(kFactorySettings);
+  inputProfiles_.SetReadOnly(kFactorySettings);
 }
 
 std::string Plugin::GetUserFolder() const { return core::GetUserFolder() + "/data/" + plugin->GetPath(); }
@@ -43,10 +58,8 @@ const util::xml::Element& KeepFactoryAndStart(XMLFileManager& manager, util::xml
 }  // namespace
 
 void Plugin::ApplyStartProfiles(Instance& instance) {
-  const util::xml::Element& config = KeepFactoryAndStart(configProfiles, instance.ConfigProfile());
-  if (instance.configRoot) instance.configRoot->ReadAnyProfile(config);
-  instance.configProfileName = kStartProfile;
-  instance.ApplyInputProfile(KeepFactoryAndStart(inputProfiles, instance.InputProfile()));
+  instance.ApplyConfigProfile(KeepFactoryAndStart(ConfigProfiles(), instance.ConfigProfile()));
+  instance.ApplyInputProfile(KeepFactoryAndStart(InputProfiles(), instance.InputProfile()));
 }
 
 std::vector<std::string> Plugin::GetAliases() const {
@@ -79,7 +92,7 @@ std::unique_ptr<Instance> Plugin::MakeInstance(const std::string& name, AdaptorI
 std::unique_ptr<Instance> Plugin::CreateInstance(const std::string& name, AdaptorInterface* adaptor) {
   std::unique_ptr<Instance> instance = MakeInstance(name, adaptor);
   if (!instance) return nullptr;
-  if (instance->tool->BuildConfig() != 0 || instance->tool->Create() != 0) return nullptr;
+  if (instance->GetTool()->BuildConfig() != 0 || instance->GetTool()->Create() != 0) return nullptr;
   ApplyStartProfiles(*instance);
   return instance;
 }

@@ -18,8 +18,7 @@ class Plugin {
   static constexpr const char* kFactorySettings = "Factory Settings";
   static constexpr const char* kStartProfile = "Start Profile";
 
-  // Takes the plugin object, released with this, and reads the tool's
-  // profiles: the user's, then the installed examples and files.
+  // Takes the plugin object, released with this.
   explicit Plugin(CCameraPlugin* toolPlugin);
   ~Plugin() { plugin->Release(); }
   Plugin(const Plugin&) = delete;
@@ -42,14 +41,22 @@ class Plugin {
   std::string GetUserFolder() const;
   std::string GetInstallFolder() const;
 
+  // The tool's profiles: the user's, then the installed examples and files,
+  // read when first asked for.
+  XMLFileManager& ConfigProfiles();
+  XMLFileManager& InputProfiles();
+
   CCameraPlugin* plugin;
-  XMLFileManager configProfiles;
-  XMLFileManager inputProfiles;
 
  private:
   // "Factory Settings" from the new tool's values, "Start Profile" when
   // there is none yet, and that profile into the instance.
   void ApplyStartProfiles(Instance& instance);
+  void LoadProfiles();
+
+  XMLFileManager configProfiles_;
+  XMLFileManager inputProfiles_;
+  bool profilesLoaded_ = false;
 };
 
 }  // namespace vuk::rgw::core

@@ -38,11 +38,6 @@ void RecordManager::SetSpeedStep(std::int32_t step) {
   if (recording && !resimulating) adaptor_->SetTimeScale(HostScale(timeScale));
 }
 
-std::vector<Instance*> RecordManager::MarkInstancesOfTheTree() {
-  for (Instance* instance : instances_->AllInstances()) instance->inRecording = true;
-  return instances_->CheckedInstances();
-}
-
 void RecordManager::StartRecording() {
   if (recording) return;
   adaptor_->BeginUndo("Record");
@@ -51,7 +46,7 @@ void RecordManager::StartRecording() {
   endTime = adaptor_->GetAnimationRange().second;
   time = startTime;
   frameIndex = Base().FrameAt(time);
-  std::vector<Instance*> checked = MarkInstancesOfTheTree();
+  std::vector<Instance*> checked = instances_->CheckedInstances();
   adaptor_->BeginRecordingInstances(HandlesOf(checked));
   BeginInstances(std::move(checked));
   firstTick = true;
@@ -77,7 +72,7 @@ void RecordManager::StepInstances(double frameTime) {
 
 void RecordManager::OnTimeChanged(double newTime) {
   const std::vector<Instance*> listeners = recording ? recordInstances : instances_->AllInstances();
-  for (Instance* instance : listeners) instance->tool->TimeChanged(newTime);
+  for (Instance* instance : listeners) instance->GetTool()->TimeChanged(newTime);
 }
 
 void RecordManager::TimerFired(std::int32_t id, std::int64_t) {
@@ -160,7 +155,7 @@ void RecordManager::StartResimulation(double from, double to) {
   endTime = to;
   savedTimeScale = timeScale;
   timeScale = 1.0;
-  recordInstances = MarkInstancesOfTheTree();
+  recordInstances = instances_->CheckedInstances();
   if (devices_) devices_->Acquire();
   resimulator_.Start(recordInstances, from, to, Base());
   resimStartMs = clock();

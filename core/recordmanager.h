@@ -95,8 +95,6 @@ class RecordManager : public TimerManager {
  private:
   // The host's frame rate, or the fixed frame duration when that is set.
   TimeBase Base() const;
-  // Every instance has been part of this run; answers the checked ones, which take part.
-  std::vector<Instance*> MarkInstancesOfTheTree();
 
   AdaptorInterface* adaptor_;
   DeviceManager* devices_;

@@ -32,14 +32,8 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
   std::getline(csv, line);
   const std::vector<std::string> header = Cells(line);
   if (header.empty() || header[0] != "time") return fail(1, "the first column must be \"time\"");
-  std::vector<std::size_t> trackOf;
   for (std::size_t c = 1; c < header.size(); ++c) {
-    std::size_t track = instance.inputs.Count();
-    for (std::size_t i = 0; i < instance.inputs.Count(); ++i) {
-      if (instance.inputs.Get(i)->name == header[c]) track = i;
-    }
-    if (track == instance.inputs.Count()) return fail(1, "the tool has no channel \"" + header[c] + "\"");
-    trackOf.push_back(track);
+    if (!instance.Inputs().Find(header[c])) return fail(1, "the tool has no channel \"" + header[c] + "\"");
   }
   // Everything is read before the tracks change.
   std::vector<std::vector<double>> rows;
@@ -56,9 +50,9 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
     }
     rows.push_back(std::move(values));
   }
-  instance.recordedTracks.resize(std::max(instance.recordedTracks.size(), instance.inputs.Count()));
-  for (const std::vector<double>& row : rows) {
-    for (std::size_t c = 0; c < trackOf.size(); ++c) instance.recordedTracks[trackOf[c]].Set(row[0], row[c + 1]);
+  for (std::size_t c = 1; c < header.size(); ++c) {
+    util::AVar_Linear<double>& track = *instance.TrackOf(header[c]);
+    for (const std::vector<double>& row : rows) track.Set(row[0], row[c]);
   }
   return true;
 }

@@ -24,9 +24,7 @@ void TreePlaceRestore::Undo(bool) { Place(!outAfterDo_); }
 void TreePlaceRestore::Redo() { Place(outAfterDo_); }
 
 void InstanceReferenceRename::Apply(const std::string& name) {
-  instance_->util::MessageNode::SetName(name);
-  instance_->Device::name = name;
-  instance_->tool->name = name;
+  instance_->Rename(name);
 }
 
 }  // namespace vuk::rgw::core

@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     auto instance = tool->CreateInstance("", &host);
     if (!instance) continue;
     instance->SetSaveData(data, static_cast<std::int32_t>(size));
-    if (instance->tool->Load() == 0) instance->tool->Save();
+    if (instance->GetTool()->Load() == 0) instance->GetTool()->Save();
   }
   return 0;
 }

@@ -20,7 +20,8 @@ namespace {
 int Help(int code) {
   std::fprintf(code == 0 ? stdout : stderr,
                "usage: rgw COMMAND [ARGUMENTS]\n"
-               "  tools                  the tools that can be made\n"
+               "  tools [NAME]           the tools that can be made; with a name, that tool's\n"
+               "                         nodes, channels, values and profiles\n"
                "  scene show FILE        what a scene file holds\n"
                "  scene demo OUT         writes a small demo scene\n"
                "  create FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]...\n"

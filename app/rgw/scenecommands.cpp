@@ -5,7 +5,6 @@
 
 #include "app/rgw/commands.h"
 #include "app/rgw/session.h"
-#include "core/configadaptor/elements.h"
 #include "core/prmfile.h"
 #include "core/takefile.h"
 #include "scenes/samplescene.h"
@@ -92,10 +91,46 @@ int OpenTool(const Arguments& args, const char* usage, std::initializer_list<con
   return 0;
 }
 
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text.empty() ? "(none)" : text;
+}
+
+// What the other commands take for a tool: node names for --link, channel
+// names for a take, value labels with their ranges for set, profiles for bind.
+int DescribeTool(const std::string& toolName) {
+  Session session;
+  rgw::core::Plugin* tool = session.library.FindTool(toolName);
+  if (!tool) return Fail("no tool is called \"" + toolName + "\"; 'rgw tools' lists them");
+  rgw::core::InstanceReference* item = session.tools.Create(toolName);
+  if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
+  const rgw::core::Instance& instance = *item->instance;
+  std::printf("%s: %s (%s)\n", tool->ToolName().c_str(), tool->plugin->GetTitle().c_str(),
+              tool->plugin->GetCategory().c_str());
+  std::printf("nodes: %s\n", Joined(instance.NodeNames()).c_str());
+  std::vector<std::string> channels;
+  for (const auto& channel : instance.Channels()) channels.push_back(channel.name);
+  std::printf("channels: %s\n", Joined(channels).c_str());
+  std::printf("values:\n");
+  for (const auto& value : instance.Values()) {
+    std::printf("  %s = %g (%s %g to %g)\n", value.label.c_str(), value.value, value.whole ? "whole" : "from",
+                value.minimum, value.maximum);
+  }
+  std::printf("config profiles: %s\n", Joined(tool->ConfigProfiles().Names()).c_str());
+  std::printf("input profiles: %s\n", Joined(tool->InputProfiles().Names()).c_str());
+  return 0;
+}
+
 }  // namespace
 
 int ToolsCommand(const Arguments& args) {
-  if (WantsHelp(args)) return Usage("usage: rgw tools\n  Lists the tools that can be made, with their title and category.\n");
+  if (WantsHelp(args) || args.size() > 1) {
+    return Usage(
+        "usage: rgw tools          the tools that can be made, with their title and category\n"
+        "       rgw tools NAME     one tool: its nodes, channels, values with their ranges, and profiles\n");
+  }
+  if (args.size() == 1) return DescribeTool(args[0]);
   rgw::core::LibraryManager library(rgw::addon::BuiltInTools());
   library.ScanPluginFolders();
   for (const rgw::core::Plugin* tool : library.AllTools()) {
@@ -140,22 +175,19 @@ int SceneCommand(const Arguments& args) {
     }
     for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) pending.emplace_back(*it, depth + 1);
   }
-  for (rgw::core::Instance* instance : session.tools.AllInstances()) {
-    std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->util::MessageNode::GetName().c_str(),
-                instance->plugin->GetName().c_str(), instance->inputs.Count(), instance->recordedTracks.size());
+  for (const rgw::core::Instance* instance : session.tools.AllInstances()) {
+    const std::vector<rgw::core::Instance::Channel> channels = instance->Channels();
+    std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->InstanceName().c_str(),
+                instance->GetToolPlugin()->GetName().c_str(), channels.size(), instance->RecordedTracks().size());
     // The channels that are bound or hold a take: what a later run will read.
-    for (std::size_t i = 0; i < instance->inputs.Count(); ++i) {
-      const auto* channel = instance->inputs.Get(i);
-      const auto* take = i < instance->recordedTracks.size() ? &instance->recordedTracks[i].records : nullptr;
-      const bool hasTake = take && !take->empty();
-      if (channel->config.IsEmpty() && !hasTake) continue;
-      std::printf("  channel %s:", channel->name.c_str());
-      if (!channel->config.IsEmpty()) {
-        std::printf(" bound to \"%s\"", channel->config.GetChild("description").GetText().c_str());
-      }
-      if (hasTake) {
-        std::printf("%s take of %zu samples, %.3f s to %.3f s", channel->config.IsEmpty() ? "" : ",", take->size(),
-                    take->front().time, take->back().time);
+    for (const auto& channel : channels) {
+      if (channel.boundTo.empty() && !channel.take) continue;
+      std::printf("  channel %s:", channel.name.c_str());
+      if (!channel.boundTo.empty()) std::printf(" bound to \"%s\"", channel.boundTo.c_str());
+      if (channel.take) {
+        const auto& samples = channel.take->records;
+        std::printf("%s take of %zu samples, %.3f s to %.3f s", channel.boundTo.empty() ? "" : ",", samples.size(),
+                    samples.front().time, samples.back().time);
       }
       std::printf("\n");
     }
@@ -188,7 +220,7 @@ int CreateCommand(const Arguments& args) {
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (!session.Save(options.Get("out"), error)) return Fail(error);
-  std::fprintf(stderr, "rgw: made %s in %s\n", made->util::MessageNode::GetName().c_str(), options.Get("out").c_str());
+  std::fprintf(stderr, "rgw: made %s in %s\n", made->InstanceName().c_str(), options.Get("out").c_str());
   return 0;
 }
 
@@ -229,32 +261,22 @@ int RunCommand(const Arguments& args) {
 int SetCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
-      "  Changes configuration values of a tool in the scene, by their labels.\n";
+      "  Changes configuration values of a tool in the scene, by their labels ('rgw tools TOOL'\n"
+      "  lists them with their ranges).\n";
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const int code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return code;
-  rgw::core::Instance* instance = item->instance.get();
-  if (!instance->configRoot) return Fail("the tool has no configuration page");
   std::string error;
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
     const std::size_t equals = it->second.find('=');
-    const std::string label = it->second.substr(0, equals);
-    // The page's profile names each item by label: the id comes from there.
-    const vuk::util::xml::Element profile = instance->ConfigProfile();
-    std::int32_t id = -1;
-    std::vector<const vuk::util::xml::Element*> pending{&profile};
-    while (!pending.empty() && id < 0) {
-      const vuk::util::xml::Element* at = pending.back();
-      pending.pop_back();
-      for (const auto& child : at->children) {
-        if (child->name == "item" && child->GetAttribute("label") == label) id = std::atoi(child->GetAttribute("id").c_str());
-        if (child->name == "group") pending.push_back(child.get());
-      }
-    }
-    if (equals == std::string::npos || id < 0) return Fail("the tool has no value \"" + label + "\"");
-    instance->configRoot->SetValueById(id, std::atof(it->second.substr(equals + 1).c_str()));
+    if (equals == std::string::npos) return Fail("--value wants LABEL=NUMBER, not \"" + it->second + "\"");
+    const std::string number = it->second.substr(equals + 1);
+    char* end = nullptr;
+    const double value = std::strtod(number.c_str(), &end);
+    if (number.empty() || *end != '\0') return Fail("\"" + number + "\" is not a number");
+    if (!item->instance->SetValue(it->second.substr(0, equals), value, error)) return Fail(error);
   }
   return session.Save(options.Get("out"), error) ? 0 : Fail(error);
 }
@@ -292,9 +314,9 @@ int BindCommand(const Arguments& args) {
     profile = &file.GetChild("profile");
   } else {
     // Not a file: a profile the tool has by that name, a factory one or the user's.
-    const std::string toolName = item->instance->plugin->GetName();
-    const rgw::core::Plugin* tool = session.library.FindTool(toolName);
-    profile = tool ? tool->inputProfiles.Find(given) : nullptr;
+    const std::string toolName = item->instance->GetToolPlugin()->GetName();
+    rgw::core::Plugin* tool = session.library.FindTool(toolName);
+    profile = tool ? tool->InputProfiles().Find(given) : nullptr;
     if (!profile) return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName);
   }
   item->instance->ApplyInputProfile(*profile);

@@ -7,8 +7,8 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelog.h"
-#include "plugins/tools.h"
 #include "tests/core/scopedenv.h"
+#include "tests/core/testtools.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -63,7 +63,7 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
   CountingAdaptor adaptor;
   {
     CoreImplementation core;
-    ASSERT_EQ(core.Start(&adaptor, addon::BuiltInTools()), &core);
+    ASSERT_EQ(core.Start(&adaptor, testing_support::TestTools()), &core);
     EXPECT_TRUE(core.IsStarted());
     EXPECT_EQ(core.GetAdaptor(), &adaptor);
     EXPECT_NE(core.GetDevices(), nullptr);
@@ -77,7 +77,7 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
     core.SetBool(102, true);
     EXPECT_NE(ReadFile(settings).find("<element id=\"102\">1</element>"), std::string::npos);
     // A second start is refused.
-    EXPECT_EQ(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
+    EXPECT_EQ(core.Start(&adaptor, testing_support::TestTools()), nullptr);
     EXPECT_EQ(adaptor.shutdowns, 0);
   }
   EXPECT_EQ(adaptor.shutdowns, 1);
@@ -94,9 +94,9 @@ TEST_F(CoreStart, ScansTheUsersPluginFolderForTools) {
   }
   CountingAdaptor adaptor;
   CoreImplementation core;
-  ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
+  ASSERT_NE(core.Start(&adaptor, testing_support::TestTools()), nullptr);
   EXPECT_NE(core.GetLibraries()->FindTool("ExternalCam"), nullptr);
-  EXPECT_NE(core.GetLibraries()->FindTool("LookAtCam"), nullptr);
+  EXPECT_NE(core.GetLibraries()->FindTool("TestTool"), nullptr);
   EXPECT_EQ(core.GetLibraries()->Libraries().size(), 1u);
   EXPECT_NE(ReadFile(folder + "/user/rigworks/data/core/core.log").find("INFO 1 tools loaded from tool libraries"),
             std::string::npos);
@@ -109,22 +109,22 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   util::xml::Element tree;
   core.SaveToolTree(tree);
   EXPECT_TRUE(tree.IsEmpty());  // nothing before the start
-  EXPECT_EQ(core.CreateByName("LookAtCam", ""), nullptr);
-  ASSERT_NE(core.Start(&host, addon::BuiltInTools()), nullptr);
+  EXPECT_EQ(core.CreateByName("TestTool", ""), nullptr);
+  ASSERT_NE(core.Start(&host, testing_support::TestTools()), nullptr);
 
-  Instance* made = core.CreateByName("LookAtCam", "");
+  Instance* made = core.CreateByName("TestTool", "");
   ASSERT_NE(made, nullptr);
-  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), made);
+  EXPECT_EQ(core.FindToolByName("TestTool_01"), made);
   EXPECT_EQ(core.CreateByName("NoSuchTool", ""), nullptr);
 
-  EXPECT_TRUE(core.Rename("LookAtCam_01", "Main camera"));
+  EXPECT_TRUE(core.Rename("TestTool_01", "Main camera"));
   EXPECT_EQ(core.FindToolByName("Main camera"), made);
-  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), nullptr);
+  EXPECT_EQ(core.FindToolByName("TestTool_01"), nullptr);
   ASSERT_TRUE(host.Undo());
-  EXPECT_EQ(core.FindToolByName("LookAtCam_01"), made);
+  EXPECT_EQ(core.FindToolByName("TestTool_01"), made);
   ASSERT_TRUE(host.Redo());
   EXPECT_EQ(core.FindToolByName("Main camera"), made);
-  ASSERT_NE(core.CreateByName("LookAtCam", "Second"), nullptr);
+  ASSERT_NE(core.CreateByName("TestTool", "Second"), nullptr);
   EXPECT_FALSE(core.Rename("Second", "Main camera"));  // taken
   EXPECT_FALSE(core.Rename("Second", ""));
   EXPECT_FALSE(core.Rename("Nobody", "Third"));
@@ -140,7 +140,7 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   EXPECT_EQ(forScene.CountChildren("RGT_Plugin"), 0u);
 
   EXPECT_TRUE(core.SetToolProfile("Main camera", "Factory Settings"));
-  EXPECT_EQ(made->configProfileName, "Factory Settings");
+  EXPECT_EQ(made->ConfigProfile().GetAttribute("name"), "Factory Settings");
   EXPECT_FALSE(core.SetToolProfile("Main camera", "No such profile"));
 
   EXPECT_TRUE(core.Delete("Second"));
@@ -159,8 +159,8 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
 TEST_F(CoreStart, ResimulatesItsTools) {
   CountingAdaptor host;
   CoreImplementation core;
-  ASSERT_NE(core.Start(&host, addon::BuiltInTools()), nullptr);
-  ASSERT_NE(core.CreateByName("1DPositioner", ""), nullptr);
+  ASSERT_NE(core.Start(&host, testing_support::TestTools()), nullptr);
+  ASSERT_NE(core.CreateByName("TestTool", ""), nullptr);
   EXPECT_FALSE(core.IsResimulating());
   core.StartResimulation(0.0, 1.0);
   EXPECT_TRUE(core.IsResimulating());
@@ -178,38 +178,44 @@ TEST_F(CoreStart, AnotherInterfaceVersionLeavesTheSystemInert) {
   adaptor.version = 20100;
   {
     CoreImplementation core;
-    EXPECT_EQ(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
+    EXPECT_EQ(core.Start(&adaptor, testing_support::TestTools()), nullptr);
     EXPECT_FALSE(core.IsStarted());
     EXPECT_EQ(core.GetDevices(), nullptr);
     EXPECT_EQ(core.GetRecorder(), nullptr);
-    EXPECT_EQ(core.CreateByName("LookAtCam", ""), nullptr);
+    EXPECT_EQ(core.CreateByName("TestTool", ""), nullptr);
     EXPECT_EQ(core.GetSettings().GetInt(100), 3);
   }
   const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
   EXPECT_NE(log.find("ERROR adaptor \"Standalone Adaptor\" speaks interface version 20100"), std::string::npos) << log;
 }
 
-TEST_F(CoreStart, AUserFileIsNotOverwrittenByTheDefaults) {
-  WriteUserSettings("<RGTConfig><element id=\"100\">8</element></RGTConfig>");
-  CountingAdaptor adaptor;
-  CoreImplementation core;
-  ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
-  EXPECT_EQ(core.GetSettings().GetInt(100), 8);
-}
+struct UserSettings {
+  const char* text;
+  std::int32_t countdown;  // setting 100 after the start
+  const char* logged;      // a line of the log, or ""
+};
 
-TEST_F(CoreStart, ABrokenSettingsFileIsLoggedAndTheDefaultsHold) {
-  const std::string path = WriteUserSettings("<RGTConfig><element id=\"100\">8</element>");
+class CoreStartWithUserSettings : public CoreStart, public testing::WithParamInterface<UserSettings> {};
+
+TEST_P(CoreStartWithUserSettings, AreReadOverTheDefaultsOrLogged) {
+  const std::string path = WriteUserSettings(GetParam().text);
   CountingAdaptor adaptor;
   {
     CoreImplementation core;
-    ASSERT_NE(core.Start(&adaptor, addon::BuiltInTools()), nullptr);
-    EXPECT_EQ(core.GetSettings().GetInt(100), 3);
+    ASSERT_NE(core.Start(&adaptor, testing_support::TestTools()), nullptr);
+    EXPECT_EQ(core.GetSettings().GetInt(100), GetParam().countdown);
   }
   const std::string log = ReadFile(folder + "/user/rigworks/data/core/core.log");
-  EXPECT_NE(log.find("WARNING " + path + ": not a settings file (parse result 3)"),
-            std::string::npos)
-      << log;
+  EXPECT_NE(log.find(GetParam().logged), std::string::npos) << log;
+  if (*GetParam().logged) {
+    EXPECT_NE(log.find("WARNING " + path + ": "), std::string::npos) << log;
+  }
 }
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, CoreStartWithUserSettings,
+    testing::Values(UserSettings{"<RGTConfig><element id=\"100\">8</element></RGTConfig>", 8, ""},
+                    UserSettings{"<RGTConfig><element id=\"100\">8</element>", 3, "not a settings file (parse result 3)"}));
 
 }  // namespace
 }  // namespace vuk::rgw::core

@@ -16,8 +16,9 @@ namespace {
 using adaptor::standalone::StandaloneAdaptorInterface;
 using unidevice::testing_support::TestDevice;
 
-// A tool with two channels, a spinner that is also an input, and a gauge.
-class Steering : public CCamera {
+// A tool with two channels, a spinner that is also an input, whole-number
+// values, and a gauge.
+class Steering : public CCamera, public CInterface::Callback {
  public:
   using CCamera::CCamera;
   std::int32_t BuildConfig() override {
@@ -25,6 +26,11 @@ class Steering : public CCamera {
     gas = iface->AddInput("Gas", input::kContinuous);
     iface->BeginConfig();
     iface->AddSpinner("Speed", "", &speed, 0, 100, 1, 0, true, 0, nullptr);
+    iface->BeginGroup("Gearbox", "");
+    iface->AddIntSpinner("Gears", "", &gears, 1, 6, 1, 0, false, 0, this);
+    iface->AddCheckBox("Reverse", "", &reverse, this);
+    iface->EndGroup();
+    iface->AddTextBox("Note", "", &note, this);
     iface->EndConfig();
     GaugeDescription description{"Wheel angle", 0, 8, ""};
     if (iface->HasExtension(extension::kMakeGauge)) {
@@ -41,13 +47,18 @@ class Steering : public CCamera {
     return 0;
   }
   std::vector<std::int32_t> ExtensionIds() override { return {extension::kWriteGauge}; }
+  void Changed(std::string label) override { changes.push_back(label); }
 
   unidevice::Property* steer = nullptr;
   unidevice::Property* gas = nullptr;
   unidevice::Control* gauge = nullptr;
   double speed = 10;
+  std::int32_t gears = 5;
+  bool reverse = false;
+  std::string note;
   double angle = 0;
   std::vector<double> steered;
+  std::vector<std::string> changes;
 };
 
 class SteeringPlugin : public CCameraPlugin {
@@ -70,12 +81,13 @@ class InstanceRun : public testing::Test {
     pads.AddDevice(pad);
     CCamera::CreateParam param("");
     instance = std::make_unique<Instance>(&plugin, plugin.Create(param), "", &host);
-    tool = static_cast<Steering*>(instance->tool);
+    tool = static_cast<Steering*>(instance->GetTool());
     ASSERT_EQ(tool->BuildConfig(), 0);
     tool->steer->deadzone = 0;
     tool->steer->Bind(pad->GetControl(0));
     tool->gas->Bind(pad->GetControl(1));
   }
+  const util::AVar_Linear<double>& Track(std::size_t channel) { return instance->RecordedTracks()[channel]; }
   void Take(double from, int frames, double value) {
     host.BeginUndo("Record");
     instance->Start(from, Instance::Run::kRecording);
@@ -103,24 +115,26 @@ TEST_F(InstanceRun, NamesCountUp) {
   Instance second(&plugin, plugin.Create(param), "Steering_01", &host);
   EXPECT_EQ(second.util::MessageNode::GetName(), "Steering_02");
   EXPECT_EQ(Instance::MakeUniqueName("Car", &host), "Car");
-  EXPECT_EQ(instance->icon, "/core/images/treeicons/quoll_vehicle_tools.png");
+  second.Rename("Truck");
+  EXPECT_EQ(second.GetTool()->name, "Truck");
+  EXPECT_EQ(second.Device::name, "Truck");
 }
 
 TEST_F(InstanceRun, ARecordingKeepsRawSamplesAndASecondTakeKeepsTheEarlierOnes) {
   tool->steer->multiplier = 5;  // shaping is not what is recorded
   Take(0.0, 4, 0.25);
   // One track per channel, the spinner's own channel included.
-  ASSERT_EQ(instance->recordedTracks.size(), 3u);
-  EXPECT_EQ(instance->recordedTracks[2].Get(1.0), 0.0);
-  EXPECT_EQ(instance->recordedTracks[0].records.size(), 4u);
-  EXPECT_EQ(instance->recordedTracks[0].Get(1.0), 2.25);
-  EXPECT_EQ(instance->recordedTracks[1].Get(1.5), -0.25);
+  ASSERT_EQ(instance->RecordedTracks().size(), 3u);
+  EXPECT_EQ(Track(2).Get(1.0), 0.0);
+  EXPECT_EQ(Track(0).records.size(), 4u);
+  EXPECT_EQ(Track(0).Get(1.0), 2.25);
+  EXPECT_EQ(Track(1).Get(1.5), -0.25);
   Take(1.0, 2, 7.0);
-  EXPECT_EQ(instance->recordedTracks[0].records.size(), 4u);  // 0, 0.5 kept; 1.0, 1.5 new
-  EXPECT_EQ(instance->recordedTracks[0].Get(0.5), 1.25);
-  EXPECT_EQ(instance->recordedTracks[0].Get(1.5), 8.0);
+  EXPECT_EQ(Track(0).records.size(), 4u);  // 0, 0.5 kept; 1.0, 1.5 new
+  EXPECT_EQ(Track(0).Get(0.5), 1.25);
+  EXPECT_EQ(Track(0).Get(1.5), 8.0);
   host.Undo();
-  EXPECT_EQ(instance->recordedTracks[0].Get(1.5), 3.25);
+  EXPECT_EQ(Track(0).Get(1.5), 3.25);
 }
 
 TEST_F(InstanceRun, AResimulationFeedsTheRecordedValuesThroughTheShaping) {
@@ -169,7 +183,7 @@ TEST_F(InstanceRun, InputProfilesBindWhatIsThereAndWaitForTheRest) {
   EXPECT_EQ(tool->steer->source, nullptr);
   EXPECT_EQ(tool->gas->source, nullptr);
   EXPECT_EQ(tool->gas->deadzone, 0.2);
-  EXPECT_EQ(instance->inputProfileName, "Wheel");
+  EXPECT_EQ(instance->InputProfile().GetAttribute("name"), "Wheel");
   auto* wheel = new TestDevice("Wheel", 2, "Axis");
   pads.AddDevice(wheel);
   unidevice::DriverList::Instance().DeviceAdded(wheel);
@@ -187,6 +201,108 @@ TEST_F(InstanceRun, DeleteWithAndWithoutNodes) {
   EXPECT_EQ(instance->FindNode("Gone"), nullptr);
 }
 
+TEST_F(InstanceRun, ListsItsNumbersChannelsAndNodes) {
+  const std::vector<Instance::Value> values = instance->Values();
+  ASSERT_EQ(values.size(), 3u);  // the text box holds no number
+  EXPECT_EQ(values[0].label, "Speed");
+  EXPECT_EQ(values[0].value, 10.0);
+  EXPECT_EQ(values[0].maximum, 100.0);
+  EXPECT_FALSE(values[0].whole);
+  EXPECT_EQ(values[1].label, "Gears");
+  EXPECT_EQ(values[1].minimum, 1.0);
+  EXPECT_TRUE(values[1].whole);
+  EXPECT_EQ(values[2].label, "Reverse");
+  EXPECT_EQ(values[2].maximum, 1.0);
+  Take(0.0, 2, 0.5);
+  const std::vector<Instance::Channel> channels = instance->Channels();
+  ASSERT_EQ(channels.size(), 3u);
+  EXPECT_EQ(channels[0].name, "Steer");
+  EXPECT_EQ(channels[0].boundTo, "Pad: Axis 1");
+  ASSERT_NE(channels[0].take, nullptr);
+  EXPECT_EQ(channels[0].take->records.size(), 2u);
+  EXPECT_EQ(channels[2].name, "Spinner: Speed");
+  EXPECT_EQ(channels[2].boundTo, "");
+  instance->CreateCameraNode("Cam", nullptr, nullptr);
+  EXPECT_EQ(instance->NodeNames(), std::vector<std::string>{"Cam"});
+}
+
+struct ValueCase {
+  const char* label;
+  double value;
+  const char* error;  // empty when the value is taken
+};
+
+class SetValues : public InstanceRun, public testing::WithParamInterface<ValueCase> {};
+
+TEST_P(SetValues, TakesValuesInRangeAndTellsTheTool) {
+  const ValueCase& given = GetParam();
+  std::string error;
+  EXPECT_EQ(instance->SetValue(given.label, given.value, error), *given.error == '\0');
+  EXPECT_EQ(error, given.error);
+  if (!error.empty()) {
+    EXPECT_TRUE(tool->changes.empty());
+    return;
+  }
+  for (const Instance::Value& value : instance->Values()) {
+    if (value.label == given.label) {
+      EXPECT_EQ(value.value, given.value);
+    }
+  }
+  // As from the page: the tool hears of its labelled controls.
+  if (given.label != std::string("Speed")) {
+    EXPECT_EQ(tool->changes, std::vector<std::string>{given.label});
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Labels, SetValues,
+    testing::Values(ValueCase{"Speed", 55.5, ""}, ValueCase{"Gears", 1, ""}, ValueCase{"Reverse", 1, ""},
+                    ValueCase{"Speed", 100.5, "\"Speed\" takes values from 0 to 100, not 100.5"},
+                    ValueCase{"Gears", 2.5, "\"Gears\" takes whole numbers from 1 to 6, not 2.5"},
+                    ValueCase{"Reverse", -1, "\"Reverse\" takes whole numbers from 0 to 1, not -1"},
+                    ValueCase{"Note", 1, "Steering_01 has no value \"Note\""},
+                    ValueCase{"Gearbox", 1, "Steering_01 has no value \"Gearbox\""}));
+
+// Saved tracks of two channels: Gas holds -2 at 0, Steer 0.5 at 0 and 1.5 at 1.
+constexpr char kSteerBlob[] = "EAAAACAAAABkAAAAAgAAAAAAAAAAAAAAAAAAAAAA4D8AAAAAAADwPwAAAAAAAPg/";
+constexpr char kGasBlob[] = "EAAAABAAAABkAAAAAQAAAAAAAAAAAAAAAAAAAAAAAMA=";
+
+util::xml::Element Tracks(const std::string& inputs) {
+  util::xml::Element tracks;
+  tracks.ParseText("<recordedinputvalues>" + inputs + "</recordedinputvalues>");
+  return tracks;
+}
+
+TEST_F(InstanceRun, TracksAreSavedWithTheirChannelsAndFoundByName) {
+  instance->LoadTracks(Tracks(std::string("<input channel=\"Gas\">") + kGasBlob + "</input><input channel=\"Steer\">" +
+                              kSteerBlob + "</input>"));
+  EXPECT_EQ(Track(0).Get(1.0), 1.5);
+  EXPECT_EQ(Track(1).Get(0.0), -2.0);
+  const util::xml::Element saved = instance->SaveTracks();
+  ASSERT_EQ(saved.CountChildren("input"), 3u);
+  EXPECT_EQ(saved.GetChild("input", 0).GetAttribute("channel"), "Steer");
+  EXPECT_EQ(saved.GetChild("input", 0).GetText(), kSteerBlob);
+  EXPECT_EQ(saved.GetChild("input", 2).GetAttribute("channel"), "Spinner: Speed");
+}
+
+TEST_F(InstanceRun, TracksOfOlderFilesGoByTheirOrder) {
+  instance->LoadTracks(Tracks(std::string("<input>") + kSteerBlob + "</input><input>" + kGasBlob + "</input>"));
+  ASSERT_EQ(instance->RecordedTracks().size(), 2u);
+  EXPECT_EQ(Track(0).Get(1.0), 1.5);
+  EXPECT_EQ(Track(1).Get(0.0), -2.0);
+}
+
+TEST_F(InstanceRun, ATrackOfAChannelTheToolLacksFeedsNothingAndIsKept) {
+  const std::string brake = std::string("<input channel=\"Brake\">") + kGasBlob + "</input>";
+  instance->LoadTracks(Tracks(brake + "<input channel=\"Steer\">" + kSteerBlob + "</input>"));
+  EXPECT_EQ(Track(0).Get(1.0), 1.5);
+  for (std::size_t i = 1; i < instance->RecordedTracks().size(); ++i) EXPECT_TRUE(Track(i).records.empty());
+  const util::xml::Element saved = instance->SaveTracks();
+  const util::xml::Element& last = saved.GetChild("input", saved.CountChildren("input") - 1);
+  EXPECT_EQ(last.GetAttribute("channel"), "Brake");
+  EXPECT_EQ(last.GetText(), kGasBlob);
+}
+
 struct BadTake {
   const char* name;
   const char* text;
@@ -201,7 +317,7 @@ TEST_P(TakeFiles, AreRefusedWithTheLineAndNothingChanges) {
   std::string error;
   EXPECT_FALSE(ImportTakeCsv(path, *instance, &error));
   EXPECT_EQ(error, path + GetParam().problem);
-  for (const auto& track : instance->recordedTracks) EXPECT_TRUE(track.records.empty());
+  for (const auto& track : instance->RecordedTracks()) EXPECT_TRUE(track.records.empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -216,8 +332,8 @@ TEST_F(InstanceRun, ATakeFromCsvResimulatesLikeARecording) {
   std::ofstream(path) << "time,Gas,Steer\r\n0,1,0.5\r\n0.5,1,1.5\r\n1,0,2.5\r\n";
   std::string error;
   ASSERT_TRUE(ImportTakeCsv(path, *instance, &error)) << error;
-  EXPECT_EQ(instance->recordedTracks[0].Get(0.5), 1.5);  // Steer is the first channel
-  EXPECT_EQ(instance->recordedTracks[1].Get(1.0), 0.0);
+  EXPECT_EQ(Track(0).Get(0.5), 1.5);  // Steer is the first channel
+  EXPECT_EQ(Track(1).Get(1.0), 0.0);
   tool->steered.clear();
   instance->Start(0.0, Instance::Run::kResimulating);
   for (int k = 0; k < 3; ++k) instance->Step(k * 0.5);

@@ -6,8 +6,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
 #include "core/messagebox.h"
-#include "plugins/tools.h"
-#include "plugins/lookatcam/lookatcamobject.h"
+#include "tests/core/testtools.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -15,209 +14,190 @@ namespace {
 using adaptor::standalone::GltfFile;
 using adaptor::standalone::StandaloneAdaptorInterface;
 using adaptor::standalone::StandaloneNode;
-using addon::CLookAtCamObject;
+using testing_support::TestTool;
 
-CLookAtCamObject& LookAt(InstanceReference& item) { return *static_cast<CLookAtCamObject*>(item.instance->tool); }
+TestTool& Tool(InstanceReference& item) { return *static_cast<TestTool*>(item.instance->GetTool()); }
 
 std::vector<adaptor::standalone::TransformKey> CameraKeys(InstanceReference& item) {
-  return static_cast<StandaloneNode*>(LookAt(item).cameraNode.handle)->GetHostNode()->track.Keys();
+  return static_cast<StandaloneNode*>(Tool(item).camera)->GetHostNode()->track.Keys();
 }
 
-// Saves the tools with the scene, as the host does at a scene save: tags on
-// the nodes for the file, gone from the scene after.
-void SaveScene(StandaloneAdaptorInterface& host, InstanceManager& tools, const std::string& path) {
-  tools.WriteNodeTags();
-  GltfFile file;
-  std::string error;
-  ASSERT_TRUE(file.Save(path, host.GetScene(), &error)) << error;
-  host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { node.properties.erase("RGT_tag"); });
-}
+// A scene file with the host and the tool tree that go with it.
+struct Scene {
+  // Saves the tools with the scene, as the host does at a scene save: tags
+  // on the nodes for the file, gone from the scene after.
+  void Save(const std::string& path) {
+    tools.WriteNodeTags();
+    std::string error;
+    ASSERT_TRUE(GltfFile().Save(path, host.GetScene(), &error)) << error;
+    host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { node.properties.erase("RGT_tag"); });
+  }
+  // Reads the file as many times as asked, then rebuilds the tools of its tags.
+  void Load(const std::string& path, int times = 1) {
+    std::string error;
+    for (int i = 0; i < times; ++i) ASSERT_TRUE(GltfFile().Load(path, host.GetScene(), &error)) << error;
+    host.SetSceneLoader([this](const util::xml::Element& tree) { tools.LoadToolTree(tree); });
+    host.GatherScene();
+  }
+  InstanceReference& Top(std::size_t index) { return static_cast<InstanceReference&>(*tools.Root().GetChild(index)); }
 
-void LoadScene(StandaloneAdaptorInterface& host, InstanceManager& tools, const std::string& path) {
-  GltfFile file;
-  std::string error;
-  ASSERT_TRUE(file.Load(path, host.GetScene(), &error)) << error;
-  host.SetSceneLoader([&tools](const util::xml::Element& tree) { tools.LoadToolTree(tree); });
-  host.GatherScene();
-}
+  LibraryManager library{testing_support::TestTools()};
+  StandaloneAdaptorInterface host;
+  InstanceManager tools{&host, &library};
+};
 
 class ToolsInScenes : public testing::Test {
  protected:
   void TearDown() override { SetMessageBoxSink(nullptr); }
-  LibraryManager library{addon::BuiltInTools()};
+  // The user's boxes, as "caption|style|text".
+  void CatchBox() {
+    SetMessageBoxSink([this](const std::string& text, const std::string& caption, std::int32_t style) {
+      box = caption + "|" + std::to_string(style) + "|" + text;
+      return 0;
+    });
+  }
+  std::string Path(const char* name) { return testing::TempDir() + "/" + name; }
+  std::string box;
 };
 
-TEST_F(ToolsInScenes, TwoToolsOneBelowTheOtherComeBackWithSettingsAndKeys) {
-  const std::string path = testing::TempDir() + "/two_tools.gltf";
+TEST_F(ToolsInScenes, TwoToolsOneBelowTheOtherComeBackWithSettingsTakesAndKeys) {
   std::vector<adaptor::standalone::TransformKey> keys;
   {
-    StandaloneAdaptorInterface host;
-    InstanceManager tools(&host, &library);
-    InstanceReference* parent = tools.Create("LookAtCam");
-    InstanceReference* child = tools.Create("LookAtCam", "", parent);
+    Scene scene;
+    InstanceReference* parent = scene.tools.Create("TestTool");
+    InstanceReference* child = scene.tools.Create("TestTool", "", parent);
     ASSERT_NE(child, nullptr);
-    LookAt(*child).hideCamera = true;
+    Tool(*child).hideHelpers = true;
     child->states[TreeItem::kChecked] = 0;
-    RecordManager recorder(&host, nullptr, &tools);
+    child->instance->TrackOf("Lift")->Set(0.5, 0.25);
+    RecordManager recorder(&scene.host, nullptr, &scene.tools);
     recorder.StartResimulation(0, 1);
     while (!recorder.ResimStep()) {
     }
     recorder.FinishResimulation();
     keys = CameraKeys(*parent);
     ASSERT_EQ(keys.size(), 31u);
-    SaveScene(host, tools, path);
-    host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { EXPECT_EQ(node.properties.count("RGT_tag"), 0u); });
+    scene.Save(Path("two_tools.gltf"));
   }
-  StandaloneAdaptorInterface host;
-  InstanceManager tools(&host, &library);
-  LoadScene(host, tools, path);
-  ASSERT_EQ(tools.Root().GetChildCount(), 1u);
-  auto& parent = static_cast<InstanceReference&>(*tools.Root().GetChild(0));
+  Scene scene;
+  scene.Load(Path("two_tools.gltf"));
+  ASSERT_EQ(scene.tools.Root().GetChildCount(), 1u);
+  InstanceReference& parent = scene.Top(0);
   ASSERT_EQ(parent.GetChildCount(), 1u);
   auto& child = static_cast<InstanceReference&>(*parent.GetChild(0));
-  EXPECT_EQ(parent.GetLabel(), "LookAtCam_01");
-  EXPECT_EQ(child.GetLabel(), "LookAtCam_02");
-  EXPECT_TRUE(LookAt(child).hideCamera);
-  EXPECT_FALSE(LookAt(parent).hideCamera);
+  EXPECT_EQ(parent.GetLabel(), "TestTool_01");
+  EXPECT_EQ(child.GetLabel(), "TestTool_02");
+  EXPECT_TRUE(Tool(child).hideHelpers);
+  EXPECT_FALSE(Tool(parent).hideHelpers);
   EXPECT_EQ(child.states[TreeItem::kChecked], 0);
-  EXPECT_EQ(tools.CheckedInstances().size(), 1u);
-  ASSERT_NE(LookAt(parent).cameraNode.handle, nullptr);
+  EXPECT_EQ(scene.tools.CheckedInstances().size(), 1u);
+  const std::vector<Instance::Channel> channels = child.instance->Channels();
+  ASSERT_NE(channels[0].take, nullptr);
+  EXPECT_EQ(channels[0].take->Get(0.5), 0.25);
   const auto back = CameraKeys(parent);
   ASSERT_EQ(back.size(), keys.size());
   for (std::size_t i = 0; i < keys.size(); ++i) {
     EXPECT_EQ(back[i].tick, keys[i].tick);
-    EXPECT_NEAR(back[i].rotation.Dot(keys[i].rotation), 1.0, 1e-6);
+    EXPECT_NEAR(back[i].position.x, keys[i].position.x, 1e-6);
   }
   // The tags were read from the file and are gone from the scene.
-  host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
+  scene.host.GetScene().Walk(
+      [](adaptor::standalone::SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
 }
 
 TEST_F(ToolsInScenes, ATagWhoseNodeIsGoneGivesTheBoxAndLosesNothingElse) {
-  const std::string path = testing::TempDir() + "/gone_node.gltf";
   {
-    StandaloneAdaptorInterface host;
-    InstanceManager tools(&host, &library);
-    tools.Create("LookAtCam");
-    InstanceReference* second = tools.Create("LookAtCam");
-    SaveScene(host, tools, path);
-    // The second tool's camera loses its tag in the file, as if it had gone.
-    GltfFile file;
-    StandaloneAdaptorInterface edit;
-    std::string error;
-    ASSERT_TRUE(file.Load(path, edit.GetScene(), &error)) << error;
-    edit.GetScene().Walk([&](adaptor::standalone::SceneNode& node) {
-      if (node.hostName == second->GetLabel() + "_LookAtCam") node.properties.erase("RGT_tag");
+    Scene scene;
+    scene.tools.Create("TestTool");
+    InstanceReference* second = scene.tools.Create("TestTool");
+    // The second tool's camera loses its tag, as if it had gone.
+    scene.tools.WriteNodeTags();
+    scene.host.GetScene().Walk([&](adaptor::standalone::SceneNode& node) {
+      if (node.hostName == second->GetLabel() + "_Camera") node.properties.erase("RGT_tag");
     });
-    ASSERT_TRUE(file.Save(path, edit.GetScene(), &error)) << error;
+    std::string error;
+    ASSERT_TRUE(GltfFile().Save(Path("gone_node.gltf"), scene.host.GetScene(), &error)) << error;
   }
-  std::string box;
-  SetMessageBoxSink([&](const std::string& text, const std::string& caption, std::int32_t style) {
-    box = caption + "|" + std::to_string(style) + "|" + text;
-    return 0;
-  });
-  StandaloneAdaptorInterface host;
-  InstanceManager tools(&host, &library);
-  LoadScene(host, tools, path);
-  EXPECT_EQ(tools.AllInstances().size(), 1u);
+  CatchBox();
+  Scene scene;
+  scene.Load(Path("gone_node.gltf"));
+  EXPECT_EQ(scene.tools.AllInstances().size(), 1u);
   EXPECT_EQ(box.substr(0, box.find('\n')),
             "Error loading plugin|32|Some nodes required for this plugin was not found in the scene. Please make sure "
             "all required nodes are present.");
-  EXPECT_NE(box.find("LookAtCam_02_LookAtCam"), std::string::npos) << box;
+  EXPECT_NE(box.find("TestTool_02_Camera"), std::string::npos) << box;
 }
 
 TEST_F(ToolsInScenes, ASerializedToolReadsBackAsATemplate) {
-  StandaloneAdaptorInterface host;
-  InstanceManager tools(&host, &library);
-  InstanceReference* item = tools.Create("LookAtCam");
+  Scene scene;
+  InstanceReference* item = scene.tools.Create("TestTool");
   const util::xml::Element plugin = item->Serialize(0);
   EXPECT_EQ(plugin.GetAttribute("version"), "2.5");
-  EXPECT_EQ(plugin.GetChild("type").GetText(), "LookAtCam");
-  EXPECT_EQ(plugin.GetChild("name").GetText(), "LookAtCam_01");
+  EXPECT_EQ(plugin.GetChild("type").GetText(), "TestTool");
+  EXPECT_EQ(plugin.GetChild("name").GetText(), "TestTool_01");
   EXPECT_TRUE(plugin.GetChild("checked").IsEmpty());
   EXPECT_EQ(plugin.GetChild("nodeinfo").CountChildren("node"), 2u);
   EXPECT_TRUE(plugin.GetChild("savedata").IsEmpty());  // not full content
-  const util::xml::Element compressed = item->Serialize(InstanceReference::kForScene);
-  EXPECT_EQ(compressed.GetAttribute("compressed"), "1");
+  EXPECT_EQ(item->Serialize(InstanceReference::kForScene).GetAttribute("compressed"), "1");
   // A clone is a template of the tool without its saved bytes: new nodes.
-  EXPECT_EQ(tools.LoadToolTree(plugin), 1);
-  EXPECT_EQ(tools.AllInstances().size(), 2u);
-  EXPECT_EQ(tools.AllInstances()[1]->util::MessageNode::GetName(), "LookAtCam_02");
+  EXPECT_EQ(scene.tools.LoadToolTree(plugin), 1);
+  ASSERT_EQ(scene.tools.AllInstances().size(), 2u);
+  EXPECT_EQ(scene.tools.AllInstances()[1]->InstanceName(), "TestTool_02");
 }
 
-}  // namespace
-}  // namespace vuk::rgw::core
-
-namespace vuk::rgw::core {
-namespace {
-
 TEST_F(ToolsInScenes, DeleteUnplugAndCloneGoThroughTheHostsUndo) {
-  StandaloneAdaptorInterface host;
-  InstanceManager tools(&host, &library);
-  InstanceReference* parent = tools.Create("LookAtCam");
-  tools.Create("LookAtCam", "", parent);
-  CNode* camera = LookAt(*parent).cameraNode.handle;
+  Scene scene;
+  InstanceReference* parent = scene.tools.Create("TestTool");
+  scene.tools.Create("TestTool", "", parent);
+  CNode* camera = Tool(*parent).camera;
 
-  tools.Delete(parent, false);
-  EXPECT_TRUE(tools.AllInstances().empty());
-  EXPECT_EQ(host.FindNode(static_cast<CInterface*>(nullptr), "LookAtCam"), nullptr);
-  host.Undo();
-  ASSERT_EQ(tools.AllInstances().size(), 2u);
-  EXPECT_EQ(tools.Root().GetChild(0), parent);
+  scene.tools.Delete(parent, false);
+  EXPECT_TRUE(scene.tools.AllInstances().empty());
+  scene.host.Undo();
+  ASSERT_EQ(scene.tools.AllInstances().size(), 2u);
+  EXPECT_EQ(scene.tools.Root().GetChild(0), parent);
   EXPECT_EQ(parent->GetChildCount(), 1u);
-  host.Redo();
-  EXPECT_TRUE(tools.AllInstances().empty());
-  host.Undo();
+  scene.host.Redo();
+  EXPECT_TRUE(scene.tools.AllInstances().empty());
+  scene.host.Undo();
 
   // Unplugged, the nodes stay in the scene without their tool.
-  tools.Delete(static_cast<InstanceReference*>(parent->GetChild(0)), true);
-  EXPECT_EQ(tools.AllInstances().size(), 1u);
+  scene.tools.Delete(static_cast<InstanceReference*>(parent->GetChild(0)), true);
+  EXPECT_EQ(scene.tools.AllInstances().size(), 1u);
   EXPECT_TRUE(camera->IsVisible());
 
-  CSnapshot* snapshot = LookAt(*parent).iface->GetTransformSnapshot(camera, 0);
+  Instance& source = *parent->instance;
+  CSnapshot* snapshot = source.GetTransformSnapshot(camera, 0);
   util::Matrix<double> pose;
   pose.SetTranslation({3, 4, 5});
   snapshot->SetWorldTransform(pose);
-  LookAt(*parent).iface->ReleaseTransformSnapshot(snapshot);
-  InstanceReference* copy = tools.Clone(parent);
+  source.ReleaseTransformSnapshot(snapshot);
+  InstanceReference* copy = scene.tools.Clone(parent);
   ASSERT_NE(copy, nullptr);
-  // The unplugged LookAtCam_02 lives on in its undo record: its name stays taken.
-  EXPECT_EQ(copy->GetLabel(), "LookAtCam_03");
-  CSnapshot* copied = copy->instance->GetTransformSnapshot(LookAt(*copy).cameraNode.handle, 0);
+  // The unplugged TestTool_02 lives on in its undo record: its name stays taken.
+  EXPECT_EQ(copy->GetLabel(), "TestTool_03");
+  CSnapshot* copied = copy->instance->GetTransformSnapshot(Tool(*copy).camera, 0);
   EXPECT_EQ(copied->GetWorldTransform().GetTranslation(), util::Vector3<double>(3, 4, 5));
   copy->instance->ReleaseTransformSnapshot(copied);
-  host.Undo();
-  EXPECT_EQ(tools.AllInstances().size(), 1u);
+  scene.host.Undo();
+  EXPECT_EQ(scene.tools.AllInstances().size(), 1u);
 }
 
-}  // namespace
-}  // namespace vuk::rgw::core
-
-namespace vuk::rgw::core {
-namespace {
-
 TEST_F(ToolsInScenes, AFileMergedTwiceKeepsOneTool) {
-  const std::string path = testing::TempDir() + "/merged.gltf";
   {
-    StandaloneAdaptorInterface host;
-    InstanceManager tools(&host, &library);
-    tools.Create("LookAtCam");
-    SaveScene(host, tools, path);
+    Scene scene;
+    scene.tools.Create("TestTool");
+    scene.Save(Path("merged.gltf"));
   }
-  StandaloneAdaptorInterface host;
-  InstanceManager tools(&host, &library);
-  GltfFile first, second;
-  std::string error;
-  ASSERT_TRUE(first.Load(path, host.GetScene(), &error)) << error;
-  ASSERT_TRUE(second.Load(path, host.GetScene(), &error)) << error;
+  Scene scene;
   bool boxShown = false;
-  host.SetMessageBoxSink([&](const std::string&, const std::string&, std::int32_t) {
+  scene.host.SetMessageBoxSink([&](const std::string&, const std::string&, std::int32_t) {
     boxShown = true;
     return 0;
   });
-  host.SetSceneLoader([&tools](const util::xml::Element& tree) { tools.LoadToolTree(tree); });
-  host.GatherScene();
-  ASSERT_EQ(tools.AllInstances().size(), 1u);
-  EXPECT_EQ(tools.AllInstances()[0]->util::MessageNode::GetName(), "LookAtCam_01");
+  scene.Load(Path("merged.gltf"), 2);
+  ASSERT_EQ(scene.tools.AllInstances().size(), 1u);
+  EXPECT_EQ(scene.tools.AllInstances()[0]->InstanceName(), "TestTool_01");
   // The second copy's nodes were never claimed, and the user hears of them.
   EXPECT_TRUE(boxShown);
 }

@@ -2,20 +2,20 @@
 
 #include <gtest/gtest.h>
 
-#include "plugins/tools.h"
+#include "tests/core/testtools.h"
 
 namespace vuk::rgw::core {
 namespace {
 
 TEST(LibraryManager, LoadsToolLibrariesAndSkipsTheRest) {
-  LibraryManager manager(addon::BuiltInTools());
+  LibraryManager manager(testing_support::TestTools());
   // The folder holds a tool library, one without exports and one of another version.
   EXPECT_EQ(manager.LoadFolder(RGW_TOOL_LIBRARIES), 1);
   ASSERT_EQ(manager.Libraries().size(), 1u);
   Plugin* external = manager.FindTool("ExternalCam");
   ASSERT_NE(external, nullptr);
   EXPECT_EQ(external->plugin->GetTitle(), "External Camera");
-  EXPECT_NE(manager.FindTool("LookAtCam"), nullptr);
+  EXPECT_NE(manager.FindTool("TestTool"), nullptr);
   // A second load of the same tools drops them: the name is taken.
   EXPECT_EQ(manager.LoadFolder(RGW_TOOL_LIBRARIES), 0);
   EXPECT_EQ(manager.LoadFolder("/nonexistent"), 0);

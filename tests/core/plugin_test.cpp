@@ -7,48 +7,49 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
-#include "plugins/lookatcam/lookatcamobject.h"
-#include "plugins/tools.h"
 #include "tests/core/scopedenv.h"
+#include "tests/core/testtools.h"
 
 namespace vuk::rgw::core {
 namespace {
 
 using testing_support::ScopedEnv;
+using testing_support::TestTool;
 
 TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
   const std::string home = testing::TempDir() + "/plugin_profiles";
   std::filesystem::remove_all(home);
   ScopedEnv dataHome("XDG_DATA_HOME", home.c_str());
-  const std::string folder = home + "/rigworks/data/utility/lookatcam/configprofiles";
-  std::filesystem::create_directories(folder);
-  std::ofstream(folder + "/Start Profile.ccp")
-      << "<configprofile version=\"2.0\" name=\"Start Profile\"><group id=\"-1\" label=\"General Modes\">"
-         "<item id=\"3\" label=\"Hide Camera\">1</item></group></configprofile>";
-
-  CoreLibrary library(addon::BuiltInTools());
-  Plugin* plugin = library.FindTool("LookAtCam");
+  CoreLibrary library(testing_support::TestTools());
+  Plugin* plugin = library.FindTool("TestTool");
   ASSERT_NE(plugin, nullptr);
-  EXPECT_EQ(plugin->GetUserFolder(), home + "/rigworks/data/utility/lookatcam");
+  const std::string folder = home + "/rigworks/data/TestTool";
+  EXPECT_EQ(plugin->GetUserFolder(), folder);
+  // The profiles are read at the first need, not when the tools are listed.
+  std::filesystem::create_directories(folder + "/configprofiles");
+  std::ofstream(folder + "/configprofiles/Start Profile.ccp")
+      << "<configprofile version=\"2.0\" name=\"Start Profile\">"
+         "<item id=\"1\" label=\"Hide Helpers During Recording\">1</item></configprofile>";
+
   adaptor::standalone::StandaloneAdaptorInterface host;
   auto instance = plugin->CreateInstance("", &host);
   ASSERT_NE(instance, nullptr);
-  EXPECT_TRUE(static_cast<addon::CLookAtCamObject*>(instance->tool)->hideCamera);
-  EXPECT_EQ(instance->configProfileName, "Start Profile");
-  const util::xml::Element* factory = plugin->configProfiles.Find("Factory Settings");
+  EXPECT_TRUE(static_cast<TestTool*>(instance->GetTool())->hideHelpers);
+  EXPECT_EQ(instance->ConfigProfile().GetAttribute("name"), "Start Profile");
+  const util::xml::Element* factory = plugin->ConfigProfiles().Find("Factory Settings");
   ASSERT_NE(factory, nullptr);
-  EXPECT_EQ(factory->GetChild("group").GetChild("item", 2).GetText(), "0");
-  EXPECT_TRUE(plugin->configProfiles.IsReadOnly("factory settings"));
-  EXPECT_NE(plugin->inputProfiles.Find("Start Profile"), nullptr);
+  EXPECT_EQ(factory->GetChild("item").GetText(), "0");
+  EXPECT_TRUE(plugin->ConfigProfiles().IsReadOnly("factory settings"));
+  EXPECT_NE(plugin->InputProfiles().Find("Start Profile"), nullptr);
 }
 
 TEST(Plugin, AliasesAndCategories) {
-  CoreLibrary library(addon::BuiltInTools());
-  Plugin* plugin = library.FindTool("LookAtCam");
-  EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"LookAtCam"});
+  CoreLibrary library(testing_support::TestTools());
+  Plugin* plugin = library.FindTool("TestTool");
+  EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"TestTool"});
   EXPECT_EQ(plugin->GetCategories(), std::vector<std::string>{"Camera"});
   EXPECT_TRUE(plugin->IsCreatable());
-  EXPECT_EQ(library.FindTool("lookatcam"), nullptr);
+  EXPECT_EQ(library.FindTool("testtool"), nullptr);
 }
 
 }  // namespace

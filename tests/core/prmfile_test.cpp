@@ -6,7 +6,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/instancemanager.h"
-#include "plugins/tools.h"
+#include "tests/core/testtools.h"
 #include "util/datachunk.h"
 
 namespace vuk::rgw::core {
@@ -14,11 +14,11 @@ namespace {
 
 TEST(PrmFile, AToolTreeTravelsThroughAPrmFile) {
   const std::string path = testing::TempDir() + "/rig.prm";
-  LibraryManager library{addon::BuiltInTools()};
+  LibraryManager library{testing_support::TestTools()};
   adaptor::standalone::StandaloneAdaptorInterface source;
   InstanceManager tools(&source, &library);
-  InstanceReference* parent = tools.Create("LookAtCam");
-  tools.Create("LookAtCam", "", parent);
+  InstanceReference* parent = tools.Create("TestTool");
+  tools.Create("TestTool", "", parent);
   std::string error;
   ASSERT_TRUE(SavePrmFile(path, parent->Serialize(0), &error)) << error;
 
@@ -27,7 +27,7 @@ TEST(PrmFile, AToolTreeTravelsThroughAPrmFile) {
   adaptor::standalone::StandaloneAdaptorInterface target;
   InstanceManager loaded(&target, &library);
   EXPECT_EQ(loaded.LoadToolTree(tree), 2);
-  EXPECT_EQ(loaded.Root().GetChild(0)->GetNodeCount(), 1u);
+  EXPECT_EQ(loaded.Root().GetChild(0)->GetChildCount(), 1u);
 }
 
 struct BadPrm {

@@ -68,8 +68,8 @@ class Recording : public testing::Test, public InstanceList {
     for (const char* name : {"Probe_01", "Probe_02"}) {
       CCamera::CreateParam param(name);
       instances.push_back(std::make_unique<Instance>(&plugin, plugin.Create(param), name, &host));
-      ASSERT_EQ(instances.back()->tool->BuildConfig(), 0);
-      ASSERT_EQ(instances.back()->tool->Create(), 0);
+      ASSERT_EQ(instances.back()->GetTool()->BuildConfig(), 0);
+      ASSERT_EQ(instances.back()->GetTool()->Create(), 0);
     }
     recorder.clock = [this] { return nowMs; };
     recorder.processEvents = [] {};
@@ -79,8 +79,8 @@ class Recording : public testing::Test, public InstanceList {
   std::vector<Instance*> AllInstances() override { return {instances[0].get(), instances[1].get()}; }
   std::vector<Instance*> CheckedInstances() override { return {instances[0].get()}; }
 
-  Probe& First() { return *static_cast<Probe*>(instances[0]->tool); }
-  Probe& Second() { return *static_cast<Probe*>(instances[1]->tool); }
+  Probe& First() { return *static_cast<Probe*>(instances[0]->GetTool()); }
+  Probe& Second() { return *static_cast<Probe*>(instances[1]->GetTool()); }
   void TickAt(std::int64_t ms) {
     nowMs = ms;
     recorder.Tick(ms);
@@ -202,10 +202,10 @@ TEST_F(Recording, OneHostUndoTakesBackKeysAndTracks) {
   TickAt(200);
   recorder.StopRecording();
   ASSERT_GT(KeysOf(First()), 2u);
-  ASSERT_FALSE(instances[0]->recordedTracks[0].records.empty());
+  ASSERT_FALSE(instances[0]->RecordedTracks()[0].records.empty());
   host.Undo();
   EXPECT_EQ(KeysOf(First()), 0u);
-  EXPECT_TRUE(instances[0]->recordedTracks[0].records.empty());
+  EXPECT_TRUE(instances[0]->RecordedTracks()[0].records.empty());
 }
 
 TEST_F(Recording, ControlZRetakesOrStaysIdleWhenUndoFails) {
@@ -330,8 +330,8 @@ TEST(RealTimeRecording, TheTimerDrivesFrames) {
   ProbePlugin plugin;
   CCamera::CreateParam param("Probe_01");
   Instance instance(&plugin, plugin.Create(param), "Probe_01", &host);
-  instance.tool->BuildConfig();
-  instance.tool->Create();
+  instance.GetTool()->BuildConfig();
+  instance.GetTool()->Create();
   struct One : InstanceList {
     std::vector<Instance*> AllInstances() override { return {instance}; }
     std::vector<Instance*> CheckedInstances() override { return {instance}; }
@@ -346,7 +346,7 @@ TEST(RealTimeRecording, TheTimerDrivesFrames) {
     application.quit();
   });
   application.exec();
-  const auto& steps = static_cast<Probe*>(instance.tool)->steps;
+  const auto& steps = static_cast<Probe*>(instance.GetTool())->steps;
   // About twelve frames in 0.4 s at 30 fps; a loaded machine may manage fewer.
   EXPECT_GE(steps.size(), 3u);
   EXPECT_LE(steps.size(), 14u);

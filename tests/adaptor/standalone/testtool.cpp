@@ -1,6 +1,7 @@
 #include "tests/adaptor/standalone/testtool.h"
 
 #include "sdk/cvariablemodundo.h"
+#include "util/bytes.h"
 #include "util/mesh.h"
 
 namespace vuk::rgw::testing_support {
@@ -16,6 +17,7 @@ util::Matrix<double> At(const util::Vector3<double>& position) {
 }  // namespace
 
 std::int32_t TestTool::BuildConfig() {
+  lift = iface->AddInput("Lift", input::kContinuous);
   iface->BeginConfig();
   iface->BeginGroup("Motion", "How the target moves");
   iface->AddSpinner("Speed", "Metres per second along X", &speed, -10, 10, 0.1, 0, true, 0, this);
@@ -29,6 +31,21 @@ std::int32_t TestTool::Create() {
   target = iface->CreateMeshNode("Target", nullptr, util::CMesh_Box(0.5, 0.5, 0.5), this);
   camera = iface->CreateCameraNode("Camera", nullptr, this);
   return target && camera ? 0 : 1;
+}
+
+std::int32_t TestTool::Save() {
+  util::Bytes block(path.GetSaveSize());
+  path.Save(block.data(), static_cast<std::uint32_t>(block.size()));
+  iface->SetSaveData(block.data(), static_cast<std::int32_t>(block.size()));
+  return 0;
+}
+
+std::int32_t TestTool::Load() {
+  std::int32_t length = 0;
+  const std::uint8_t* bytes = iface->GetSaveData(&length);
+  target = iface->FindNode("Target");
+  camera = iface->FindNode("Camera");
+  return bytes && path.Load(bytes, static_cast<std::size_t>(length)) && target && camera ? 0 : 1;
 }
 
 void TestTool::Start(double time) {

@@ -17,7 +17,7 @@ class TestToolRecording : public testing::Test {
   void SetUp() override {
     CCamera::CreateParam param("TestTool01");
     instance = std::make_unique<core::Instance>(&plugin, plugin.Create(param), "TestTool01", &adaptor);
-    tool = static_cast<TestTool*>(instance->tool);
+    tool = static_cast<TestTool*>(instance->GetTool());
     ASSERT_EQ(tool->BuildConfig(), 0);
     ASSERT_EQ(tool->Create(), 0);
   }

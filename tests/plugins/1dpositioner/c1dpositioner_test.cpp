@@ -32,7 +32,7 @@ class Positioner : public testing::Test {
     host.GetScene().animate = true;
     instance = library.FindTool("1DPositioner")->CreateInstance("", &host);
     ASSERT_NE(instance, nullptr);
-    tool = static_cast<C1DPositionerObject*>(instance->tool);
+    tool = static_cast<C1DPositionerObject*>(instance->GetTool());
   }
 
   Matrix<double> Local(double time) {
@@ -75,9 +75,9 @@ TEST_F(Positioner, IsAnAccessoryWithAWireCageAndItsChannelFirst) {
   EXPECT_EQ(instance->FindNode("RelativeCage"), tool->cageNode.handle);
   EXPECT_TRUE(static_cast<StandaloneNode*>(tool->cageNode.handle)->GetHostNode()->wireframe);
   // The channel comes first; the spinners that inputs may drive follow.
-  ASSERT_EQ(instance->inputs.Count(), 4u);
-  EXPECT_EQ(instance->inputs.Get(0)->name, "Position");
-  EXPECT_EQ(instance->inputs.Get(1)->name, "Spinner: Position Response Factor");
+  ASSERT_EQ(instance->Inputs().Count(), 4u);
+  EXPECT_EQ(instance->Inputs().Get(0)->name, "Position");
+  EXPECT_EQ(instance->Inputs().Get(1)->name, "Spinner: Position Response Factor");
 }
 
 // Unfiltered, the output is maximum x input: the cage moves at that speed
@@ -231,7 +231,7 @@ std::vector<TransformKey> RecordTake() {
   host.GetScene().animate = true;
   core::CoreLibrary library{addon::BuiltInTools()};
   auto instance = library.FindTool("1DPositioner")->CreateInstance("", &host);
-  auto* tool = static_cast<C1DPositionerObject*>(instance->tool);
+  auto* tool = static_cast<C1DPositionerObject*>(instance->GetTool());
   tool->channel.changeLimit = 4;
   const double frame = host.GetFrameDuration();
   instance->Start(0, Instance::Run::kRecording);

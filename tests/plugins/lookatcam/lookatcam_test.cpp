@@ -26,7 +26,7 @@ class LookAtCam : public testing::Test {
   void SetUp() override {
     instance = library.FindTool("LookAtCam")->CreateInstance("", &host);
     ASSERT_NE(instance, nullptr);
-    tool = static_cast<CLookAtCamObject*>(instance->tool);
+    tool = static_cast<CLookAtCamObject*>(instance->GetTool());
   }
 
   Matrix<double> World(CNode* node, double time) {
@@ -106,7 +106,7 @@ std::vector<adaptor::standalone::TransformKey> RecordTake() {
   StandaloneAdaptorInterface host;
   core::CoreLibrary library{addon::BuiltInTools()};
   auto instance = library.FindTool("LookAtCam")->CreateInstance("", &host);
-  auto* tool = static_cast<CLookAtCamObject*>(instance->tool);
+  auto* tool = static_cast<CLookAtCamObject*>(instance->GetTool());
   host.GetScene().animate = true;
   const double frame = host.GetFrameDuration();
   for (int k = 0; k < 120; ++k) {
@@ -222,7 +222,7 @@ TEST_F(LookAtCam, SavesAndLoadsThreeBytes) {
 }
 
 TEST_F(LookAtCam, ThePageHasItsControlsInOrder) {
-  ASSERT_NE(instance->configRoot, nullptr);
+  ASSERT_NE(instance->GetPage(), nullptr);
   EXPECT_EQ(instance->ConfigProfile().Write("", ""),
             "<configprofile version=\"2.0\" name=\"Start Profile\"><group id=\"-1\" label=\"General Modes\">"
             "<item id=\"1\" label=\"Hide Helpers\">0</item><item id=\"2\" label=\"Hide Helpers During Recording\">0"
