@@ -27,8 +27,8 @@ TEST_P(Base64Vectors, EncodeAndDecode) {
 // The published test vectors of the encoding.
 INSTANTIATE_TEST_SUITE_P(Standard, Base64Vectors,
                          testing::Values(Vector{"", ""}, Vector{"f", "Zg=="}, Vector{"fo", "Zm8="},
-                                         Vector{"foo", "Zm9v"}, Vector{"foob", "Zm9vYg=="},
-                                         Vector{"fooba", "Zm9vYmE="}, Vector{"foobar", "Zm9vYmFy"}));
+                                         Vector{"foo", "Zm9v"}, Vector{"foob", "Zm9vYg=="}, Vector{"fooba", "Zm9vYmE="},
+                                         Vector{"foobar", "Zm9vYmFy"}));
 
 TEST(Base64, DoubleKeepsEveryBit) {
   // 0.1 as its little-endian bytes, the way double values travel in profiles.

@@ -29,10 +29,16 @@ TEST(DataChunk, FlatFormIsExact) {
   root.AddChild("v", Bytes{0x01, 0x02});
   root.AddChild("k").AddChild("x", Bytes{0xFF});
 
-  const Bytes expected = Cat({Header(0, 2, 3), Text("Car"),          // root
-                              Header(2, 0, 1), Text("v"), {1, 2},     // first child
-                              Header(0, 1, 1), Text("k"),             // second child
-                              Header(1, 0, 1), Text("x"), {0xFF}});   // its child
+  const Bytes expected = Cat({Header(0, 2, 3),
+                              Text("Car"),  // root
+                              Header(2, 0, 1),
+                              Text("v"),
+                              {1, 2},  // first child
+                              Header(0, 1, 1),
+                              Text("k"),  // second child
+                              Header(1, 0, 1),
+                              Text("x"),
+                              {0xFF}});  // its child
   EXPECT_EQ(root.Flatten(), expected);
   EXPECT_EQ(root.FlatSize(), expected.size());
 
@@ -102,18 +108,17 @@ TEST_P(DataChunkBad, IsRefusedWithWhereAndWhat) {
 
 INSTANTIATE_TEST_SUITE_P(
     Samples, DataChunkBad,
-    testing::Values(
-        BadBlock{"empty", {}, "byte 0: header cut short"},
-        BadBlock{"name too long", Cat({Header(0, 0, 257), Bytes(257, 'n')}), "name length 257"},
-        BadBlock{"negative name", Header(0, 0, -1), "name length -1"},
-        BadBlock{"negative data", Header(-4, 0, 0), "negative data size"},
-        BadBlock{"negative children", Header(0, -1, 0), "negative child count"},
-        BadBlock{"data past end", Cat({Header(100, 0, 1), Text("a"), {1, 2}}), "run past the end"},
-        BadBlock{"hostile child count", Cat({Header(0, 0x7FFFFFFF, 0), Bytes(100, 0)}), "can't fit"},
-        BadBlock{"bad child", Cat({Header(0, 1, 1), Text("a"), Header(0, 0, 300)}), "byte 13: name length 300"},
-        // Deep nesting is refused rather than overflowing the stack.
-        BadBlock{"deep", Cat(std::vector<Bytes>(100000, Header(0, 1, 0))), "nested deeper"}));
-
+    testing::Values(BadBlock{"empty", {}, "byte 0: header cut short"},
+                    BadBlock{"name too long", Cat({Header(0, 0, 257), Bytes(257, 'n')}), "name length 257"},
+                    BadBlock{"negative name", Header(0, 0, -1), "name length -1"},
+                    BadBlock{"negative data", Header(-4, 0, 0), "negative data size"},
+                    BadBlock{"negative children", Header(0, -1, 0), "negative child count"},
+                    BadBlock{"data past end", Cat({Header(100, 0, 1), Text("a"), {1, 2}}), "run past the end"},
+                    BadBlock{"hostile child count", Cat({Header(0, 0x7FFFFFFF, 0), Bytes(100, 0)}), "can't fit"},
+                    BadBlock{"bad child", Cat({Header(0, 1, 1), Text("a"), Header(0, 0, 300)}),
+                             "byte 13: name length 300"},
+                    // Deep nesting is refused rather than overflowing the stack.
+                    BadBlock{"deep", Cat(std::vector<Bytes>(100000, Header(0, 1, 0))), "nested deeper"}));
 
 }  // namespace
 }  // namespace vuk::util

@@ -27,7 +27,8 @@ void ExpectWellFormed(const CMesh& mesh) {
       ASSERT_LT(static_cast<std::size_t>(mesh.textureFaces[f + k]), mesh.textureVertices.size());
       ++edges[{mesh.faces[f + k], mesh.faces[f + (k + 1) % 3]}];
     }
-    const V a = mesh.vertices[mesh.faces[f]], b = mesh.vertices[mesh.faces[f + 1]], c = mesh.vertices[mesh.faces[f + 2]];
+    const V a = mesh.vertices[mesh.faces[f]], b = mesh.vertices[mesh.faces[f + 1]],
+            c = mesh.vertices[mesh.faces[f + 2]];
     EXPECT_GT((b - a).Cross(c - a).Dot(a + b + c), 0) << "face " << f / 3;
     const V ta = mesh.textureVertices[mesh.textureFaces[f]], tb = mesh.textureVertices[mesh.textureFaces[f + 1]],
             tc = mesh.textureVertices[mesh.textureFaces[f + 2]];

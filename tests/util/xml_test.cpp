@@ -36,8 +36,8 @@ INSTANTIATE_TEST_SUITE_P(
                     ResultCase{"<a/></b></c>", kParsed},  // anything after the root is ignored
                     ResultCase{"", kNoRoot}, ResultCase{" \n\t ", kNoRoot}, ResultCase{"hello <a/>", kNoRoot},
                     ResultCase{"<!-- c --><a/>", kNoRoot}, ResultCase{"</a>", kNoRoot},
-                    ResultCase{"<?xml?></a>", kNoRoot}, ResultCase{"<a b/>", kNoRoot},
-                    ResultCase{"<a b=c/>", kNoRoot}, ResultCase{"<a b=\"c/>", kNoRoot},
+                    ResultCase{"<?xml?></a>", kNoRoot}, ResultCase{"<a b/>", kNoRoot}, ResultCase{"<a b=c/>", kNoRoot},
+                    ResultCase{"<a b=\"c/>", kNoRoot},
                     // No quote awareness: a ">" inside a value ends the tag.
                     ResultCase{"<a v=\"x>y\"/>", kNoRoot}, ResultCase{"<r><a v=\"x>y\"/></r>", kNoRoot},
                     ResultCase{"<a><b></b>", kMissingClose}, ResultCase{"<a><b", kMissingClose},
