@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <random>
 
 namespace vuk::util {
@@ -24,25 +23,11 @@ TEST_P(Base64Vectors, EncodeAndDecode) {
   EXPECT_EQ(back, bytes);
 }
 
-// The published test vectors of the encoding.
-INSTANTIATE_TEST_SUITE_P(Standard, Base64Vectors,
-                         testing::Values(Vector{"", ""}, Vector{"f", "Zg=="}, Vector{"fo", "Zm8="},
-                                         Vector{"foo", "Zm9v"}, Vector{"foob", "Zm9vYg=="}, Vector{"fooba", "Zm9vYmE="},
-                                         Vector{"foobar", "Zm9vYmFy"}));
-
-TEST(Base64, DoubleKeepsEveryBit) {
-  // 0.1 as its little-endian bytes, the way double values travel in profiles.
-  const double value = 0.1;
-  std::uint8_t raw[8];
-  std::memcpy(raw, &value, 8);
-  const std::string text = Base64::Encode(raw, 8);
-  EXPECT_EQ(text, "mpmZmZmZuT8=");
-  Bytes back;
-  ASSERT_TRUE(Base64::Decode(text, back));
-  double again = 0;
-  std::memcpy(&again, back.data(), 8);
-  EXPECT_EQ(again, value);
-}
+// The published test vectors of the encoding, and 0.1 as the little-endian
+// bytes in which doubles travel in profiles.
+INSTANTIATE_TEST_SUITE_P(Standard, Base64Vectors, testing::ValuesIn(std::vector<Vector>{
+    {"", ""}, {"f", "Zg=="}, {"fo", "Zm8="}, {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="},
+    {"foobar", "Zm9vYmFy"}, {"\x9A\x99\x99\x99\x99\x99\xB9?", "mpmZmZmZuT8="}}));
 
 TEST(Base64, RandomBytesRoundTripAndBlanksAndMissingPaddingAreAccepted) {
   std::mt19937 random(3);
@@ -73,10 +58,9 @@ TEST_P(Base64Bad, FailsAndSaysWhere) {
   EXPECT_NE(error.find(GetParam().message), std::string::npos) << error;
 }
 
-INSTANTIATE_TEST_SUITE_P(Samples, Base64Bad,
-                         testing::Values(BadText{"Zm9v!", "character 4: '!'"},
-                                         BadText{"Zg==Zg==", "character 4: data after the padding"},
-                                         BadText{"Zm9vY", "lone character"}));
+INSTANTIATE_TEST_SUITE_P(Samples, Base64Bad, testing::ValuesIn(std::vector<BadText>{
+    {"Zm9v!", "character 4: '!'"}, {"Zg==Zg==", "character 4: data after the padding"},
+    {"Zm9vY", "lone character"}}));
 
 }  // namespace
 }  // namespace vuk::util

@@ -4,8 +4,12 @@
 
 #include <random>
 
+#include "tests/util/hex.h"
+
 namespace vuk::util {
 namespace {
+
+using testing_support::Hex;
 
 Bytes Header(std::int32_t dataSize, std::int32_t childCount, std::int32_t nameLength) {
   Bytes out;
@@ -28,20 +32,13 @@ TEST(DataChunk, FlatFormIsExact) {
   DataChunk root("Car", {});
   root.AddChild("v", Bytes{0x01, 0x02});
   root.AddChild("k").AddChild("x", Bytes{0xFF});
-
-  const Bytes expected = Cat({Header(0, 2, 3),
-                              Text("Car"),  // root
-                              Header(2, 0, 1),
-                              Text("v"),
-                              {1, 2},  // first child
-                              Header(0, 1, 1),
-                              Text("k"),  // second child
-                              Header(1, 0, 1),
-                              Text("x"),
-                              {0xFF}});  // its child
+  // Data size, child count, name length, name, data; then the children.
+  const Bytes expected = Hex("00000000 02000000 03000000 436172"
+                             "02000000 00000000 01000000 76 0102"
+                             "00000000 01000000 01000000 6B"
+                             "01000000 00000000 01000000 78 FF");
   EXPECT_EQ(root.Flatten(), expected);
   EXPECT_EQ(root.FlatSize(), expected.size());
-
   DataChunk back;
   std::string error;
   ASSERT_TRUE(back.Read(expected, &error)) << error;
