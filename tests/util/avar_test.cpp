@@ -178,9 +178,6 @@ TYPED_TEST(AVarKinds, EmptyAnswersTheDefault) {
   EXPECT_TRUE(history.Get(-1.0) == history.defaultValue);
 }
 
-// ---------------------------------------------------------------------------
-// Edge cases the random sequences reach only by chance.
-
 // What the random sequences reach only by chance: lines in doubles between
 // extreme ints, the smallest time after a false record, and a damaged
 // history whose records share a time or run backward, where the line must
@@ -222,52 +219,34 @@ Bytes SavedOf(std::initializer_list<AVarRecord<typename Var::Value>> records) {
   return Saved(history);
 }
 
-struct Golden {
-  const char* label;
-  Bytes saved;
-  const char* hex;  // header size, payload, version, count; then the records
-};
-
-class AVarSave : public testing::TestWithParam<Golden> {};
-
-TEST_P(AVarSave, WritesTheExactBlock) { EXPECT_EQ(GetParam().saved, Hex(GetParam().hex)); }
-
-const char kInts[] =
-    "10000000 20000000 64000000 02000000 000000000000F03F FEFFFFFF00000000 "
-    "0000000000000040 0403020100000000";
-const char kPoint[] =
-    "10000000 20000000 64000000 01000000 000000000000F03F "
-    "0000000000000040 0000000000000840 0000000000001040";
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, AVarSave,
-    testing::Values(Golden{"empty", SavedOf<AVar_Nearest<double>>({}), "10000000 00000000 64000000 00000000"},
-                    Golden{"double", SavedOf<AVar_Linear<double>>({{0.5, 2.0}, {1.0, -1.0}}),
-                           "10000000 20000000 64000000 02000000 000000000000E03F 0000000000000040 "
-                           "000000000000F03F 000000000000F0BF"},
-                    // Small values stand first in eight bytes padded with zeros.
-                    Golden{"latest int", SavedOf<AVar_Latest<int>>({{1.0, -2}, {2.0, 0x01020304}}), kInts},
-                    Golden{"linear int", SavedOf<AVar_Linear<int>>({{1.0, -2}, {2.0, 0x01020304}}), kInts},
-                    Golden{"bool", SavedOf<AVar_Nearest<bool>>({{2.0, true}, {3.0, false}}),
-                           "10000000 20000000 64000000 02000000 0000000000000040 0100000000000000 "
-                           "0000000000000840 0000000000000000"},
-                    Golden{"byte", SavedOf<AVar_Latest<unsigned char>>({{0.0, 200}}),
-                           "10000000 10000000 64000000 01000000 0000000000000000 C800000000000000"},
-                    Golden{"nearest vector", SavedOf<AVar_Nearest<V>>({{1.0, V(2, 3, 4)}}), kPoint},
-                    Golden{"linear vector", SavedOf<AVar_Linear<V>>({{1.0, V(2, 3, 4)}}), kPoint},
-                    // x, y, z, then w.
-                    Golden{"quat", SavedOf<AVar_Nearest<Q>>({{0.5, Q(-1, 0.25, 0.75, 1.5)}}),
-                           "10000000 28000000 64000000 01000000 000000000000E03F "
-                           "000000000000F0BF 000000000000D03F 000000000000E83F 000000000000F83F"},
-                    // Translation, then rotation.
-                    Golden{"pose", SavedOf<AVar_Nearest<P>>({{3.0, P(V(1, 2, 3), Q(-1, 0.25, 0.75, 1.5))}}),
-                           "10000000 40000000 64000000 01000000 0000000000000840 000000000000F03F 0000000000000040 "
-                           "0000000000000840 000000000000F0BF 000000000000D03F 000000000000E83F 000000000000F83F"}),
-    [](const testing::TestParamInfo<Golden>& info) {
-      std::string name = info.param.label;
-      for (char& c : name) c = c == ' ' ? '_' : c;
-      return name;
-    });
+// Header size, payload, version and count; then the records, small values
+// first in eight bytes padded with zeros, a rotation x, y, z, then w, a pose
+// its translation, then its rotation.
+TEST(AVarSave, WritesTheExactBlock) {
+  const char* ints = "10000000 20000000 64000000 02000000 000000000000F03F FEFFFFFF00000000 "
+                     "0000000000000040 0403020100000000";
+  const char* point = "10000000 20000000 64000000 01000000 000000000000F03F "
+                      "0000000000000040 0000000000000840 0000000000001040";
+  const std::pair<Bytes, const char*> cases[] = {
+      {SavedOf<AVar_Nearest<double>>({}), "10000000 00000000 64000000 00000000"},
+      {SavedOf<AVar_Linear<double>>({{0.5, 2.0}, {1.0, -1.0}}),
+       "10000000 20000000 64000000 02000000 000000000000E03F 0000000000000040 000000000000F03F 000000000000F0BF"},
+      {SavedOf<AVar_Latest<int>>({{1.0, -2}, {2.0, 0x01020304}}), ints},
+      {SavedOf<AVar_Linear<int>>({{1.0, -2}, {2.0, 0x01020304}}), ints},
+      {SavedOf<AVar_Nearest<bool>>({{2.0, true}, {3.0, false}}),
+       "10000000 20000000 64000000 02000000 0000000000000040 0100000000000000 0000000000000840 0000000000000000"},
+      {SavedOf<AVar_Latest<unsigned char>>({{0.0, 200}}),
+       "10000000 10000000 64000000 01000000 0000000000000000 C800000000000000"},
+      {SavedOf<AVar_Nearest<V>>({{1.0, V(2, 3, 4)}}), point},
+      {SavedOf<AVar_Linear<V>>({{1.0, V(2, 3, 4)}}), point},
+      {SavedOf<AVar_Nearest<Q>>({{0.5, Q(-1, 0.25, 0.75, 1.5)}}),
+       "10000000 28000000 64000000 01000000 000000000000E03F "
+       "000000000000F0BF 000000000000D03F 000000000000E83F 000000000000F83F"},
+      {SavedOf<AVar_Nearest<P>>({{3.0, P(V(1, 2, 3), Q(-1, 0.25, 0.75, 1.5))}}),
+       "10000000 40000000 64000000 01000000 0000000000000840 000000000000F03F 0000000000000040 "
+       "0000000000000840 000000000000F0BF 000000000000D03F 000000000000E83F 000000000000F83F"}};
+  for (const auto& [saved, hex] : cases) EXPECT_EQ(saved, Hex(hex)) << hex;
+}
 
 TEST(AVarSaveRoom, TooLittleRoomWritesTheFirstTwelveBytesAndAnswersTheSize) {
   AVar_Nearest<double> history;
@@ -320,35 +299,27 @@ TEST(AVarLoad, ReadsAValidBlockSizedOrNot) {
   EXPECT_TRUE(history.records.empty());
 }
 
-struct BadLoad {
-  const char* header;
-  bool unsizedTooFails;  // the unsized form reads as far as the payload says
-};
-
-class AVarRefused : public testing::TestWithParam<BadLoad> {};
-
-TEST_P(AVarRefused, LeavesTheHistoryUntouched) {
-  const Bytes block = Block(GetParam().header, kTwoRecords);
-  AVar_Nearest<double> history = Preloaded();
-  EXPECT_FALSE(history.Load(block.data(), block.size()));
-  ExpectUntouched(history);
-  if (GetParam().unsizedTooFails) {
-    EXPECT_FALSE(history.Load(block.data()));
+TEST(AVarLoad, BadHeadersAndCountsThatCannotFitAreRefused) {
+  // {header, whether the unsized form fails too: it reads as far as the payload says}
+  const std::pair<const char*, bool> cases[] = {
+      {"0C000000 20000000 64000000 02000000", true},  // header size 12
+      {"11000000 20000000 64000000 02000000", true},  // header size 17
+      {"10000000 20000000 65000000 02000000", true},  // version 101
+      {"10000000 20000000 63000000 02000000", true},  // version 99
+      {"00000000 00000000 00000000 00000000", true},
+      // Counts that can't fit: the last wraps to a payload of 32 in 32 bits.
+      {"10000000 F0FFFFFF 64000000 FFFFFFFF", false},
+      {"10000000 00000000 64000000 FFFFFFFF", true},
+      {"10000000 20000000 64000000 03000000", true},
+      {"10000000 20000000 64000000 02000010", true}};
+  for (const auto& [header, unsizedTooFails] : cases) {
+    const Bytes block = Block(header, kTwoRecords);
+    AVar_Nearest<double> history = Preloaded();
+    EXPECT_FALSE(history.Load(block.data(), block.size())) << header;
+    EXPECT_FALSE(unsizedTooFails && history.Load(block.data())) << header;
     ExpectUntouched(history);
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Blocks, AVarRefused,
-                         testing::Values(BadLoad{"0C000000 20000000 64000000 02000000", true},  // header size 12
-                                         BadLoad{"11000000 20000000 64000000 02000000", true},  // header size 17
-                                         BadLoad{"10000000 20000000 65000000 02000000", true},  // version 101
-                                         BadLoad{"10000000 20000000 63000000 02000000", true},  // version 99
-                                         BadLoad{"00000000 00000000 00000000 00000000", true},
-                                         // Counts that can't fit: the last wraps to a payload of 32 in 32 bits.
-                                         BadLoad{"10000000 F0FFFFFF 64000000 FFFFFFFF", false},
-                                         BadLoad{"10000000 00000000 64000000 FFFFFFFF", true},
-                                         BadLoad{"10000000 20000000 64000000 03000000", true},
-                                         BadLoad{"10000000 20000000 64000000 02000010", true}));
 
 TEST(AVarLoad, CutShortBlocksAreRefused) {
   const Bytes full = Block("10000000 20000000 64000000 02000000", kTwoRecords);

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 #include <random>
-#include <vector>
+#include <utility>
 
 #include "util/matrix.h"
 #include "util/safedivide.h"
@@ -69,75 +69,56 @@ TEST(Vector3, CrossIsRightHandedAndNormalizeMakesZeroUp) {
   EXPECT_EQ(V(-0.0, 0.0, -0.0).Normalized(), V(0, 1, 0));
 }
 
-struct Division {
-  double denominator, used;
-};
-
-class SafeDivision : public testing::TestWithParam<Division> {};
-
-TEST_P(SafeDivision, ReplacesOnlyDenominatorsBelowTheLimit) {
-  EXPECT_EQ(SafeDenominator(GetParam().denominator), GetParam().used);
-  EXPECT_EQ(SafeDivide(3.0, GetParam().denominator), 3.0 / GetParam().used);
+TEST(Geometry, SafeDivisionReplacesOnlyDenominatorsBelowTheLimit) {
+  // {denominator, the one used}: zero of either sign takes +1e-12; the limit itself is kept.
+  const std::pair<double, double> cases[] = {{0.0, 1e-12},       {-0.0, 1e-12},  {5e-13, 1e-12},   {-5e-13, -1e-12},
+                                             {1e-300, 1e-12},    {-1e-300, -1e-12}, {9.999e-13, 1e-12}, {1e-12, 1e-12},
+                                             {-1e-12, -1e-12},   {2e-12, 2e-12}, {-2.5, -2.5}};
+  for (const auto& [denominator, used] : cases) {
+    EXPECT_EQ(SafeDenominator(denominator), used) << denominator;
+    EXPECT_EQ(SafeDivide(3.0, denominator), 3.0 / used) << denominator;
+  }
 }
-
-// Zero of either sign takes +1e-12; the limit itself is kept.
-INSTANTIATE_TEST_SUITE_P(Geometry, SafeDivision, testing::ValuesIn(std::vector<Division>{
-    {0.0, 1e-12}, {-0.0, 1e-12}, {5e-13, 1e-12}, {-5e-13, -1e-12}, {1e-300, 1e-12}, {-1e-300, -1e-12},
-    {9.999e-13, 1e-12}, {1e-12, 1e-12}, {-1e-12, -1e-12}, {2e-12, 2e-12}, {-2.5, -2.5}}));
 
 // A right-handed quarter turn about an axis, and the images of the three unit
-// axes worked out by hand: the columns of its matrix.
-struct QuarterTurn {
-  V axis;
-  Q quat;
-  V imageOfX, imageOfY, imageOfZ;
-};
-
-class QuarterTurns : public testing::TestWithParam<QuarterTurn> {};
-
-TEST_P(QuarterTurns, AgreeAsQuaternionMatrixAndRotation) {
-  const QuarterTurn& turn = GetParam();
-  const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
-  ExpectNear(q, turn.quat);
-  ExpectNear(q.Rotate({1, 0, 0}), turn.imageOfX);
-  ExpectNear(q.Rotate({0, 1, 0}), turn.imageOfY);
-  ExpectNear(q.Rotate({0, 0, 1}), turn.imageOfZ);
-  ExpectNear(q.Conjugate().Rotate(turn.imageOfZ), {0, 0, 1});
-  const M expected = FromAxes(turn.imageOfX, turn.imageOfY, turn.imageOfZ);
-  ExpectNear(M::FromQuat(turn.quat), expected, 1e-15);
-  ExpectNear(expected.ToQuat(), turn.quat);
+// axes worked out by hand: the columns of its matrix. An axis of any length
+// is normalised first.
+TEST(Geometry, QuarterTurnsAgreeAsQuaternionMatrixAndRotation) {
+  const struct {
+    V axis;
+    Q quat;
+    V x, y, z;
+  } turns[] = {{{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
+               {{-1, 0, 0}, {-kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+               {{0, 1, 0}, {0, kRootHalf, 0, kRootHalf}, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
+               {{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
+               {{0, 0, 1}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+               {{0, 0, -5}, {0, 0, -kRootHalf, kRootHalf}, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
+  for (const auto& turn : turns) {
+    const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
+    ExpectNear(q, turn.quat);
+    ExpectNear(q.Rotate({1, 0, 0}), turn.x);
+    ExpectNear(q.Rotate({0, 1, 0}), turn.y);
+    ExpectNear(q.Rotate({0, 0, 1}), turn.z);
+    ExpectNear(q.Conjugate().Rotate(turn.z), {0, 0, 1});
+    ExpectNear(M::FromQuat(turn.quat), FromAxes(turn.x, turn.y, turn.z));
+    ExpectNear(FromAxes(turn.x, turn.y, turn.z).ToQuat(), turn.quat);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(Geometry, QuarterTurns,
-                         testing::ValuesIn(std::vector<QuarterTurn>{
-                             {{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
-                             {{-1, 0, 0}, {-kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-                             {{0, 1, 0}, {0, kRootHalf, 0, kRootHalf}, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
-                             {{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
-                             {{0, 0, 1}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
-                             // An axis of any length is normalised first.
-                             {{0, 0, -5}, {0, 0, -kRootHalf, kRootHalf}, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}}}));
-
-// Products of (1, 2, 3, 4) and (5, 6, 7, 8), worked out by hand as Hamilton
-// products with the right operand on the left.
-struct Product {
-  Q a, b, expected;
-};
-
-class QuatProducts : public testing::TestWithParam<Product> {};
-
-TEST_P(QuatProducts, AreTheReversedHamiltonProduct) {
-  EXPECT_EQ(GetParam().a * GetParam().b, GetParam().expected);
-  Q inPlace = GetParam().a;
-  inPlace *= GetParam().b;
-  EXPECT_EQ(inPlace, GetParam().expected);
+// Worked out by hand as Hamilton products with the right operand on the
+// left; for pure axes, i * j is j (x) i = -k.
+TEST(Quat, ProductIsTheReversedHamiltonProduct) {
+  const Q cases[][3] = {{{1, 2, 3, 4}, {5, 6, 7, 8}, {32, 32, 56, -6}}, {{5, 6, 7, 8}, {1, 2, 3, 4}, {24, 48, 48, -6}},
+                        {{1, 2, 3, 4}, {0, 0, 0, 1}, {1, 2, 3, 4}},     {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -1, 0}},
+                        {{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}}};
+  for (const auto& [a, b, expected] : cases) {
+    EXPECT_EQ(a * b, expected);
+    Q inPlace = a;
+    inPlace *= b;
+    EXPECT_EQ(inPlace, expected);
+  }
 }
-
-// Pure axes: i * j is j (x) i = -k.
-INSTANTIATE_TEST_SUITE_P(Geometry, QuatProducts, testing::ValuesIn(std::vector<Product>{
-    {{1, 2, 3, 4}, {5, 6, 7, 8}, {32, 32, 56, -6}}, {{5, 6, 7, 8}, {1, 2, 3, 4}, {24, 48, 48, -6}},
-    {{1, 2, 3, 4}, {0, 0, 0, 1}, {1, 2, 3, 4}}, {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -1, 0}},
-    {{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}}}));
 
 TEST(Quat, ProductAppliesTheLeftOperandFirstAndTheMatrixProductTheRight) {
   const Q aboutZ = Q::FromAxisAngle({0, 0, 1}, kHalfPi);
@@ -168,31 +149,22 @@ TEST(Quat, NormalizeKeepsTheSignAndZeroBecomesTheIdentity) {
 
 // The exponential of a rotation vector. Where the components sum to exactly
 // 0 the vector is used unnormalised, and the result is not a unit quaternion.
-struct Exponential {
-  V v;
-  bool unnormalised;
-};
-
-class QuatExponential : public testing::TestWithParam<Exponential> {};
-
-TEST_P(QuatExponential, HalfAngleAndAxis) {
-  const V v = GetParam().v;
-  const Q q = Q::FromRotationVector(v);
-  const double h = v.Length() / 2;
-  EXPECT_EQ(q.w, std::cos(h));
-  if (GetParam().unnormalised) {
-    EXPECT_EQ(q.x, std::sin(h) * v.x);
-    EXPECT_EQ(q.y, std::sin(h) * v.y);
-    EXPECT_EQ(q.z, std::sin(h) * v.z);
-  } else {
-    EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
-    ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
+TEST(Quat, ExponentialOfARotationVector) {
+  const std::pair<V, bool> cases[] = {{{0, 0, kHalfPi}, false}, {{-kPi, 0, 0}, false}, {{1, 1, 0}, false},
+                                      {{0.3, -0.1, -0.1}, false}, {{1, -1, 0}, true},    {{2, -1, -1}, true},
+                                      {{0, 0, 0}, true}};
+  for (const auto& [v, unnormalised] : cases) {
+    const Q q = Q::FromRotationVector(v);
+    const double h = v.Length() / 2;
+    EXPECT_EQ(q.w, std::cos(h));
+    if (unnormalised) {
+      EXPECT_EQ(q, Q(std::sin(h) * v.x, std::sin(h) * v.y, std::sin(h) * v.z, std::cos(h)));
+    } else {
+      EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
+      ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Geometry, QuatExponential, testing::ValuesIn(std::vector<Exponential>{
-    {{0, 0, kHalfPi}, false}, {{-kPi, 0, 0}, false}, {{1, 1, 0}, false}, {{0.3, -0.1, -0.1}, false},
-    {{1, -1, 0}, true}, {{2, -1, -1}, true}, {{0, 0, 0}, true}}));
 
 TEST(Quat, SlerpTakesTheShorterArc) {
   const Q a;
@@ -224,33 +196,19 @@ TEST(Matrix, ProductAppliesTheRightOperandFirstAndMayWriteIntoAnOperand) {
   EXPECT_EQ(right, a * b);
 }
 
-// Point transforms; w' divides unless it is exactly 0.
-struct PointCase {
-  M m;
-  V p, expected;
-};
-
-class MatrixPoints : public testing::TestWithParam<PointCase> {};
-
-TEST_P(MatrixPoints, TransformPoint) { EXPECT_EQ(GetParam().m.TransformPoint(GetParam().p), GetParam().expected); }
-
-TEST(Matrix, TransformVectorIgnoresTranslation) {
-  EXPECT_EQ(FromAxes({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30}).TransformVector({1, 2, 3}), V(-2, 1, 3));
+// w' divides unless it is exactly 0.
+TEST(Matrix, TransformPointAndVector) {
+  const M turn = FromAxes({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30});  // a quarter turn about Z and a move
+  EXPECT_EQ(turn.TransformPoint({1, 2, 3}), V(8, 21, 33));
+  EXPECT_EQ(turn.TransformVector({1, 2, 3}), V(-2, 1, 3));
+  const std::pair<M, V> cases[] = {
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 4, 0, 0, 2}), {3, 2, 3}},       // w' = 2 from element 15
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1}), {-2, -4, -6}},   // w' = -1
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0}), {3, 4, 6}},       // w' = 0: not divided
+      {FromElements({1, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -2}), {2, 4, 6}},      // w' = 2 - 2 = 0
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0.5, 0, 0, 1, 0, 0, 0, 0, 0}), {1, 2, 3}}};    // w' = 4 x 0.5
+  for (const auto& [m, expected] : cases) EXPECT_EQ(m.TransformPoint({2, 4, 6}), expected);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Matrix, MatrixPoints,
-    testing::ValuesIn(std::vector<PointCase>{
-        // Affine: a quarter turn about Z and a move.
-        {FromAxes({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30}), {1, 2, 3}, {8, 21, 33}},
-        // w' = 2 from element 15, w' = -1 likewise.
-        {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 4, 0, 0, 2}), {2, 4, 6}, {3, 2, 3}},
-        {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1}), {2, 4, 6}, {-2, -4, -6}},
-        // w' = 0, from element 15 alone or from 3 and 15 together: not divided.
-        {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0}), {2, 4, 6}, {3, 4, 6}},
-        {FromElements({1, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -2}), {2, 4, 6}, {2, 4, 6}},
-        // w' = 4 x 0.5 from element 7 alone.
-        {FromElements({1, 0, 0, 0, 0, 1, 0, 0.5, 0, 0, 1, 0, 0, 0, 0, 0}), {2, 4, 6}, {1, 2, 3}}}));
 
 TEST(Matrix, InverseByHandSingularNearlySingularAndRandom) {
   // Singular: a zero axis, equal axes, Z = X + Y, nothing in row four.
@@ -319,7 +277,7 @@ TEST(Matrix, RoundTripsKeepWNotNegative) {
   EXPECT_EQ(M::FromQuat(positive), M::FromQuat(-positive));
 }
 
-// The matrix of a half turn about a is 2 a a^T / |a|^2 - I; the axes below
+// The matrix of a half turn about a is 2 a a^T / |a|^2 - I; the axes used
 // keep it exact.
 M HalfTurn(const V& a) {
   const double axis[3] = {a.x, a.y, a.z};
@@ -330,34 +288,33 @@ M HalfTurn(const V& a) {
   return m;
 }
 
-struct ToQuatCase {
-  M m;
-  Q expected;
-};
-
-class MatrixToQuat : public testing::TestWithParam<ToQuatCase> {};
-
-TEST_P(MatrixToQuat, ByHand) {
-  const Q q = GetParam().m.ToQuat();
-  ExpectNear(q, GetParam().expected);
-  EXPECT_TRUE(GetParam().expected.w != 0 || q.w == 0.0) << "a half turn keeps w exactly 0, not negated";
-}
-
 const double kRootTenth = std::sqrt(0.1);
 const double kRootSixth = std::sqrt(1 / 6.0);
 
-// Half turns fall into case X, Y or Z. A zero axis reads as (0, 1, 0) before
-// the quaternion is taken: with X zero the axes are (0,1,0), (0,1,0), (0,0,1)
-// and case W gives (0, 0, 1, 3) / sqrt 10; all three zero give (-1, 0, 1, 2) / sqrt 6.
-INSTANTIATE_TEST_SUITE_P(Matrix, MatrixToQuat, testing::ValuesIn(std::vector<ToQuatCase>{
-    {HalfTurn({1, 0, 0}), {1, 0, 0, 0}}, {HalfTurn({0, 1, 0}), {0, 1, 0, 0}}, {HalfTurn({0, 0, 1}), {0, 0, 1, 0}},
-    {HalfTurn({0, 0, -1}), {0, 0, 1, 0}}, {HalfTurn({1, -1, 0}), {kRootHalf, -kRootHalf, 0, 0}},
-    {HalfTurn({-1, 0, 1}), {kRootHalf, 0, -kRootHalf, 0}}, {HalfTurn({0, 1, -1}), {0, kRootHalf, -kRootHalf, 0}},
-    {HalfTurn({0, -1, -1}), {0, kRootHalf, kRootHalf, 0}},
-    {FromAxes({0, 0, 0}, {0, 1, 0}, {0, 0, 1}), {0, 0, kRootTenth, 3 * kRootTenth}},
-    {FromAxes({1, 0, 0}, {0, 0, 0}, {0, 0, 1}), {0, 0, 0, 1}},
-    {FromAxes({1, 0, 0}, {0, 1, 0}, {0, 0, 0}), {-kRootTenth, 0, 0, 3 * kRootTenth}},
-    {M::Zero(), {-kRootSixth, 0, kRootSixth, 2 * kRootSixth}}}));
+// Half turns fall into case X, Y or Z, and keep w exactly 0, not negated. A
+// zero axis reads as (0, 1, 0) before the quaternion is taken: with X zero
+// the axes are (0,1,0), (0,1,0), (0,0,1) and case W gives (0, 0, 1, 3) /
+// sqrt 10; all three zero give (-1, 0, 1, 2) / sqrt 6.
+TEST(Matrix, ToQuatByHand) {
+  const std::pair<M, Q> cases[] = {
+      {HalfTurn({1, 0, 0}), {1, 0, 0, 0}},
+      {HalfTurn({0, 1, 0}), {0, 1, 0, 0}},
+      {HalfTurn({0, 0, 1}), {0, 0, 1, 0}},
+      {HalfTurn({0, 0, -1}), {0, 0, 1, 0}},
+      {HalfTurn({1, -1, 0}), {kRootHalf, -kRootHalf, 0, 0}},
+      {HalfTurn({-1, 0, 1}), {kRootHalf, 0, -kRootHalf, 0}},
+      {HalfTurn({0, 1, -1}), {0, kRootHalf, -kRootHalf, 0}},
+      {HalfTurn({0, -1, -1}), {0, kRootHalf, kRootHalf, 0}},
+      {FromAxes({0, 0, 0}, {0, 1, 0}, {0, 0, 1}), {0, 0, kRootTenth, 3 * kRootTenth}},
+      {FromAxes({1, 0, 0}, {0, 0, 0}, {0, 0, 1}), {0, 0, 0, 1}},
+      {FromAxes({1, 0, 0}, {0, 1, 0}, {0, 0, 0}), {-kRootTenth, 0, 0, 3 * kRootTenth}},
+      {M::Zero(), {-kRootSixth, 0, kRootSixth, 2 * kRootSixth}}};
+  for (const auto& [m, expected] : cases) {
+    const Q q = m.ToQuat();
+    ExpectNear(q, expected);
+    EXPECT_TRUE(expected.w != 0 || q.w == 0.0);
+  }
+}
 
 }  // namespace
 }  // namespace vuk::util

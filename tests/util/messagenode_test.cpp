@@ -38,7 +38,7 @@ class Probe : public MessageNode {
   std::vector<Received>* log_;
 };
 
-TEST(MessageNode, ConnectLinksBothWaysAndAnnouncesItselfOnce) {
+TEST(MessageNode, ConnectAndDisconnectLinkBothWaysAndAnnounceThemselves) {
   std::vector<Received> log;
   Probe listener, source(&log);
   EXPECT_TRUE(listener.Connect(&source));
@@ -55,15 +55,8 @@ TEST(MessageNode, ConnectLinksBothWaysAndAnnouncesItselfOnce) {
   EXPECT_FALSE(log[0].fromBroadcast);
   EXPECT_TRUE(source.Connect(&listener));  // a two-way conversation is two links
   EXPECT_TRUE(listener.HasListener(&source));
-  EXPECT_FALSE(listener.Connect(nullptr));
-  EXPECT_FALSE(listener.Disconnect(nullptr));
-}
 
-TEST(MessageNode, DisconnectAnnouncesWhileStillLinkedThenUnlinksBothWays) {
-  std::vector<Received> log;
-  Probe listener, source(&log);
-  ASSERT_TRUE(listener.Connect(&source));
-  bool linkedOnArrival = false;
+  bool linkedOnArrival = false;  // the news of a disconnection comes first
   source.onReceive = [&](Message&) { linkedOnArrival = source.HasListener(&listener); };
   EXPECT_TRUE(listener.Disconnect(&source));
   EXPECT_TRUE(linkedOnArrival);
@@ -71,9 +64,11 @@ TEST(MessageNode, DisconnectAnnouncesWhileStillLinkedThenUnlinksBothWays) {
   EXPECT_EQ(log[1].id, Message::kDisconnected);
   EXPECT_EQ(log[1].origin, &listener);
   EXPECT_FALSE(listener.HasSource(&source));
-  EXPECT_EQ(source.GetListenerCount(), 0u);
+  EXPECT_FALSE(source.HasListener(&listener));
   EXPECT_TRUE(listener.Disconnect(&source));  // not connected: nothing to do
   EXPECT_EQ(log.size(), 2u);
+  EXPECT_FALSE(listener.Connect(nullptr));
+  EXPECT_FALSE(listener.Disconnect(nullptr));
 }
 
 TEST(MessageNode, HalfLinksAreRefused) {
@@ -163,7 +158,7 @@ TEST(MessageNode, NestedSendRestoresRoutingFields) {
   EXPECT_EQ(log.size(), 2u);
 }
 
-TEST(MessageNode, DestructionDetachesBothWays) {
+TEST(MessageNode, DestructionDetachesBothWaysAndCopyConnectionsReplacesOwnLinks) {
   std::vector<Received> log;
   Probe upstream(&log), downstream(&log);
   {
@@ -177,19 +172,17 @@ TEST(MessageNode, DestructionDetachesBothWays) {
   ASSERT_EQ(log.size(), 1u);  // the source hears of it; the dying node can't
   EXPECT_EQ(log[0].at, &upstream);
   EXPECT_EQ(log[0].id, Message::kDisconnected);
-}
 
-TEST(MessageNode, CopyConnectionsReplacesOwnLinks) {
-  Probe model, copy, source, listener, old;
-  ASSERT_TRUE(model.Connect(&source));
-  ASSERT_TRUE(listener.Connect(&model));
-  ASSERT_TRUE(copy.Connect(&old));
-  copy.CopyConnections(model);
-  EXPECT_FALSE(old.HasListener(&copy));
-  EXPECT_EQ(copy.GetSource(0), &source);
+  Probe copy, old;  // upstream listens to old and is heard by downstream; copy listens to downstream
+  ASSERT_TRUE(upstream.Connect(&old));
+  ASSERT_TRUE(downstream.Connect(&upstream));
+  ASSERT_TRUE(copy.Connect(&downstream));
+  copy.CopyConnections(upstream);
+  EXPECT_FALSE(downstream.HasListener(&copy));
+  EXPECT_EQ(copy.GetSource(0), &old);
   EXPECT_EQ(copy.GetSourceCount(), 1u);
-  EXPECT_TRUE(copy.HasListener(&listener));
-  EXPECT_TRUE(model.HasSource(&source));  // the model keeps its own
+  EXPECT_TRUE(downstream.HasSource(&copy));
+  EXPECT_TRUE(upstream.HasSource(&old));  // the model keeps its own
 }
 
 class Marker : public DynamicObject {

@@ -17,57 +17,41 @@ Element Parsed(const std::string& markup) {
   return element;
 }
 
-struct ResultCase {
-  const char* markup;
-  ParseResult expected;
-};
-
-class ParseResults : public testing::TestWithParam<ResultCase> {};
-
-TEST_P(ParseResults, GiveTheCodeAndOnFailureAnEmptyElement) {
-  Element element = Parsed("<old a='1'><b/></old>");
-  EXPECT_EQ(element.ParseText(GetParam().markup), GetParam().expected);
-  EXPECT_TRUE(GetParam().expected == kParsed || element.IsEmpty());
+TEST(XmlParse, ResultCodesAndOnFailureAnEmptyElement) {
+  const std::pair<const char*, ParseResult> cases[] = {
+      {"<a/>", kParsed}, {"<?xml version=\"1.0\"?><a></a>", kParsed},
+      {"<a/></b></c>", kParsed},  // anything after the root is ignored
+      {"", kNoRoot}, {" \n\t ", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot},
+      {"<?xml?></a>", kNoRoot}, {"<a b/>", kNoRoot}, {"<a b=c/>", kNoRoot}, {"<a b=\"c/>", kNoRoot},
+      // No quote awareness: a ">" inside a value ends the tag.
+      {"<a v=\"x>y\"/>", kNoRoot}, {"<r><a v=\"x>y\"/></r>", kNoRoot},
+      {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose},
+      {"<?xml?><?pi?>", kMissingClose},  // only the first token may be a declaration
+      {"<a><b></a></b>", kCloseMismatch}, {"<?xml version=\"1.0\"?>", kBadPosition}};
+  for (const auto& [markup, expected] : cases) {
+    Element element = Parsed("<old a='1'><b/></old>");
+    EXPECT_EQ(element.ParseText(markup), expected) << markup;
+    EXPECT_TRUE(expected == kParsed || element.IsEmpty()) << markup;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Xml, ParseResults,
-    testing::Values(ResultCase{"<a/>", kParsed}, ResultCase{"<?xml version=\"1.0\"?><a></a>", kParsed},
-                    ResultCase{"<a/></b></c>", kParsed},  // anything after the root is ignored
-                    ResultCase{"", kNoRoot}, ResultCase{" \n\t ", kNoRoot}, ResultCase{"hello <a/>", kNoRoot},
-                    ResultCase{"<!-- c --><a/>", kNoRoot}, ResultCase{"</a>", kNoRoot},
-                    ResultCase{"<?xml?></a>", kNoRoot}, ResultCase{"<a b/>", kNoRoot}, ResultCase{"<a b=c/>", kNoRoot},
-                    ResultCase{"<a b=\"c/>", kNoRoot},
-                    // No quote awareness: a ">" inside a value ends the tag.
-                    ResultCase{"<a v=\"x>y\"/>", kNoRoot}, ResultCase{"<r><a v=\"x>y\"/></r>", kNoRoot},
-                    ResultCase{"<a><b></b>", kMissingClose}, ResultCase{"<a><b", kMissingClose},
-                    // Only the first token may be a declaration.
-                    ResultCase{"<?xml?><?pi?>", kMissingClose}, ResultCase{"<a><b></a></b>", kCloseMismatch},
-                    ResultCase{"<?xml version=\"1.0\"?>", kBadPosition}));
 
 // Text is decoded twice, attribute values once. Only numeric references are
 // known; the character after the digits is skipped whatever it is.
-struct Decoding {
-  const char* markup;
-  const char* text;
-  const char* attribute;
-};
-
-class Decodings : public testing::TestWithParam<Decoding> {};
-
-TEST_P(Decodings, ReadAsTextAndAttribute) {
-  const Element element = Parsed(GetParam().markup);
-  EXPECT_EQ(element.GetText(), GetParam().text);
-  EXPECT_EQ(element.GetAttribute("v"), GetParam().attribute);
+TEST(XmlParse, DecodingOfTextAndAttributes) {
+  const struct {
+    const char *markup, *text, *attribute;
+  } cases[] = {{"<a v=\"&#38;#60;\">&#38;#60;</a>", "<", "&#60;"},
+               {"<a v='&amp;'>&amp;</a>", "&amp;", "&amp;"},
+               {"<a v='&#x4a;&#x4A;'>&#65;</a>", "A", "JJ"},
+               {"<a v='&#65xB'>&#65</a>", "A", "AB"},
+               {"<a v='&#321;'>&#6A;</a>", "\x06", "A"},  // the low byte; decimal rules stop at a letter
+               {"<a v='a & b'>a & b</a>", "a & b", "a & b"}};
+  for (const auto& c : cases) {
+    const Element element = Parsed(c.markup);
+    EXPECT_EQ(element.GetText(), c.text) << c.markup;
+    EXPECT_EQ(element.GetAttribute("v"), c.attribute) << c.markup;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Xml, Decodings,
-                         testing::Values(Decoding{"<a v=\"&#38;#60;\">&#38;#60;</a>", "<", "&#60;"},
-                                         Decoding{"<a v='&amp;'>&amp;</a>", "&amp;", "&amp;"},
-                                         Decoding{"<a v='&#x4a;&#x4A;'>&#65;</a>", "A", "JJ"},
-                                         Decoding{"<a v='&#65xB'>&#65</a>", "A", "AB"},
-                                         Decoding{"<a v='&#321;'>&#6A;</a>", "\x06", "A"},  // low byte; decimal stops
-                                         Decoding{"<a v='a & b'>a & b</a>", "a & b", "a & b"}));
 
 TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   const Element element = Parsed("<r z='1' y = \"it's\"\tx=\"\" ? w/>");
@@ -234,27 +218,21 @@ TEST(XmlWrite, RoundTripOddities) {
   EXPECT_EQ(Parsed(utf8.Write()).GetText(), "Caf\xC3\xA9");
 }
 
-struct QuoteCase {
-  const char* value;
-  const char* written;
-};
-
-class Quotes : public testing::TestWithParam<QuoteCase> {};
-
-TEST_P(Quotes, AreChosenByTheValueWhichReadsBackWhole) {
-  Tag a("a");
-  a.SetAttribute("v") = GetParam().value;
-  EXPECT_EQ(a.Write(), GetParam().written);
-  EXPECT_EQ(Parsed(GetParam().written).GetAttribute("v"), GetParam().value);
+TEST(XmlWrite, QuotesAreChosenByTheValueWhichReadsBackWhole) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"plain", "<a v=\"plain\"/>"},
+      {"say \"hi\"", "<a v='say \"hi\"'/>"},
+      {"it's", "<a v=\"it's\"/>"},
+      {"it's \"x\"", "<a v=\"it's &#34;x&#34;\"/>"},
+      {"a&b<c", "<a v=\"a&#38;b&#60;c\"/>"},
+      {"tab\tnew\nline", "<a v=\"tab\tnew&#10;line\"/>"}};
+  for (const auto& [value, written] : cases) {
+    Tag a("a");
+    a.SetAttribute("v") = value;
+    EXPECT_EQ(a.Write(), written);
+    EXPECT_EQ(Parsed(written).GetAttribute("v"), value);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Xml, Quotes,
-                         testing::Values(QuoteCase{"plain", "<a v=\"plain\"/>"},
-                                         QuoteCase{"say \"hi\"", "<a v='say \"hi\"'/>"},
-                                         QuoteCase{"it's", "<a v=\"it's\"/>"},
-                                         QuoteCase{"it's \"x\"", "<a v=\"it's &#34;x&#34;\"/>"},
-                                         QuoteCase{"a&b<c", "<a v=\"a&#38;b&#60;c\"/>"},
-                                         QuoteCase{"tab\tnew\nline", "<a v=\"tab\tnew&#10;line\"/>"}));
 
 // Random trees of the kind the system writes: tags with attributes and text,
 // never two texts side by side. Indented, a text must be an only child: the
