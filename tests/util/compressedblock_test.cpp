@@ -23,33 +23,26 @@ Bytes Unpacked(const Bytes& block) {
 }
 
 // Blocks worked out by hand from the counting, ordering and tree-building rules.
-struct HandWorked {
-  const char* input;
-  const char* block;
-};
-
-class CompressedBlockByHand : public testing::TestWithParam<HandWorked> {};
-
-TEST_P(CompressedBlockByHand, PacksToExactBytesAndBack) {
-  const std::string input = GetParam().input;
-  const Bytes block = Hex(kHeader + GetParam().block);
-  EXPECT_EQ(CompressedBlock::Pack(input), block);
-  EXPECT_EQ(Unpacked(block), Bytes(input.begin(), input.end()));
+TEST(CompressedBlock, PacksToExactBytesAndBack) {
+  const std::pair<std::string, const char*> cases[] = {
+      // Nothing to code: an empty table and no stream.
+      {"", "00000000 00000000"},
+      // One symbol: the root is a leaf and no bits are written.
+      {"aaaa", "01000000 04000000 6104000000"},
+      // a(1) b(2): a is the first child (0), b the second (1); bits 0 1 1.
+      {"abb", "02000000 03000000 6101000000 6202000000 06"},
+      // Equal counts keep the 255-to-0 order: c b a. (c,b) pair first, the
+      // parent goes after a; a = 0, c = 10, b = 11; bits 0 11 10.
+      {"abc", "03000000 03000000 6301000000 6201000000 6101000000 0E"},
+      // b(1) a(1) c(2) d(5): the parent (2) goes after c, the next (4) before
+      // d. d = 1, c = 00, b = 010, a = 011: fifteen bits over two bytes.
+      {"abccddddd", "04000000 09000000 6201000000 6101000000 6302000000 6405000000 167C"}};
+  for (const auto& [input, hex] : cases) {
+    const Bytes block = Hex(kHeader + hex);
+    EXPECT_EQ(CompressedBlock::Pack(input), block);
+    EXPECT_EQ(Unpacked(block), Bytes(input.begin(), input.end()));
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Samples, CompressedBlockByHand, testing::ValuesIn(std::vector<HandWorked>{
-    // Nothing to code: an empty table and no stream.
-    {"", "00000000 00000000"},
-    // One symbol: the root is a leaf and no bits are written.
-    {"aaaa", "01000000 04000000 6104000000"},
-    // a(1) b(2): a is the first child (0), b the second (1); bits 0 1 1.
-    {"abb", "02000000 03000000 6101000000 6202000000 06"},
-    // Equal counts keep the 255-to-0 order: c b a. (c,b) pair first, the
-    // parent goes after a; a = 0, c = 10, b = 11; bits 0 11 10.
-    {"abc", "03000000 03000000 6301000000 6201000000 6101000000 0E"},
-    // b(1) a(1) c(2) d(5): the parent (2) goes after c, the next (4) before
-    // d. d = 1, c = 00, b = 010, a = 011: fifteen bits over two bytes.
-    {"abccddddd", "04000000 09000000 6201000000 6101000000 6302000000 6405000000 167C"}}));
 
 TEST(CompressedBlock, RandomAndDeepTreesRoundTripAndTextShrinks) {
   std::mt19937 random(7);
@@ -74,40 +67,30 @@ TEST(CompressedBlock, RandomAndDeepTreesRoundTripAndTextShrinks) {
   EXPECT_LT(CompressedBlock::Pack(text).size(), text.size() * 7 / 10);
 }
 
-// Not a compressed block: passed on unchanged. Damaged: nothing, and a message.
-struct Refused {
-  std::string hex;
-  CompressedBlock::Unpacked kind;
-};
-
-class CompressedBlockRefused : public testing::TestWithParam<Refused> {};
-
-TEST_P(CompressedBlockRefused, AsPlainOrDamaged) {
-  const Bytes bytes = Hex(GetParam().hex);
-  Bytes out = {1, 2, 3};
-  std::string error;
-  EXPECT_EQ(CompressedBlock::Unpack(bytes, out, &error), GetParam().kind);
-  if (GetParam().kind == CompressedBlock::Unpacked::kPlain) {
-    EXPECT_EQ(out, bytes);
-  } else {
-    EXPECT_TRUE(out.empty());
-    EXPECT_NE(error.find("compressed block"), std::string::npos) << error;
-  }
-}
-
 constexpr auto kPlain = CompressedBlock::Unpacked::kPlain;
 constexpr auto kDamaged = CompressedBlock::Unpacked::kDamaged;
 
-INSTANTIATE_TEST_SUITE_P(Samples, CompressedBlockRefused, testing::ValuesIn(std::vector<Refused>{
-    {"", kPlain}, {"CA3153", kPlain}, {"3C5247542F3E", kPlain},              // empty, short, text
-    {"CB315300 64000000 01000000 01000000 4101000000", kPlain},              // wrong magic
-    {"CA315300 65000000 01000000 01000000 4101000000", kPlain},              // wrong version
-    {"CA315300 64000000 01010000 01000000", kPlain},                         // 257 symbols
-    {kHeader + "02000000 03000000 6101000000 62", kDamaged},                 // table cut short
-    {kHeader + "02000000 09000000 6101000000 6202000000 06", kDamaged},      // stream cut short
-    {kHeader + "02000000 03000000 6101000000 6202000000", kDamaged},         // no stream at all
-    {kHeader + "00000000 05000000", kDamaged},                               // bytes but no symbol
-    {kHeader + "01000000 FFFFFFFF 6101000000", kDamaged}}));  // four gigabytes claimed in 21 bytes
+// Not a compressed block: passed on unchanged. Damaged: nothing, and a message.
+TEST(CompressedBlock, RefusedAsPlainOrDamaged) {
+  const std::pair<std::string, CompressedBlock::Unpacked> cases[] = {
+      {"", kPlain}, {"CA3153", kPlain}, {"3C5247542F3E", kPlain},           // empty, short, text
+      {"CB315300 64000000 01000000 01000000 4101000000", kPlain},           // wrong magic
+      {"CA315300 65000000 01000000 01000000 4101000000", kPlain},           // wrong version
+      {"CA315300 64000000 01010000 01000000", kPlain},                      // 257 symbols
+      {kHeader + "02000000 03000000 6101000000 62", kDamaged},              // table cut short
+      {kHeader + "02000000 09000000 6101000000 6202000000 06", kDamaged},   // stream cut short
+      {kHeader + "02000000 03000000 6101000000 6202000000", kDamaged},      // no stream at all
+      {kHeader + "00000000 05000000", kDamaged},                            // bytes but no symbol
+      {kHeader + "01000000 FFFFFFFF 6101000000", kDamaged}};                // four gigabytes in 21 bytes
+  for (const auto& [hex, kind] : cases) {
+    const Bytes bytes = Hex(hex);
+    Bytes out = {1, 2, 3};
+    std::string error;
+    EXPECT_EQ(CompressedBlock::Unpack(bytes, out, &error), kind) << hex;
+    EXPECT_EQ(out, kind == kPlain ? bytes : Bytes()) << hex;
+    EXPECT_TRUE(kind == kPlain || error.find("compressed block") != std::string::npos) << error;
+  }
+}
 
 TEST(CompressedBlock, TrailingBytesAreIgnoredAndTheLimitIsTheCallersChoice) {
   EXPECT_EQ(Unpacked(Hex(kHeader + "02000000 03000000 6101000000 6202000000 06 FF")), (Bytes{'a', 'b', 'b'}));

@@ -87,35 +87,26 @@ TEST(DataChunk, TrailingBytesAreNotPartOfTheChunkAndANameMayHave256Bytes) {
   EXPECT_EQ(chunk.name, name);
 }
 
-struct BadBlock {
-  const char* why;  // names the case in test output
-  Bytes block;
-  const char* message;
-};
-
-class DataChunkBad : public testing::TestWithParam<BadBlock> {};
-
-TEST_P(DataChunkBad, IsRefusedWithWhereAndWhat) {
-  DataChunk chunk("old", {1});
-  std::string error;
-  EXPECT_FALSE(chunk.Read(GetParam().block, &error));
-  EXPECT_NE(error.find(GetParam().message), std::string::npos) << error;
-  EXPECT_TRUE(chunk.name.empty() && chunk.data.empty() && chunk.children.empty() && chunk.packed.empty());
+TEST(DataChunk, BadBlocksAreRefusedWithWhereAndWhat) {
+  const std::pair<Bytes, const char*> cases[] = {
+      {{}, "byte 0: header cut short"},
+      {Cat({Header(0, 0, 257), Bytes(257, 'n')}), "name length 257"},
+      {Header(0, 0, -1), "name length -1"},
+      {Header(-4, 0, 0), "negative data size"},
+      {Header(0, -1, 0), "negative child count"},
+      {Cat({Header(100, 0, 1), Text("a"), {1, 2}}), "run past the end"},
+      {Cat({Header(0, 0x7FFFFFFF, 0), Bytes(100, 0)}), "can't fit"},
+      {Cat({Header(0, 1, 1), Text("a"), Header(0, 0, 300)}), "byte 13: name length 300"},
+      // Deep nesting is refused rather than overflowing the stack.
+      {Cat(std::vector<Bytes>(100000, Header(0, 1, 0))), "nested deeper"}};
+  for (const auto& [block, message] : cases) {
+    DataChunk chunk("old", {1});
+    std::string error;
+    EXPECT_FALSE(chunk.Read(block, &error));
+    EXPECT_NE(error.find(message), std::string::npos) << error;
+    EXPECT_TRUE(chunk.name.empty() && chunk.data.empty() && chunk.children.empty() && chunk.packed.empty());
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Samples, DataChunkBad,
-    testing::Values(BadBlock{"empty", {}, "byte 0: header cut short"},
-                    BadBlock{"name too long", Cat({Header(0, 0, 257), Bytes(257, 'n')}), "name length 257"},
-                    BadBlock{"negative name", Header(0, 0, -1), "name length -1"},
-                    BadBlock{"negative data", Header(-4, 0, 0), "negative data size"},
-                    BadBlock{"negative children", Header(0, -1, 0), "negative child count"},
-                    BadBlock{"data past end", Cat({Header(100, 0, 1), Text("a"), {1, 2}}), "run past the end"},
-                    BadBlock{"hostile child count", Cat({Header(0, 0x7FFFFFFF, 0), Bytes(100, 0)}), "can't fit"},
-                    BadBlock{"bad child", Cat({Header(0, 1, 1), Text("a"), Header(0, 0, 300)}),
-                             "byte 13: name length 300"},
-                    // Deep nesting is refused rather than overflowing the stack.
-                    BadBlock{"deep", Cat(std::vector<Bytes>(100000, Header(0, 1, 0))), "nested deeper"}));
 
 }  // namespace
 }  // namespace vuk::util
