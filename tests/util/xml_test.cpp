@@ -239,23 +239,21 @@ TEST(XmlWrite, QuotesAreChosenByTheValueWhichReadsBackWhole) {
 // indentation next to it would join it when read back.
 class RandomTree {
  public:
-  RandomTree(unsigned seed, bool textAlone) : rng_(seed), textAlone_(textAlone) {}
+  RandomTree(unsigned seed, bool textAlone) : rng_(seed), textAlone_(textAlone) {
+    for (int c = 1; c < 256; ++c) anyByte_ += c == '>' ? '"' : static_cast<char>(c);  // all a value can carry
+  }
 
   Tag Make(int depth) {
     Tag tag(Word("abcdefghijklmnopqrstuvwxyz0123456789_", 1, 8));
-    for (int i = Pick(0, 3); i > 0; --i) tag.SetAttribute("k" + std::to_string(i)) = Value();
+    for (int i = Pick(0, 3); i > 0; --i) tag.SetAttribute("k" + std::to_string(i)) = Word(anyByte_, 0, 12);
     const int children = depth > 0 ? Pick(0, 4) : 0;
-    bool lastWasText = textAlone_ && children > 1;
-    for (int i = 0; i < children; ++i) {
-      const bool text = !lastWasText && Pick(0, 3) == 0;
+    const bool noText = textAlone_ && children > 1;
+    for (bool lastWasText = false; tag.children.size() < static_cast<std::size_t>(children);) {
+      lastWasText = !noText && !lastWasText && Pick(0, 3) == 0;
       // Text is decoded twice, so "&#" would not come back; nor would text
       // that is only white space, which the reader drops before a tag.
-      if (text) {
-        tag.AddChild(Text(Word("ab &<>'\";:\t\n\xC3\xA9", 0, 10) + "z"));
-      } else {
-        tag.AddChild(Make(depth - 1));
-      }
-      lastWasText = text || (textAlone_ && children > 1);
+      tag.AddChild(lastWasText ? Element(Text(Word("ab &<>'\";:\t\n\xC3\xA9", 0, 10) + "z"))
+                               : Element(Make(depth - 1)));
     }
     return tag;
   }
@@ -269,18 +267,9 @@ class RandomTree {
     return word;
   }
 
-  // Any byte but NUL and ">", which the markup cannot carry in a value.
-  std::string Value() {
-    std::string value;
-    for (int i = Pick(0, 12); i > 0; --i) {
-      const char c = static_cast<char>(Pick(1, 255));
-      value += c == '>' ? '"' : c;
-    }
-    return value;
-  }
-
   std::mt19937 rng_;
   bool textAlone_;
+  std::string anyByte_;
 };
 
 void ExpectSameTree(const Element& a, const Element& b) {
