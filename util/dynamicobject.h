@@ -9,11 +9,8 @@ class DynamicObject {
  public:
   virtual ~DynamicObject() = default;
 
-  // The name the object was registered and is made under.
+  // The name of the object's kind, as XML elements spell it.
   virtual std::string GetTypeName() const { return "DynamicObject"; }
-
-  // Frees an object owned through a base pointer; null is ignored.
-  static void Destroy(DynamicObject* object) { delete object; }
 };
 
 }  // namespace vuk::util

@@ -9,7 +9,8 @@
 namespace vuk::util {
 
 // Like AbstractFactory, for products whose factories are looked up by tag
-// before the caller decides to create.
+// before the caller decides to create: the node kinds of the template tools'
+// MathScript expressions.
 template <typename T>
 class FactoryManager : public FactoryList<T>, public Singleton<FactoryManager<T>> {
   friend class Singleton<FactoryManager<T>>;

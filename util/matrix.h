@@ -60,7 +60,8 @@ struct Matrix {
     if (w != 0) out = out / w;
     return out;
   }
-  // A direction: no translation, no division.
+  // A direction: no translation, no division. The vehicle tools' ground
+  // contact takes ray directions into a surface's space with it.
   Vector3<T> TransformVector(const Vector3<T>& v) const {
     return {v.x * m[0] + v.y * m[4] + v.z * m[8], v.x * m[1] + v.y * m[5] + v.z * m[9],
             v.x * m[2] + v.y * m[6] + v.z * m[10]};
@@ -79,17 +80,14 @@ struct Matrix {
     m[14] = t.z;
   }
 
+  // The vehicle tools bring hit normals back by the transposed inverse, and
+  // the airplane's drag is built in its body frame with it.
   Matrix Transposed() const {
     Matrix out;
     for (int r = 0; r < 4; ++r) {
       for (int c = 0; c < 4; ++c) out.m[4 * c + r] = m[4 * r + c];
     }
     return out;
-  }
-
-  T Determinant() const {
-    const Cofactors c(*this);
-    return m[0] * c.inv[0] + m[1] * c.inv[4] + m[2] * c.inv[8] + m[3] * c.inv[12];
   }
 
   // By cofactors; a determinant of exactly 0 gives the all-zero matrix.
@@ -152,7 +150,8 @@ struct Matrix {
     return q;
   }
 
-  // Scale is lost.
+  // Scale is lost. The flight and camera tools read node matrices into their
+  // pose records with it.
   QTransform<T> ToPose() const { return {GetTranslation(), ToQuat()}; }
 
  private:

@@ -15,13 +15,12 @@ class CMesh {
   CMesh() = default;
   CMesh(const CMesh&) = default;
   CMesh& operator=(const CMesh&) = default;
-  // A copy with every vertex put through the matrix.
+  // A copy with every vertex put through the matrix: the vehicle tools hand
+  // ground meshes to Bullet in world space this way.
   CMesh(const CMesh& source, const Matrix<double>& transform);
   virtual ~CMesh() = default;
 
   virtual void Assign(const CMesh& other);
-
-  std::size_t FaceCount() const { return faces.size() / 3; }
 
   std::vector<Vector3<double>> vertices;
   std::vector<Vector3<double>> textureVertices;
@@ -36,7 +35,8 @@ class CMesh_Box : public CMesh {
   CMesh_Box(double width, double height, double depth);
 };
 
-// Rings about the Y axis at plus and minus half the height, with caps.
+// The vehicle tools' wheel meshes. Rings about the Y axis at plus and minus
+// half the height, with caps.
 // Vertices: the upper ring (0 to segments - 1), the lower ring, then the
 // upper and the lower cap centre.
 class CMesh_Cylinder : public CMesh {

@@ -10,7 +10,9 @@ namespace vuk::util {
 
 // A named node wired to other nodes. A node that connects to another becomes
 // one of its listeners and receives what it broadcasts. Links are kept on both
-// sides and a node detaches both ways when it is destroyed.
+// sides and a node detaches both ways when it is destroyed. The order of the
+// virtual operations is part of the layout that tools and GUI components
+// derive from, so lookups nobody calls yet keep their slots.
 class MessageNode {
  public:
   explicit MessageNode(std::string name = std::string()) : name(std::move(name)) {}

@@ -17,19 +17,6 @@ struct QTransform {
   constexpr QTransform() = default;
   constexpr QTransform(const Vector3<T>& t, const Quat<T>& r) : translation(t), rotation(r) {}
 
-  constexpr Vector3<T> TransformPoint(const Vector3<T>& p) const { return rotation.Rotate(p) + translation; }
-
-  // This pose followed by `then`: `then` applied to the result of this one
-  // would read then(this(p)); rotations compose in the quaternion order.
-  constexpr QTransform operator*(const QTransform& then) const {
-    return {then.rotation.Rotate(translation) + then.translation, rotation * then.rotation};
-  }
-
-  constexpr QTransform Inverse() const {
-    const Quat<T> inverse = rotation.Inverse();
-    return {-inverse.Rotate(translation), inverse};
-  }
-
   constexpr bool operator==(const QTransform& o) const { return translation == o.translation && rotation == o.rotation; }
   constexpr bool operator!=(const QTransform& o) const { return !(*this == o); }
 };

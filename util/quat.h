@@ -22,9 +22,10 @@ struct Quat {
     return {axis.x * s, axis.y * s, axis.z * s, std::cos(angle / 2)};
   }
 
-  // The exponential of a rotation vector. The axis is normalised unless the
-  // components sum to exactly 0; the test on the sum, not on the length, is
-  // kept as saved rigs depend on it.
+  // The exponential of a rotation vector, as the airplane, missile and camera
+  // tools integrate rotations. The axis is normalised unless the components
+  // sum to exactly 0; the test on the sum, not on the length, is kept as saved
+  // rigs depend on it.
   static Quat FromRotationVector(const Vector3<T>& v) {
     const T h = v.Length() / 2;
     const T s = std::sin(h);
@@ -45,15 +46,9 @@ struct Quat {
 
   constexpr T Dot(const Quat& o) const { return x * o.x + y * o.y + z * o.z + w * o.w; }
   T Norm() const { return std::sqrt(Dot(*this)); }
+  // The inverse of a unit quaternion: the vehicle regulators and the camera
+  // filters take rotations into a body's frame with it.
   constexpr Quat Conjugate() const { return {-x, -y, -z, w}; }
-  // The conjugate over the squared norm, so that q * q.Inverse() is the
-  // identity for any non-zero q; a zero quaternion gives the identity.
-  constexpr Quat Inverse() const {
-    const T squared = Dot(*this);
-    if (squared == 0) return Quat();
-    const Quat c = Conjugate();
-    return {c.x / squared, c.y / squared, c.z / squared, c.w / squared};
-  }
 
   // A zero quaternion becomes the identity.
   Quat& Normalize() {

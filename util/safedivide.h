@@ -1,6 +1,7 @@
 #pragma once
 // Division by a length that may vanish: a denominator closer to zero than
-// 1e-12 is replaced by 1e-12 with its sign, so results stay finite.
+// 1e-12 is replaced by 1e-12 with its sign, so results stay finite. The
+// airplane's regulator normalises its yaw-only rotation with this guard.
 
 #include <cmath>
 

@@ -30,7 +30,6 @@ struct Vector3 {
     return {y * o.z - z * o.y, z * o.x - x * o.z, x * o.y - y * o.x};
   }
   T Length() const { return std::sqrt(Dot(*this)); }
-  constexpr T LengthSquared() const { return Dot(*this); }
 
   // A vector of length exactly 0 becomes (0, 1, 0): degenerate axes then
   // still give a usable rotation.

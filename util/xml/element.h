@@ -64,7 +64,8 @@ class Element {
   std::string GetText() const;
 
   // The value this element's text holds, read as a standard stream reads it:
-  // its own text for a text element, else the text of its first child.
+  // its own text for a text element, else the text of its first child. The
+  // template tools' MathScript constants and parameters are read this way.
   template <typename T>
   T GetValue() const {
     std::istringstream in(kind == kText ? name : GetText());

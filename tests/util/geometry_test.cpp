@@ -1,0 +1,320 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <initializer_list>
+#include <random>
+#include <utility>
+
+#include "util/matrix.h"
+#include "util/safedivide.h"
+
+namespace vuk::util {
+namespace {
+
+using V = Vector3<double>;
+using Q = Quat<double>;
+using M = Matrix<double>;
+using P = QTransform<double>;
+constexpr double kPi = 3.141592653589793;
+constexpr double kHalfPi = kPi / 2;
+const double kRootHalf = std::sqrt(0.5);
+
+// Element by element, as plain arrays of doubles.
+template <typename T>
+void ExpectNear(const T& a, const T& b, double tolerance = 1e-15) {
+  const auto* x = reinterpret_cast<const double*>(&a);
+  const auto* y = reinterpret_cast<const double*>(&b);
+  for (std::size_t i = 0; i < sizeof(T) / sizeof(double); ++i) EXPECT_NEAR(x[i], y[i], tolerance) << "element " << i;
+}
+
+// A normalised 4D normal sample is uniform over the rotations.
+Q RandomRotation(std::mt19937& random) {
+  std::normal_distribution<double> normal;
+  return Q{normal(random), normal(random), normal(random), normal(random)}.Normalize();
+}
+
+M FromAxes(const V& x, const V& y, const V& z, const V& t = {}) {
+  M m;
+  m.SetAxis(0, x);
+  m.SetAxis(1, y);
+  m.SetAxis(2, z);
+  m.SetTranslation(t);
+  return m;
+}
+
+M FromElements(std::initializer_list<double> elements) {
+  M m;
+  int i = 0;
+  for (double e : elements) m[i++] = e;
+  return m;
+}
+
+TEST(Geometry, MemoryOrderIsWhatSavedDataHolds) {
+  const P pose{{1, 2, 3}, {4, 5, 6, 7}};
+  double raw[7];
+  std::memcpy(raw, &pose, sizeof raw);
+  for (int i = 0; i < 7; ++i) EXPECT_EQ(raw[i], i + 1.0);
+  EXPECT_EQ(P().rotation, Q(0, 0, 0, 1));
+  EXPECT_EQ(M::FromPose(P()), M());
+}
+
+TEST(Vector3, CrossIsRightHandedAndNormalizeMakesZeroUp) {
+  EXPECT_EQ(V(1, 0, 0).Cross(V(0, 1, 0)), V(0, 0, 1));
+  EXPECT_EQ(V(1, 2, 3).Cross(V(4, 5, 6)), V(-3, 6, -3));
+  V v(3, 0, -4);
+  EXPECT_EQ(&v.Normalize(), &v);
+  EXPECT_EQ(v, V(0.6, 0, -0.8));
+  EXPECT_EQ(V().Normalized(), V(0, 1, 0));
+  EXPECT_EQ(V(-0.0, 0.0, -0.0).Normalized(), V(0, 1, 0));
+}
+
+TEST(Geometry, SafeDivisionReplacesOnlyDenominatorsBelowTheLimit) {
+  // {denominator, the one used}: zero of either sign takes +1e-12; the limit itself is kept.
+  const std::pair<double, double> cases[] = {{0.0, 1e-12},       {-0.0, 1e-12},  {5e-13, 1e-12},   {-5e-13, -1e-12},
+                                             {1e-300, 1e-12},    {-1e-300, -1e-12}, {9.999e-13, 1e-12}, {1e-12, 1e-12},
+                                             {-1e-12, -1e-12},   {2e-12, 2e-12}, {-2.5, -2.5}};
+  for (const auto& [denominator, used] : cases) {
+    EXPECT_EQ(SafeDenominator(denominator), used) << denominator;
+    EXPECT_EQ(SafeDivide(3.0, denominator), 3.0 / used) << denominator;
+  }
+}
+
+// A right-handed quarter turn about an axis, and the images of the three unit
+// axes worked out by hand: the columns of its matrix. An axis of any length
+// is normalised first.
+TEST(Geometry, QuarterTurnsAgreeAsQuaternionMatrixAndRotation) {
+  const struct {
+    V axis;
+    Q quat;
+    V x, y, z;
+  } turns[] = {{{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
+               {{-1, 0, 0}, {-kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
+               {{0, 1, 0}, {0, kRootHalf, 0, kRootHalf}, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
+               {{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
+               {{0, 0, 1}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
+               {{0, 0, -5}, {0, 0, -kRootHalf, kRootHalf}, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
+  for (const auto& turn : turns) {
+    const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
+    ExpectNear(q, turn.quat);
+    ExpectNear(q.Rotate({1, 0, 0}), turn.x);
+    ExpectNear(q.Rotate({0, 1, 0}), turn.y);
+    ExpectNear(q.Rotate({0, 0, 1}), turn.z);
+    ExpectNear(q.Conjugate().Rotate(turn.z), {0, 0, 1});
+    ExpectNear(M::FromQuat(turn.quat), FromAxes(turn.x, turn.y, turn.z));
+    ExpectNear(FromAxes(turn.x, turn.y, turn.z).ToQuat(), turn.quat);
+  }
+}
+
+// Worked out by hand as Hamilton products with the right operand on the
+// left; for pure axes, i * j is j (x) i = -k.
+TEST(Quat, ProductIsTheReversedHamiltonProduct) {
+  const Q cases[][3] = {{{1, 2, 3, 4}, {5, 6, 7, 8}, {32, 32, 56, -6}}, {{5, 6, 7, 8}, {1, 2, 3, 4}, {24, 48, 48, -6}},
+                        {{1, 2, 3, 4}, {0, 0, 0, 1}, {1, 2, 3, 4}},     {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -1, 0}},
+                        {{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}}};
+  for (const auto& [a, b, expected] : cases) {
+    EXPECT_EQ(a * b, expected);
+    Q inPlace = a;
+    inPlace *= b;
+    EXPECT_EQ(inPlace, expected);
+  }
+}
+
+TEST(Quat, ProductAppliesTheLeftOperandFirstAndTheMatrixProductTheRight) {
+  const Q aboutZ = Q::FromAxisAngle({0, 0, 1}, kHalfPi);
+  const Q aboutX = Q::FromAxisAngle({1, 0, 0}, kHalfPi);
+  // Z first takes X to Y, then X takes Y to Z.
+  ExpectNear((aboutZ * aboutX).Rotate({1, 0, 0}), {0, 0, 1}, 1e-15);
+  ExpectNear((aboutX * aboutZ).Rotate({1, 0, 0}), {0, 1, 0}, 1e-15);
+  ExpectNear((M::FromQuat(aboutX) * M::FromQuat(aboutZ)).TransformPoint({1, 0, 0}), {0, 0, 1}, 1e-15);
+  std::mt19937 random(17);
+  std::uniform_real_distribution<double> uniform(-5, 5);
+  for (int round = 0; round < 300; ++round) {
+    const Q a = RandomRotation(random), b = RandomRotation(random);
+    const V p{uniform(random), uniform(random), uniform(random)};
+    ExpectNear((a * b).Rotate(p), b.Rotate(a.Rotate(p)), 1e-13);
+    ExpectNear(a.Rotate(p), M::FromQuat(a).TransformPoint(p), 1e-13);
+    ExpectNear(a.Conjugate().Rotate(a.Rotate(p)), p, 1e-13);
+    ExpectNear(M::FromQuat(b) * M::FromQuat(a), M::FromQuat(a * b), 1e-14);
+  }
+}
+
+TEST(Quat, NormalizeKeepsTheSignAndZeroBecomesTheIdentity) {
+  EXPECT_EQ(Q(0, 0, 0, 0).Normalize(), Q());
+  EXPECT_EQ(Q(0, 0, 0, 2).Normalized(), Q());
+  EXPECT_EQ(Q(0, 3, 0, -4).Normalized(), Q(0, 0.6, 0, -0.8));
+  EXPECT_EQ(Q(1, 1, 1, 1).Normalized(), Q(0.5, 0.5, 0.5, 0.5));
+  EXPECT_EQ(Q(1, -2, 0.5, 3).Conjugate(), Q(-1, 2, -0.5, 3));
+}
+
+// The exponential of a rotation vector. Where the components sum to exactly
+// 0 the vector is used unnormalised, and the result is not a unit quaternion.
+TEST(Quat, ExponentialOfARotationVector) {
+  const std::pair<V, bool> cases[] = {{{0, 0, kHalfPi}, false}, {{-kPi, 0, 0}, false}, {{1, 1, 0}, false},
+                                      {{0.3, -0.1, -0.1}, false}, {{1, -1, 0}, true},    {{2, -1, -1}, true},
+                                      {{0, 0, 0}, true}};
+  for (const auto& [v, unnormalised] : cases) {
+    const Q q = Q::FromRotationVector(v);
+    const double h = v.Length() / 2;
+    EXPECT_EQ(q.w, std::cos(h));
+    if (unnormalised) {
+      EXPECT_EQ(q, Q(std::sin(h) * v.x, std::sin(h) * v.y, std::sin(h) * v.z, std::cos(h)));
+    } else {
+      EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
+      ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
+    }
+  }
+}
+
+TEST(Quat, SlerpTakesTheShorterArc) {
+  const Q a;
+  const Q b = Q::FromAxisAngle({0, 1, 0}, kHalfPi);
+  const Q eighth{0, std::sin(kPi / 8), 0, std::cos(kPi / 8)};
+  ExpectNear(Q::Slerp(a, b, 0.5), eighth);
+  ExpectNear(Q::Slerp(a, b, 0.0), a);
+  ExpectNear(Q::Slerp(a, b, 1.0), b);
+  EXPECT_NEAR(std::fabs(Q::Slerp(a, -b, 0.5).Dot(eighth)), 1.0, 1e-15);
+}
+
+TEST(Matrix, ProductAppliesTheRightOperandFirstAndMayWriteIntoAnOperand) {
+  // FromQuat doesn't normalise: the diagonal is w^2 = 4.
+  EXPECT_EQ(M::FromQuat({0, 0, 0, 2}), FromElements({4, 0, 0, 0, 0, 4, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1}));
+  M translate;
+  translate.SetTranslation({1, 2, 3});
+  const M scale = FromAxes({2, 0, 0}, {0, 2, 0}, {0, 0, 2});
+  M result;
+  translate.Multiply(result, scale);  // scale, then move: p -> 2p + t
+  EXPECT_EQ(result, FromAxes({2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {1, 2, 3}));
+  EXPECT_EQ(scale * translate, FromAxes({2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {2, 4, 6}));
+
+  const M a = FromElements({1, 2, 0, 0, 3, 4, 0, 0, 0, 0, 1, 0, 5, 6, 7, 1});
+  const M b = FromElements({0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 1, 1, 1, 1});
+  M left = a, right = b;
+  left.Multiply(left, b);
+  a.Multiply(right, right);
+  EXPECT_EQ(left, a * b);
+  EXPECT_EQ(right, a * b);
+}
+
+// w' divides unless it is exactly 0.
+TEST(Matrix, TransformPointAndVector) {
+  const M turn = FromAxes({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {10, 20, 30});  // a quarter turn about Z and a move
+  EXPECT_EQ(turn.TransformPoint({1, 2, 3}), V(8, 21, 33));
+  EXPECT_EQ(turn.TransformVector({1, 2, 3}), V(-2, 1, 3));
+  const std::pair<M, V> cases[] = {
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 4, 0, 0, 2}), {3, 2, 3}},       // w' = 2 from element 15
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -1}), {-2, -4, -6}},   // w' = -1
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 1, 0, 0, 0}), {3, 4, 6}},       // w' = 0: not divided
+      {FromElements({1, 0, 0, 1, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, -2}), {2, 4, 6}},      // w' = 2 - 2 = 0
+      {FromElements({1, 0, 0, 0, 0, 1, 0, 0.5, 0, 0, 1, 0, 0, 0, 0, 0}), {1, 2, 3}}};    // w' = 4 x 0.5
+  for (const auto& [m, expected] : cases) EXPECT_EQ(m.TransformPoint({2, 4, 6}), expected);
+}
+
+TEST(Matrix, InverseByHandSingularNearlySingularAndRandom) {
+  // Singular: a zero axis, equal axes, Z = X + Y, nothing in row four.
+  for (const M& singular : {M::Zero(), FromAxes({1, 0, 0}, {0, 0, 0}, {0, 0, 1}, {1, 2, 3}),
+                            FromAxes({1, 2, 3}, {1, 2, 3}, {0, 0, 1}), FromAxes({1, 2, 0}, {0, 1, 3}, {1, 3, 3}),
+                            FromElements({1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0})}) {
+    EXPECT_EQ(singular.Inverse(), M::Zero());
+  }
+  // Scale by 2, then move by (1, 2, 3): the inverse moves back, then halves.
+  EXPECT_EQ(FromAxes({2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {1, 2, 3}).Inverse(),
+            FromAxes({0.5, 0, 0}, {0, 0.5, 0}, {0, 0, 0.5}, {-0.5, -1, -1.5}));
+  // Determinant 1e-15: small, but not exactly 0.
+  const M tiny = FromAxes({1e-5, 0, 0}, {0, 1e-5, 0}, {0, 0, 1e-5}).Inverse();
+  EXPECT_NEAR(tiny[0], 1e5, 1e-6);
+  EXPECT_NEAR(tiny[10], 1e5, 1e-6);
+  EXPECT_NEAR(tiny[15], 1.0, 1e-15);
+
+  std::mt19937 random(5);
+  std::uniform_real_distribution<double> uniform(-3, 3);
+  for (int round = 0; round < 300; ++round) {
+    M m = M::FromQuat(RandomRotation(random));
+    for (int axis = 0; axis < 3; ++axis) m.SetAxis(axis, m.Axis(axis) * (0.5 + std::fabs(uniform(random))));
+    m.SetTranslation({uniform(random), uniform(random), uniform(random)});
+    ExpectNear(m.Inverse() * m, M(), 1e-12);
+    ExpectNear(m * m.Inverse(), M(), 1e-12);
+  }
+  // The inverse of a parent times a child is the child relative to the parent.
+  const M parent = M::FromPose({{1, 2, 3}, Q::FromAxisAngle({0, 1, 0}, 0.4)});
+  const M child = M::FromPose({{-2, 0.5, 4}, Q::FromAxisAngle({1, 1, 0}, -1.1)});
+  ExpectNear(parent * (parent.Inverse() * child), child, 1e-14);
+}
+
+TEST(Matrix, TransposeOfARotationIsItsInverse) {
+  const M m = M::FromQuat(Q::FromAxisAngle({1, -2, 0.5}, 0.9));
+  ExpectNear(m.Transposed(), m.Inverse(), 1e-15);
+  const M t = FromElements({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}).Transposed();
+  EXPECT_EQ(t, FromElements({0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15}));
+}
+
+TEST(Matrix, PoseToMatrixAndBackLosesOnlyScale) {
+  // A quarter turn about Y: X goes to -Z, Z goes to X.
+  ExpectNear(M::FromPose({{1, 2, 3}, {0, kRootHalf, 0, kRootHalf}}),
+             FromElements({0, 0, -1, 0, 0, 1, 0, 0, 1, 0, 0, 0, 1, 2, 3, 1}), 1e-15);
+  M scaled = M::FromPose({{-4, 0.5, 9}, Q::FromAxisAngle({1, 1, 0}, 1.2)});
+  scaled.SetAxis(0, scaled.Axis(0) * 0.0254);
+  scaled.SetAxis(2, scaled.Axis(2) * 100);
+  const P back = scaled.ToPose();
+  EXPECT_EQ(back.translation, V(-4, 0.5, 9));
+  ExpectNear(back.rotation, Q::FromAxisAngle({1, 1, 0}, 1.2));
+}
+
+// Random rotations both ways; turns near a half turn fall into cases X, Y
+// and Z. The way back always has w >= 0.
+TEST(Matrix, RoundTripsKeepWNotNegative) {
+  std::mt19937 random(9);
+  for (int round = 0; round < 3000; ++round) {
+    Q q = RandomRotation(random);
+    if (round % 3 == 0) q = Q::FromAxisAngle({q.x, q.y, q.z}, round % 2 ? 3.14 : -2.9);
+    const M m = M::FromQuat(q);
+    const Q back = m.ToQuat();
+    EXPECT_GE(back.w, 0.0);
+    ExpectNear(back, q.w < 0 ? -q : q, 1e-13);
+    ExpectNear(M::FromQuat(back), m, 1e-13);
+  }
+  const Q positive = Q::FromAxisAngle({1, 2, 3}, 2.5);
+  EXPECT_EQ(M::FromQuat(positive), M::FromQuat(-positive));
+}
+
+// The matrix of a half turn about a is 2 a a^T / |a|^2 - I; the axes used
+// keep it exact.
+M HalfTurn(const V& a) {
+  const double axis[3] = {a.x, a.y, a.z};
+  M m;
+  for (int c = 0; c < 3; ++c) {
+    for (int r = 0; r < 3; ++r) m[4 * c + r] = 2 * axis[r] * axis[c] / a.Dot(a) - (r == c ? 1 : 0);
+  }
+  return m;
+}
+
+const double kRootTenth = std::sqrt(0.1);
+const double kRootSixth = std::sqrt(1 / 6.0);
+
+// Half turns fall into case X, Y or Z, and keep w exactly 0, not negated. A
+// zero axis reads as (0, 1, 0) before the quaternion is taken: with X zero
+// the axes are (0,1,0), (0,1,0), (0,0,1) and case W gives (0, 0, 1, 3) /
+// sqrt 10; all three zero give (-1, 0, 1, 2) / sqrt 6.
+TEST(Matrix, ToQuatByHand) {
+  const std::pair<M, Q> cases[] = {
+      {HalfTurn({1, 0, 0}), {1, 0, 0, 0}},
+      {HalfTurn({0, 1, 0}), {0, 1, 0, 0}},
+      {HalfTurn({0, 0, 1}), {0, 0, 1, 0}},
+      {HalfTurn({0, 0, -1}), {0, 0, 1, 0}},
+      {HalfTurn({1, -1, 0}), {kRootHalf, -kRootHalf, 0, 0}},
+      {HalfTurn({-1, 0, 1}), {kRootHalf, 0, -kRootHalf, 0}},
+      {HalfTurn({0, 1, -1}), {0, kRootHalf, -kRootHalf, 0}},
+      {HalfTurn({0, -1, -1}), {0, kRootHalf, kRootHalf, 0}},
+      {FromAxes({0, 0, 0}, {0, 1, 0}, {0, 0, 1}), {0, 0, kRootTenth, 3 * kRootTenth}},
+      {FromAxes({1, 0, 0}, {0, 0, 0}, {0, 0, 1}), {0, 0, 0, 1}},
+      {FromAxes({1, 0, 0}, {0, 1, 0}, {0, 0, 0}), {-kRootTenth, 0, 0, 3 * kRootTenth}},
+      {M::Zero(), {-kRootSixth, 0, kRootSixth, 2 * kRootSixth}}};
+  for (const auto& [m, expected] : cases) {
+    const Q q = m.ToQuat();
+    ExpectNear(q, expected);
+    EXPECT_TRUE(expected.w != 0 || q.w == 0.0);
+  }
+}
+
+}  // namespace
+}  // namespace vuk::util
