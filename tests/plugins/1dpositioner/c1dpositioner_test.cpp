@@ -1,4 +1,4 @@
-#include "plugins/1dpositioner/c1dpositionerobject.h"
+#include "plugins/1dpositioner/1dpositionerobject.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include "adaptor/standalone/standalonenode.h"
 #include "core/corelibrary.h"
 #include "plugins/tools.h"
-#include "plugins/lookatcam/lookatcamplugin.h"
+#include "plugins/lookatcam/lookatcamobject.h"
 #include "tests/plugins/keyhash.h"
 
 namespace vuk::rgw::addon {
@@ -69,7 +69,6 @@ TEST_F(LookAtCam, ANewCameraMakesItsTwoNodes) {
   EXPECT_EQ(World(tool->cameraNode.handle, 0).GetTranslation(), Vector3<double>(0, 0, 10));
   EXPECT_TRUE(Host(tool->cameraNode.handle)->GetHostNode()->selected);
   EXPECT_EQ(LensDistance(0), 10.0);
-  EXPECT_EQ(tool->cameraNode.baseTargetDistance, 10.0);
 
   auto second = library.FindTool("LookAtCam")->CreateInstance("", &host);
   EXPECT_EQ(second->util::MessageNode::GetName(), "LookAtCam_02");
