@@ -21,8 +21,6 @@ const SavedData C1DPositionerObject::kSavedData{"1DPositionerDataChunk", 100};
 
 namespace {
 
-constexpr char kHideHelpers[] = "Hide Helpers";
-constexpr char kHideHelpersDuringRecording[] = "Hide Helpers During Recording";
 constexpr char kSettingsKey[] = "sDataChunkSaveStruct";
 // Four flags and four spare bytes, then the response factor, maximum and
 // change limit.
@@ -70,13 +68,10 @@ void C1DPositionerObject::Start(double time) {
   // start frame's record however the times were summed.
   history.RewindTo(time + 0.5 * iface->GetFrameDuration(), channel);
   ring.Fill(cageNode.Read(time));
-  if (hideHelpersDuringRecording || hideHelpers) SetHidden(cageNode.handle, true);
+  helpers.Start(cageNode.handle);
 }
 
-void C1DPositionerObject::Stop(double) {
-  // A helper the user hid for good stays hidden.
-  if (hideHelpersDuringRecording && !hideHelpers) SetHidden(cageNode.handle, false);
-}
+void C1DPositionerObject::Stop(double) { helpers.Stop(cageNode.handle); }
 
 void C1DPositionerObject::Step(double time) {
   channel.Read();
@@ -98,8 +93,7 @@ std::int32_t C1DPositionerObject::BuildConfig() {
   channel.Create(iface);
   iface->BeginConfig();
   iface->BeginGroup("General Modes", "");
-  iface->AddCheckBox(kHideHelpers, kHideHelpers, &hideHelpers, this);
-  iface->AddCheckBox(kHideHelpersDuringRecording, kHideHelpersDuringRecording, &hideHelpersDuringRecording, nullptr);
+  helpers.AddTo(iface, this);
   iface->EndGroup();
   iface->BeginGroup("Input Property Parameters", "");
   iface->AddSpinner(channel.name + " Response Factor", "How quickly the to respond to input value changes.",
@@ -141,8 +135,8 @@ std::int32_t C1DPositionerObject::Load() {
   in.Get(responseFactor);
   in.Get(maximum);
   in.Get(changeLimit);
-  hideHelpersDuringRecording = flags[0] != 0;
-  hideHelpers = flags[1] != 0;
+  helpers.hideDuringRecording = flags[0] != 0;
+  helpers.hide = flags[1] != 0;
   channel.keepState = flags[2] != 0;
   channel.integrate = flags[3] != 0;
   channel.responseFactor = responseFactor;
@@ -157,7 +151,7 @@ std::int32_t C1DPositionerObject::Save() {
   util::DataChunk chunk = kSavedData.Begin();
   util::Bytes settings;
   util::ByteWriter out(settings);
-  for (bool flag : {hideHelpersDuringRecording, hideHelpers, channel.keepState, channel.integrate}) {
+  for (bool flag : {helpers.hideDuringRecording, helpers.hide, channel.keepState, channel.integrate}) {
     out.Put(static_cast<std::uint8_t>(flag));
   }
   out.PutZeros(4);
@@ -172,7 +166,7 @@ std::int32_t C1DPositionerObject::Save() {
 
 void C1DPositionerObject::Changed(std::string label) {
   const ConfigChange change(std::move(label));
-  if (change.label == kHideHelpers) ApplyHideSwitch(iface, this, change, cageNode.handle, hideHelpers);
+  if (change.label == HelperSwitches::kHide) ApplyHideSwitch(iface, this, change, cageNode.handle, helpers.hide);
 }
 
 }  // namespace vuk::rgw::addon

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "plugins/common/actuatorchannel.h"
+#include "plugins/common/hideswitch.h"
 #include "plugins/common/posering.h"
 #include "plugins/common/saveddata.h"
 #include "plugins/common/toolnode.h"
@@ -59,8 +60,7 @@ class C1DPositionerObject : public CCamera, public CInterface::Callback {
   PoseRing ring;
   CRelativeCageNode cageNode{this, ring};
   ActuatorHistory history;
-  bool hideHelpersDuringRecording = false;
-  bool hideHelpers = false;
+  HelperSwitches helpers;
 };
 
 using C1DPositionerPlugin = CToolPlugin<C1DPositionerObject>;

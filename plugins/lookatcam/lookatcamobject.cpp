@@ -17,8 +17,6 @@ const ToolInfo CLookAtCamObject::kInfo = {
 
 namespace {
 
-constexpr char kHideHelpers[] = "Hide Helpers";
-constexpr char kHideHelpersDuringRecording[] = "Hide Helpers During Recording";
 constexpr char kHideCamera[] = "Hide Camera";
 constexpr char kInitialize[] = "Initialize";
 constexpr std::int32_t kSavedSize = 3;
@@ -89,13 +87,10 @@ void CLookAtCamObject::CLookAtCamNode::Update(double time) {
 
 void CLookAtCamObject::Start(double time) {
   cameraNode.Measure(time);
-  if (hideHelpersDuringRecording || hideHelpers) SetHidden(targetNode.handle, true);
+  helpers.Start(targetNode.handle);
 }
 
-void CLookAtCamObject::Stop(double) {
-  // A helper the user hid for good stays hidden.
-  if (hideHelpersDuringRecording && !hideHelpers) SetHidden(targetNode.handle, false);
-}
+void CLookAtCamObject::Stop(double) { helpers.Stop(targetNode.handle); }
 
 void CLookAtCamObject::Step(double time) {
   // Helpers first, the node written last comes last.
@@ -109,8 +104,7 @@ std::int32_t CLookAtCamObject::BuildConfig() {
   iface->BeginConfig();
   iface->AddButton(kInitialize, "Snaps camera to correct orientation and sets correct target distance.", this);
   iface->BeginGroup("General Modes", "");
-  iface->AddCheckBox(kHideHelpers, kHideHelpers, &hideHelpers, this);
-  iface->AddCheckBox(kHideHelpersDuringRecording, kHideHelpersDuringRecording, &hideHelpersDuringRecording, nullptr);
+  helpers.AddTo(iface, this);
   iface->AddCheckBox(kHideCamera, kHideCamera, &hideCamera, this);
   iface->EndGroup();
   iface->EndConfig();
@@ -135,22 +129,22 @@ std::int32_t CLookAtCamObject::Load() {
   const std::uint8_t* bytes = iface->GetSaveData(&length);
   if (!bytes || length != kSavedSize) return 1;
   const std::uint8_t saved[kSavedSize] = {bytes[0], bytes[1], bytes[2]};
-  hideHelpersDuringRecording = saved[0] != 0;
-  hideHelpers = saved[1] != 0;
+  helpers.hideDuringRecording = saved[0] != 0;
+  helpers.hide = saved[1] != 0;
   hideCamera = saved[2] != 0;
   iface->SetSaveData(saved, kSavedSize);
   return 0;
 }
 
 std::int32_t CLookAtCamObject::Save() {
-  const std::uint8_t saved[kSavedSize] = {hideHelpersDuringRecording, hideHelpers, hideCamera};
+  const std::uint8_t saved[kSavedSize] = {helpers.hideDuringRecording, helpers.hide, hideCamera};
   iface->SetSaveData(saved, kSavedSize);
   return 0;
 }
 
 const ToolNode* CLookAtCamObject::SwitchedNode(const std::string& label, bool*& flag) {
-  if (label == kHideHelpers) {
-    flag = &hideHelpers;
+  if (label == HelperSwitches::kHide) {
+    flag = &helpers.hide;
     return &targetNode;
   }
   if (label == kHideCamera) {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "plugins/common/hideswitch.h"
 #include "plugins/common/toolnode.h"
 #include "plugins/common/toolplugin.h"
 #include "sdk/cinterface.h"
@@ -62,9 +63,8 @@ class CLookAtCamObject : public CCamera, public CInterface::Callback {
 
   CTargetNode targetNode{this};
   CLookAtCamNode cameraNode{this, targetNode};
-  // The saved data: these three bytes in this order.
-  bool hideHelpersDuringRecording = false;
-  bool hideHelpers = false;
+  // The saved data: these three flags in this order.
+  HelperSwitches helpers;
   bool hideCamera = false;
 
  private:

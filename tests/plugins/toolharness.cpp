@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 #include "adaptor/standalone/standalonenode.h"
+#include "plugins/common/scopedsnapshot.h"
 #include "plugins/tools.h"
 
 namespace vuk::rgw::testing_support {
@@ -20,6 +23,11 @@ std::uint64_t HashOf(const Keys& keys, std::uint64_t hash) {
   return hash;
 }
 
+Bytes ReadFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
 ToolHarness::ToolHarness(const std::string& toolName) : library(addon::BuiltInTools()) {
   host.GetScene().animate = true;
   core::Plugin* tool = library.FindTool(toolName);
@@ -29,29 +37,19 @@ ToolHarness::ToolHarness(const std::string& toolName) : library(addon::BuiltInTo
 }
 
 void ToolHarness::Place(CNode* node, double time, const util::Matrix<double>& world) {
-  CSnapshot* snapshot = instance_->GetTransformSnapshot(node, time);
-  snapshot->SetWorldTransform(world);
-  instance_->ReleaseTransformSnapshot(snapshot);
+  addon::TransformSnapshot(instance_.get(), node, time)->SetWorldTransform(world);
 }
 
 void ToolHarness::PlaceLocal(CNode* node, double time, const util::Matrix<double>& local) {
-  CSnapshot* snapshot = instance_->GetTransformSnapshot(node, time);
-  snapshot->SetLocalTransform(local);
-  instance_->ReleaseTransformSnapshot(snapshot);
+  addon::TransformSnapshot(instance_.get(), node, time)->SetLocalTransform(local);
 }
 
 util::Matrix<double> ToolHarness::World(CNode* node, double time) {
-  CSnapshot* snapshot = instance_->GetTransformSnapshot(node, time);
-  const util::Matrix<double> world = snapshot->GetWorldTransform();
-  instance_->ReleaseTransformSnapshot(snapshot);
-  return world;
+  return addon::TransformSnapshot(instance_.get(), node, time)->GetWorldTransform();
 }
 
 util::Matrix<double> ToolHarness::Local(CNode* node, double time) {
-  CSnapshot* snapshot = instance_->GetTransformSnapshot(node, time);
-  const util::Matrix<double> local = snapshot->GetLocalTransform();
-  instance_->ReleaseTransformSnapshot(snapshot);
-  return local;
+  return addon::TransformSnapshot(instance_.get(), node, time)->GetLocalTransform();
 }
 
 SceneNode* ToolHarness::AddSceneNode(const std::string& hostName) {
@@ -99,6 +97,19 @@ std::uint64_t ToolHarness::HashOfKeys() {
   std::uint64_t hash = HashOf({});
   for (CNode* node : ToolNodes()) hash = HashOf(KeysOf(node), hash);
   return hash;
+}
+
+void ToolHarness::ExpectUndoableHide(CInterface::Callback& tool, const std::string& label, bool& flag, CNode* node) {
+  host.BeginUndo(label);
+  flag = true;
+  tool.Changed(label);
+  host.EndUndo();
+  EXPECT_FALSE(node->IsVisible()) << label;
+  host.Undo();
+  EXPECT_TRUE(node->IsVisible()) << label;
+  EXPECT_TRUE(flag) << label;
+  host.Redo();
+  EXPECT_FALSE(node->IsVisible()) << label;
 }
 
 Bytes ToolHarness::Save() {

@@ -25,6 +25,8 @@ using Bytes = std::vector<std::uint8_t>;
 // number shows.
 std::uint64_t HashOf(const Keys& keys, std::uint64_t hash = 14695981039346656037ull);
 
+Bytes ReadFile(const std::string& path);
+
 class ToolHarness {
  public:
   // The raw value of a channel, by its index among the instance's inputs, at a frame.
@@ -60,6 +62,9 @@ class ToolHarness {
   static const Keys& KeysOf(CNode* node);
   // Over the keys of all the tool's nodes, in their order.
   std::uint64_t HashOfKeys();
+  // Sets a hide switch's flag and sends its label as the page does: the node
+  // hides, an undo shows it and leaves the flag, a redo hides it again.
+  void ExpectUndoableHide(CInterface::Callback& tool, const std::string& label, bool& flag, CNode* node);
   // The bytes a Save hands the instance.
   Bytes Save();
   void SetSaveData(const Bytes& bytes);

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "adaptor/standalone/standalonenode.h"
 #include "tests/plugins/toolharness.h"
 
@@ -40,35 +37,24 @@ TEST_F(Positioner, IsAnAccessoryWithAWireCage) {
 }
 
 // Unfiltered, the output is maximum x input: the cage moves at that speed
-// down its local Z, one frame's distance each frame after the start.
+// down its local Z, one frame's distance each frame after the start, and
+// keeps its turn and scale.
 TEST_F(Positioner, MovesAlongItsMinusZAtTheOutputSpeed) {
   tool.channel.responseFactor = 0;
   tool.channel.maximum = 2;
-  Matrix<double> turned = Matrix<double>::FromQuat(Quat<double>::FromAxisAngle({0, 1, 0}, kHalfPi));
-  turned.SetTranslation({1, 2, 3});
-  harness.PlaceLocal(tool.cageNode.handle, 0, turned);
+  Matrix<double> placed = Matrix<double>::FromQuat(Quat<double>::FromAxisAngle({0, 1, 0}, kHalfPi));
+  for (int axis = 0; axis < 3; ++axis) placed.SetAxis(axis, placed.Axis(axis) * 2);
+  placed.SetTranslation({1, 2, 3});
+  harness.PlaceLocal(tool.cageNode.handle, 0, placed);
   Run(0, 90, [](int) { return 1.0; });
   // Turned a quarter about Y, local minus Z is world minus X.
   for (int k = 0; k <= 90; ++k) {
-    const Vector3<double> at = Local(k * harness.Frame()).GetTranslation();
-    ASSERT_NEAR(at.x, 1 - 2.0 * k * harness.Frame(), 1e-12) << "frame " << k;
-    ASSERT_NEAR(at.y, 2, 1e-12);
-    ASSERT_NEAR(at.z, 3, 1e-12);
+    const Matrix<double> local = Local(k * harness.Frame());
+    ASSERT_NEAR((local.GetTranslation() - Vector3<double>(1 - 2.0 * k * harness.Frame(), 2, 3)).Length(), 0, 1e-12)
+        << "frame " << k;
+    for (int axis = 0; axis < 3; ++axis) ASSERT_NEAR((local.Axis(axis) - placed.Axis(axis)).Length(), 0, 1e-12);
   }
   EXPECT_EQ(ToolHarness::KeysOf(tool.cageNode.handle).size(), 91u);  // the placed start and 90 frames
-}
-
-TEST_F(Positioner, KeepsTheCageScaleAndTurn) {
-  Matrix<double> scaled;
-  scaled.SetAxis(0, {0, 0, -2});
-  scaled.SetAxis(1, {0, 2, 0});
-  scaled.SetAxis(2, {2, 0, 0});
-  harness.PlaceLocal(tool.cageNode.handle, 0, scaled);
-  Run(0, 10, [](int) { return 1.0; });
-  const Matrix<double> last = Local(10 * harness.Frame());
-  for (int axis = 0; axis < 3; ++axis) {
-    EXPECT_NEAR((last.Axis(axis) - scaled.Axis(axis)).Length(), 0.0, 1e-12) << "axis " << axis;
-  }
 }
 
 TEST_F(Positioner, AFilteredStartRisesSmoothlyToTheMaximumSpeed) {
@@ -103,11 +89,10 @@ TEST_F(Positioner, ARunFromAMiddleFrameRepeatsTheFullRun) {
 // Where the fields of version 100 lie: the fixture's values, and a rewind
 // through its three recorded frames.
 TEST_F(Positioner, ReadsTheFieldsOfItsVersion100Data) {
-  std::ifstream in(RGW_TOOL_TESTS "/1dpositioner/savedata_v100.bin", std::ios::binary);
-  harness.SetSaveData({std::istreambuf_iterator<char>(in), {}});
+  harness.SetSaveData(testing_support::ReadFile(RGW_TOOL_TESTS "/1dpositioner/savedata_v100.bin"));
   ASSERT_EQ(tool.Load(), 0);
-  EXPECT_FALSE(tool.hideHelpersDuringRecording);
-  EXPECT_TRUE(tool.hideHelpers);
+  EXPECT_FALSE(tool.helpers.hideDuringRecording);
+  EXPECT_TRUE(tool.helpers.hide);
   EXPECT_TRUE(tool.channel.keepState);
   EXPECT_FALSE(tool.channel.integrate);
   EXPECT_EQ(tool.channel.responseFactor, 0.3);
@@ -122,16 +107,7 @@ TEST_F(Positioner, ReadsTheFieldsOfItsVersion100Data) {
 }
 
 TEST_F(Positioner, HideHelpersUndoesThroughTheHost) {
-  CNode* cage = tool.cageNode.handle;
-  harness.host.BeginUndo("Hide Helpers");
-  tool.hideHelpers = true;
-  tool.Changed("Hide Helpers");
-  harness.host.EndUndo();
-  EXPECT_FALSE(cage->IsVisible());
-  harness.host.Undo();
-  EXPECT_TRUE(cage->IsVisible());
-  harness.host.Redo();
-  EXPECT_FALSE(cage->IsVisible());
+  harness.ExpectUndoableHide(tool, "Hide Helpers", tool.helpers.hide, tool.cageNode.handle);
 }
 
 }  // namespace

@@ -89,19 +89,13 @@ TEST_F(LookAtCam, DegeneratePositionsWriteWithoutError) {
 }
 
 TEST_F(LookAtCam, HideSwitchesUndoAndRedoThroughTheHost) {
-  CNode* camera = tool.cameraNode.handle;
-  harness.host.BeginUndo("Hide Camera");
-  tool.hideCamera = true;
-  tool.Changed("Hide Camera");
-  harness.host.EndUndo();
-  EXPECT_FALSE(camera->IsVisible());
-  harness.host.Undo();
-  EXPECT_TRUE(camera->IsVisible());
-  EXPECT_TRUE(tool.hideCamera);
-  harness.host.Redo();
-  EXPECT_FALSE(camera->IsVisible());
+  harness.ExpectUndoableHide(tool, "Hide Camera", tool.hideCamera, tool.cameraNode.handle);
+  harness.ExpectUndoableHide(tool, "Hide Helpers", tool.helpers.hide, tool.targetNode.handle);
+  // Switched off, the target shows again.
+  tool.helpers.hide = false;
+  tool.Changed("Hide Helpers");
   // Hiding helpers during recording does nothing at once and records nothing.
-  tool.hideHelpersDuringRecording = true;
+  tool.helpers.hideDuringRecording = true;
   tool.Changed("Hide Helpers During Recording");
   EXPECT_TRUE(tool.targetNode.handle->IsVisible());
   // A recording hides the target and shows it again after.
@@ -114,18 +108,18 @@ TEST_F(LookAtCam, HideSwitchesUndoAndRedoThroughTheHost) {
 // The three bytes, in their order: hide helpers during recording, hide
 // helpers, hide camera.
 TEST_F(LookAtCam, SavesItsThreeFlagsInTheirOrder) {
-  tool.hideHelpersDuringRecording = true;
+  tool.helpers.hideDuringRecording = true;
   tool.hideCamera = true;
   EXPECT_EQ(harness.Save(), (testing_support::Bytes{1, 0, 1}));
   harness.SetSaveData({0, 1, 0});
   ASSERT_EQ(tool.Load(), 0);
-  EXPECT_FALSE(tool.hideHelpersDuringRecording);
-  EXPECT_TRUE(tool.hideHelpers);
+  EXPECT_FALSE(tool.helpers.hideDuringRecording);
+  EXPECT_TRUE(tool.helpers.hide);
   EXPECT_FALSE(tool.hideCamera);
   // Refused: the flags stay, and so do the nodes it found.
   harness.SetSaveData({1, 1, 1, 1});
   EXPECT_EQ(tool.Load(), 1);
-  EXPECT_FALSE(tool.hideHelpersDuringRecording);
+  EXPECT_FALSE(tool.helpers.hideDuringRecording);
   EXPECT_EQ(tool.cameraNode.handle, harness.Instance().FindNode("LookAtCam"));
 }
 
