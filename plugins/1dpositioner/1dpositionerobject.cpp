@@ -98,8 +98,8 @@ std::int32_t C1DPositionerObject::BuildConfig() {
   iface->BeginGroup("Input Property Parameters", "");
   iface->AddSpinner(channel.name + " Response Factor", "How quickly the to respond to input value changes.",
                     &channel.responseFactor, 0, 1, 0.001, 1, true, 0, nullptr);
-  iface->AddSpinner(channel.name + " Maximum", "The maximum/minimum value of the input.", &channel.maximum, -1e16,
-                    1e16, 0.001, 1, true, 0, nullptr);
+  iface->AddSpinner(channel.name + " Maximum", "The maximum/minimum value of the input.", &channel.maximum, -1e16, 1e16,
+                    0.001, 1, true, 0, nullptr);
   iface->AddSpinner(channel.name + " Change Limit",
                     "This parameter limits the rate of change (the velocity) of the input.", &channel.changeLimit, 0,
                     1e16, 0.001, 1, true, 0, nullptr);

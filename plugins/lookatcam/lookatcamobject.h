@@ -30,7 +30,8 @@ class CLookAtCamObject : public CCamera, public CInterface::Callback {
 
   class CLookAtCamNode : public ToolNode {
    public:
-    CLookAtCamNode(CCamera* object, const CTargetNode& targetNode) : ToolNode(object, "LookAtCam"), target(targetNode) {}
+    CLookAtCamNode(CCamera* object, const CTargetNode& targetNode)
+        : ToolNode(object, "LookAtCam"), target(targetNode) {}
     // Stands ten metres out from the target.
     void Create() override;
     // Takes the camera's scale and sets the lens distance at that time.

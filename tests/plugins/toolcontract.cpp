@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
+#include <set>
 
 #include "plugins/tools.h"
 #include "tests/plugins/toolharness.h"
@@ -49,7 +50,7 @@ void RecordFixedTake(ToolHarness& harness) {
     for (int k = 0; k <= kTakeFrames; ++k) {
       util::Matrix<double> pose;
       pose.SetTranslation({std::sin(0.1 * k) + 3.0 * n, 0.05 * k - n, std::cos(0.07 * k) + 2.0 * n});
-      harness.Place(nodes[n], k * harness.Frame(), pose);
+      harness.Transform(nodes[n], k * harness.Frame())->SetWorldTransform(pose);
     }
   }
   const unidevice::PropertyHandler& inputs = harness.Instance().Inputs();
@@ -91,8 +92,9 @@ TEST_P(ToolContract, RefusesDamagedSavedDataAndKeepsWhatItHad) {
   RecordFixedTake(harness);
   const Bytes saved = harness.Save();
   std::vector<std::pair<std::string, Bytes>> damaged = {{"empty", {}}};
-  for (std::size_t cut : {std::size_t{1}, saved.size() / 3, saved.size() / 2, saved.size() - 1}) {
-    if (cut > 0 && cut < saved.size()) damaged.push_back({"cut at " + std::to_string(cut), {saved.begin(), saved.begin() + cut}});
+  for (std::size_t cut : std::set<std::size_t>{1, saved.size() / 3, saved.size() / 2, saved.size() - 1}) {
+    if (cut == 0 || cut >= saved.size()) continue;
+    damaged.push_back({"cut at " + std::to_string(cut), {saved.begin(), saved.begin() + cut}});
   }
   for (const std::string& other : BuiltInToolNames()) {
     if (other != GetParam()) damaged.push_back({other + "'s", ToolHarness(other).Save()});
@@ -115,7 +117,7 @@ TEST_P(ToolContract, TheSameTakeGivesThePinnedKeysOnThePinnedChannels) {
     }
   }
   const auto pinned = kPinned.find(GetParam());
-  ASSERT_NE(pinned, kPinned.end()) << "pin the tool's channels and take hash in kPinned";
+  ASSERT_TRUE(pinned != kPinned.end()) << "pin the tool's channels and take hash in kPinned";
   EXPECT_EQ(harness.HashOfKeys(), pinned->second.hash);
   std::vector<std::string> channels;
   for (std::size_t i = 0; i < harness.Instance().Inputs().Count(); ++i) {

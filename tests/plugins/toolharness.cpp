@@ -7,7 +7,6 @@
 #include <stdexcept>
 
 #include "adaptor/standalone/standalonenode.h"
-#include "plugins/common/scopedsnapshot.h"
 #include "plugins/tools.h"
 
 namespace vuk::rgw::testing_support {
@@ -36,22 +35,6 @@ ToolHarness::ToolHarness(const std::string& toolName) : library(addon::BuiltInTo
   if (!instance_) throw std::runtime_error("no instance of " + toolName);
 }
 
-void ToolHarness::Place(CNode* node, double time, const util::Matrix<double>& world) {
-  addon::TransformSnapshot(instance_.get(), node, time)->SetWorldTransform(world);
-}
-
-void ToolHarness::PlaceLocal(CNode* node, double time, const util::Matrix<double>& local) {
-  addon::TransformSnapshot(instance_.get(), node, time)->SetLocalTransform(local);
-}
-
-util::Matrix<double> ToolHarness::World(CNode* node, double time) {
-  return addon::TransformSnapshot(instance_.get(), node, time)->GetWorldTransform();
-}
-
-util::Matrix<double> ToolHarness::Local(CNode* node, double time) {
-  return addon::TransformSnapshot(instance_.get(), node, time)->GetLocalTransform();
-}
-
 SceneNode* ToolHarness::AddSceneNode(const std::string& hostName) {
   return host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kMesh, hostName);
 }
@@ -61,7 +44,9 @@ void ToolHarness::Link(CNode* toolNode, SceneNode* parent) {
   static_cast<core::CoreNode*>(toolNode)->SetParent(&wrapper);
 }
 
-void ToolHarness::Record(int first, int last, const Signal& raw) { Run(first, last, core::Instance::Run::kRecording, raw); }
+void ToolHarness::Record(int first, int last, const Signal& raw) {
+  Run(first, last, core::Instance::Run::kRecording, raw);
+}
 
 void ToolHarness::Resimulate(int first, int last) { Run(first, last, core::Instance::Run::kResimulating, nullptr); }
 
@@ -89,9 +74,7 @@ std::vector<CNode*> ToolHarness::ToolNodes() {
   return {list.nodes.begin(), list.nodes.end()};
 }
 
-const Keys& ToolHarness::KeysOf(CNode* node) {
-  return static_cast<StandaloneNode*>(node)->GetHostNode()->track.Keys();
-}
+const Keys& ToolHarness::KeysOf(CNode* node) { return static_cast<StandaloneNode*>(node)->GetHostNode()->track.Keys(); }
 
 std::uint64_t ToolHarness::HashOfKeys() {
   std::uint64_t hash = HashOf({});

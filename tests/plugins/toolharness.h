@@ -13,8 +13,8 @@
 #include "adaptor/standalone/transformtrack.h"
 #include "core/corelibrary.h"
 #include "core/instance.h"
+#include "plugins/common/scopedsnapshot.h"
 #include "unidevice/control.h"
-#include "util/matrix.h"
 
 namespace vuk::rgw::testing_support {
 
@@ -42,11 +42,8 @@ class ToolHarness {
   }
   double Frame() { return host.GetFrameDuration(); }
 
-  // Poses of a node at a time, through snapshots as a tool takes them.
-  void Place(CNode* node, double time, const util::Matrix<double>& world);
-  void PlaceLocal(CNode* node, double time, const util::Matrix<double>& local);
-  util::Matrix<double> World(CNode* node, double time);
-  util::Matrix<double> Local(CNode* node, double time);
+  // A node's pose at a time, read or written as a tool does.
+  addon::TransformSnapshot Transform(CNode* node, double time) { return {instance_.get(), node, time}; }
   // A plain scene node, and a tool node linked below it.
   adaptor::standalone::SceneNode* AddSceneNode(const std::string& hostName);
   void Link(CNode* toolNode, adaptor::standalone::SceneNode* parent);

@@ -24,7 +24,6 @@ class Positioner : public testing::Test {
   void Run(int first, int last, Raw raw) {
     harness.Record(first, last, [raw](std::size_t channel, int k) { return channel == 0 ? raw(k) : 0.0; });
   }
-  Matrix<double> Local(double time) { return harness.Local(tool.cageNode.handle, time); }
 
   ToolHarness harness{"1DPositioner"};
   C1DPositionerObject& tool = harness.Tool<C1DPositionerObject>();
@@ -45,11 +44,11 @@ TEST_F(Positioner, MovesAlongItsMinusZAtTheOutputSpeed) {
   Matrix<double> placed = Matrix<double>::FromQuat(Quat<double>::FromAxisAngle({0, 1, 0}, kHalfPi));
   for (int axis = 0; axis < 3; ++axis) placed.SetAxis(axis, placed.Axis(axis) * 2);
   placed.SetTranslation({1, 2, 3});
-  harness.PlaceLocal(tool.cageNode.handle, 0, placed);
+  tool.cageNode.Transform(0)->SetLocalTransform(placed);
   Run(0, 90, [](int) { return 1.0; });
   // Turned a quarter about Y, local minus Z is world minus X.
   for (int k = 0; k <= 90; ++k) {
-    const Matrix<double> local = Local(k * harness.Frame());
+    const Matrix<double> local = tool.cageNode.Local(k * harness.Frame());
     ASSERT_NEAR((local.GetTranslation() - Vector3<double>(1 - 2.0 * k * harness.Frame(), 2, 3)).Length(), 0, 1e-12)
         << "frame " << k;
     for (int axis = 0; axis < 3; ++axis) ASSERT_NEAR((local.Axis(axis) - placed.Axis(axis)).Length(), 0, 1e-12);
@@ -62,9 +61,9 @@ TEST_F(Positioner, AFilteredStartRisesSmoothlyToTheMaximumSpeed) {
   tool.channel.maximum = 1;
   Run(0, 150, [](int) { return 1.0; });
   double previousSpeed = 0;
-  const double frame = harness.Frame();
+  const auto z = [this](int k) { return tool.cageNode.Local(k * harness.Frame()).GetTranslation().z; };
   for (int k = 2; k <= 150; ++k) {
-    const double speed = (Local((k - 1) * frame).GetTranslation().z - Local(k * frame).GetTranslation().z) / frame;
+    const double speed = (z(k - 1) - z(k)) / harness.Frame();
     ASSERT_GE(speed, previousSpeed - 1e-12) << "frame " << k;
     ASSERT_LE(speed, 1.0 + 1e-12) << "frame " << k;
     previousSpeed = speed;

@@ -41,7 +41,7 @@ TEST_F(LookAtCam, ANewCameraStandsTenMetresFromASolidTarget) {
   EXPECT_EQ(Host(tool.cameraNode.handle)->hostName, "LookAtCam_01_LookAtCam");
   EXPECT_FALSE(Host(tool.targetNode.handle)->wireframe);
   EXPECT_TRUE(Host(tool.targetNode.handle)->backfaceCull);
-  EXPECT_EQ(harness.World(tool.cameraNode.handle, 0).GetTranslation(), Vector3<double>(0, 0, 10));
+  EXPECT_EQ(tool.cameraNode.World(0).GetTranslation(), Vector3<double>(0, 0, 10));
   EXPECT_TRUE(Host(tool.cameraNode.handle)->selected);
   EXPECT_EQ(LensDistance(0), 10.0);
   EXPECT_EQ(harness.library.FindTool("LookAtCam")->CreateInstance("", &harness.host)->InstanceName(), "LookAtCam_02");
@@ -53,15 +53,16 @@ TEST_F(LookAtCam, TheCameraLooksAtAMovingTargetEveryFrame) {
   adaptor::standalone::SceneNode* car = harness.AddSceneNode("Car");
   harness.Link(tool.targetNode.handle, car);
   for (int k = 0; k <= 300; ++k) {
-    harness.host.GetScene().WriteWorld(car, adaptor::standalone::TicksFromSeconds(k * harness.Frame()), At(path(k * harness.Frame())));
+    harness.host.GetScene().WriteWorld(car, adaptor::standalone::TicksFromSeconds(k * harness.Frame()),
+                                       At(path(k * harness.Frame())));
   }
   Matrix<double> scaled = At({2, 3, 12});
   for (int axis = 0; axis < 3; ++axis) scaled.SetAxis(axis, scaled.Axis(axis) * 2);
-  harness.Place(tool.cameraNode.handle, 0, scaled);
+  tool.cameraNode.Transform(0)->SetWorldTransform(scaled);
   harness.Record(0, 300, nullptr);
   for (int k = 1; k <= 300; ++k) {
     const double time = k * harness.Frame();
-    const Matrix<double> camera = harness.World(tool.cameraNode.handle, time);
+    const Matrix<double> camera = tool.cameraNode.World(time);
     const Vector3<double> toTarget = path(time) - camera.GetTranslation();
     ASSERT_NEAR(-camera.Axis(2).Normalized().Dot(toTarget.Normalized()), 1.0, 1e-9) << "frame " << k;
     EXPECT_GT(camera.Axis(1).y, 0.0) << "frame " << k;
@@ -76,16 +77,16 @@ TEST_F(LookAtCam, TheCameraLooksAtAMovingTargetEveryFrame) {
 
 TEST_F(LookAtCam, DegeneratePositionsWriteWithoutError) {
   // Camera on the target: the distance is 0 and the write still happens.
-  harness.Place(tool.cameraNode.handle, 0, At({0, 0, 0}));
+  tool.cameraNode.Transform(0)->SetWorldTransform(At({0, 0, 0}));
   tool.cameraNode.Measure(0);
   tool.cameraNode.Update(0);
   EXPECT_EQ(LensDistance(0), 0.0);
-  for (double e : harness.World(tool.cameraNode.handle, 0).m) EXPECT_FALSE(std::isnan(e));
+  for (double e : tool.cameraNode.World(0).m) EXPECT_FALSE(std::isnan(e));
   // Straight above the target: the side row has no direction of its own.
-  harness.Place(tool.cameraNode.handle, 0, At({0, 4, 0}));
+  tool.cameraNode.Transform(0)->SetWorldTransform(At({0, 4, 0}));
   tool.cameraNode.Update(0);
   EXPECT_EQ(LensDistance(0), 4.0);
-  for (double e : harness.World(tool.cameraNode.handle, 0).m) EXPECT_FALSE(std::isnan(e));
+  for (double e : tool.cameraNode.World(0).m) EXPECT_FALSE(std::isnan(e));
 }
 
 TEST_F(LookAtCam, HideSwitchesUndoAndRedoThroughTheHost) {
