@@ -25,6 +25,7 @@ using Bytes = std::vector<std::uint8_t>;
 // number shows.
 std::uint64_t HashOf(const Keys& keys, std::uint64_t hash = 14695981039346656037ull);
 
+// A file's bytes; empty when it can't be read.
 Bytes ReadFile(const std::string& path);
 
 class ToolHarness {
