@@ -18,6 +18,19 @@ void SetHidden(CNode* node, bool hidden) {
   }
 }
 
+void HelperSwitches::AddTo(CInterface* iface, CInterface::Callback* tool) {
+  iface->AddCheckBox(kHide, kHide, &hide, tool);
+  iface->AddCheckBox(kHideDuringRecording, kHideDuringRecording, &hideDuringRecording, nullptr);
+}
+
+void HelperSwitches::Start(CNode* helper) const {
+  if (hideDuringRecording || hide) SetHidden(helper, true);
+}
+
+void HelperSwitches::Stop(CNode* helper) const {
+  if (hideDuringRecording && !hide) SetHidden(helper, false);
+}
+
 void ApplyHideSwitch(CInterface* iface, CInterface::Callback* tool, const ConfigChange& change, CNode* node,
                      bool hidden) {
   if (!change.IsReplay()) {

@@ -22,6 +22,23 @@ struct ConfigChange {
 // Shows the node when `hidden` is false and hides it when true; null is left.
 void SetHidden(CNode* node, bool hidden);
 
+// The two helper switches of every tool with helper nodes.
+struct HelperSwitches {
+  static constexpr char kHide[] = "Hide Helpers";
+  static constexpr char kHideDuringRecording[] = "Hide Helpers During Recording";
+
+  // The two check boxes, in this order; the second one has no callback, as
+  // it changes nothing at once.
+  void AddTo(CInterface* iface, CInterface::Callback* tool);
+  // A run hides the helper when either switch asks, and shows it after
+  // unless the user hid it for good.
+  void Start(CNode* helper) const;
+  void Stop(CNode* helper) const;
+
+  bool hideDuringRecording = false;
+  bool hide = false;
+};
+
 // Shows or hides the node by the switch's flag, and pushes the record that
 // replays the change. A replay writes no record: undo turns the node against
 // the flag, redo with it.

@@ -1,34 +1,27 @@
 #include "plugins/lookatcam/lookatcamobject.h"
 
-#include <cmath>
-
 #include "plugins/common/hideswitch.h"
 
 namespace vuk::rgw::addon {
 
+const ToolInfo CLookAtCamObject::kInfo = {
+    "LookAtCam",
+    "utility/lookatcam",
+    "Quoll LookAtCam",
+    "Camera",
+    "Quoll LookAtCam works exactly as an ordinary camera with a target. It also has its target distance set to the "
+    "distance to the target.",
+    "LookAtCam: a camera that keeps its target in view.",
+    {},
+};
+
 namespace {
 
-constexpr double kPi = 3.141592653589793;
-constexpr char kHideHelpers[] = "Hide Helpers";
-constexpr char kHideHelpersDuringRecording[] = "Hide Helpers During Recording";
 constexpr char kHideCamera[] = "Hide Camera";
 constexpr char kInitialize[] = "Initialize";
-
-util::Matrix<double> WorldAt(CInterface* iface, CNode* node, double time) {
-  util::Matrix<double> world;
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(node, time)) {
-    world = snapshot->GetWorldTransform();
-    iface->ReleaseTransformSnapshot(snapshot);
-  }
-  return world;
-}
+constexpr std::int32_t kSavedSize = 3;
 
 }  // namespace
-
-void CLookAtCamObject::SceneNode::Destroy() {
-  owner->iface->DeleteNode(handle);
-  handle = nullptr;
-}
 
 CLookAtCamObject::CTargetNode::CMesh_TargetMesh::CMesh_TargetMesh() {
   // Three crossed bars, each a thin box: a target that reads the same from any side.
@@ -45,93 +38,62 @@ CLookAtCamObject::CTargetNode::CMesh_TargetMesh::CMesh_TargetMesh() {
 }
 
 void CLookAtCamObject::CTargetNode::Create() {
-  CInterface* iface = owner->iface;
-  handle = iface->CreateMeshNode(name, nullptr, CMesh_TargetMesh(), nullptr);
-  if (!handle) return;
-  handle->Extension(extension::kNodeRefresh, nullptr);
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(handle, iface->GetTime())) {
-    snapshot->SetLocalTransform(util::Matrix<double>());
-    iface->ReleaseTransformSnapshot(snapshot);
-  }
-  if (CSnapshot_Helper* helper = iface->GetHelperSnapshot(handle, iface->GetTime())) {
+  CreateHelper(CMesh_TargetMesh());
+  const double now = owner->iface->GetTime();
+  if (const TransformSnapshot snapshot = Transform(now)) snapshot->SetLocalTransform(util::Matrix<double>());
+  // Solid, so that it reads as a thing to look at and not as a cage.
+  if (const HelperSnapshot helper = Helper(now)) {
     helper->SetBackfaceCull(true);
     helper->SetWireframe(false);
-    iface->ReleaseHelperSnapshot(helper);
   }
 }
 
 void CLookAtCamObject::CLookAtCamNode::Create() {
-  CInterface* iface = owner->iface;
-  handle = iface->CreateCameraNode(name, nullptr, nullptr);
-  if (!handle) return;
-  const double now = iface->GetTime();
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(handle, now)) {
+  CreateCamera();
+  const double now = owner->iface->GetTime();
+  if (const TransformSnapshot snapshot = Transform(now)) {
     util::Matrix<double> local;
     local.SetTranslation({0, 0, 10});
     snapshot->SetLocalTransform(local);
-    iface->ReleaseTransformSnapshot(snapshot);
   }
-  const util::Vector3<double> camera = WorldAt(iface, handle, now).GetTranslation();
-  const util::Vector3<double> target = WorldAt(iface, owner->targetNode.handle, now).GetTranslation();
-  baseTargetDistance = targetDistance = (camera - target).Length();
-  WriteTargetDistance(now);
-  previousTargetDistance = targetDistance;
+  WriteTargetDistance(now, (World(now).GetTranslation() - target.World(now).GetTranslation()).Length());
 }
 
-void CLookAtCamObject::CLookAtCamNode::WriteTargetDistance(double time) {
-  CInterface* iface = owner->iface;
-  if (CSnapshot_Lens* lens = iface->GetLensSnapshot(handle, time)) {
-    lens->SetTargetDistance(targetDistance);
-    iface->ReleaseLensSnapshot(lens);
-  }
+void CLookAtCamObject::CLookAtCamNode::WriteTargetDistance(double time, double distance) const {
+  if (const LensSnapshot lens = Lens(time)) lens->SetTargetDistance(distance);
 }
 
 void CLookAtCamObject::CLookAtCamNode::Measure(double time) {
-  CInterface* iface = owner->iface;
-  const util::Matrix<double> camera = WorldAt(iface, handle, time);
+  const util::Matrix<double> camera = World(time);
   scale = {camera.Axis(0).Length(), camera.Axis(1).Length(), camera.Axis(2).Length()};
-  const util::Matrix<double> target = WorldAt(iface, owner->targetNode.handle, time);
-  baseTargetDistance = targetDistance = (camera.GetTranslation() - target.GetTranslation()).Length();
-  WriteTargetDistance(time);
-  previousTargetDistance = targetDistance;
-  halfWidthAtTarget = std::tan((fieldOfView * 0.5 / 180) * kPi) * baseTargetDistance;
+  WriteTargetDistance(time, (camera.GetTranslation() - target.World(time).GetTranslation()).Length());
 }
 
 void CLookAtCamObject::CLookAtCamNode::Update(double time) {
-  CInterface* iface = owner->iface;
-  const util::Matrix<double> target = WorldAt(iface, owner->targetNode.handle, time);
-  util::Matrix<double> camera = WorldAt(iface, handle, time);
-  util::Vector3<double> d = camera.GetTranslation() - target.GetTranslation();
-  targetDistance = d.Length();
-  WriteTargetDistance(time);
-  previousTargetDistance = targetDistance;
-  // The camera looks down its local minus Z: its Z row points away from the target.
+  const util::Matrix<double> targetWorld = target.World(time);
+  util::Matrix<double> camera = World(time);
+  util::Vector3<double> d = camera.GetTranslation() - targetWorld.GetTranslation();
+  WriteTargetDistance(time, d.Length());
+  // The camera looks down its local minus Z: its Z row points away from the
+  // target. No zero vector is special: the rows collapse and the write goes on.
   d.Normalize();
   const util::Vector3<double> r = util::Vector3<double>(0, 1, 0).Cross(d).Normalized();
   const util::Vector3<double> u = d.Cross(r).Normalized();
   const util::Vector3<double> rows[3] = {r, u, d};
   const double lengths[3] = {scale.x, scale.y, scale.z};
   for (int axis = 0; axis < 3; ++axis) camera.SetAxis(axis, rows[axis] * (lengths[axis] / rows[axis].Length()));
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(handle, time)) {
-    snapshot->SetWorldTransform(camera);
-    iface->ReleaseTransformSnapshot(snapshot);
-  }
+  if (const TransformSnapshot snapshot = Transform(time)) snapshot->SetWorldTransform(camera);
 }
-
-CLookAtCamObject::CLookAtCamObject(const CreateParam& param)
-    : CCamera(param), targetNode(this), cameraNode(this), targetOwner(this), cameraOwner(this) {}
 
 void CLookAtCamObject::Start(double time) {
   cameraNode.Measure(time);
-  if (hideHelpersDuringRecording || hideHelpers) SetHidden(targetNode.handle, true);
+  helpers.Start(targetNode.handle);
 }
 
-void CLookAtCamObject::Stop(double) {
-  // A helper the user hid for good stays hidden.
-  if (hideHelpersDuringRecording && !hideHelpers) SetHidden(targetNode.handle, false);
-}
+void CLookAtCamObject::Stop(double) { helpers.Stop(targetNode.handle); }
 
 void CLookAtCamObject::Step(double time) {
+  // Helpers first, the node written last comes last.
   targetNode.Update(time);
   cameraNode.Update(time);
 }
@@ -142,8 +104,7 @@ std::int32_t CLookAtCamObject::BuildConfig() {
   iface->BeginConfig();
   iface->AddButton(kInitialize, "Snaps camera to correct orientation and sets correct target distance.", this);
   iface->BeginGroup("General Modes", "");
-  iface->AddCheckBox(kHideHelpers, kHideHelpers, &hideHelpers, this);
-  iface->AddCheckBox(kHideHelpersDuringRecording, kHideHelpersDuringRecording, &hideHelpersDuringRecording, nullptr);
+  helpers.AddTo(iface, this);
   iface->AddCheckBox(kHideCamera, kHideCamera, &hideCamera, this);
   iface->EndGroup();
   iface->EndConfig();
@@ -151,6 +112,7 @@ std::int32_t CLookAtCamObject::BuildConfig() {
 }
 
 std::int32_t CLookAtCamObject::Create() {
+  // The camera's create step reads the target's position.
   targetNode.Create();
   cameraNode.Create();
   if (cameraNode.handle) cameraNode.handle->Select();
@@ -159,32 +121,30 @@ std::int32_t CLookAtCamObject::Create() {
 }
 
 std::int32_t CLookAtCamObject::Load() {
-  cameraNode.handle = iface->FindNode(cameraNode.name);
-  targetNode.handle = iface->FindNode(targetNode.name);
+  cameraNode.Find();
+  targetNode.Find();
   if (!cameraNode.handle || !targetNode.handle) return 1;
-  targetNode.handle->Extension(extension::kNodeRefresh, nullptr);
+  targetNode.RefreshHelper();
   std::int32_t length = 0;
   const std::uint8_t* bytes = iface->GetSaveData(&length);
-  if (!bytes || length != 3) return 1;
-  hideHelpersDuringRecording = bytes[0] != 0;
-  hideHelpers = bytes[1] != 0;
-  hideCamera = bytes[2] != 0;
-  const std::uint8_t copy[3] = {bytes[0], bytes[1], bytes[2]};
-  iface->SetSaveData(copy, 3);
+  if (!bytes || length != kSavedSize) return 1;
+  const std::uint8_t saved[kSavedSize] = {bytes[0], bytes[1], bytes[2]};
+  helpers.hideDuringRecording = saved[0] != 0;
+  helpers.hide = saved[1] != 0;
+  hideCamera = saved[2] != 0;
+  iface->SetSaveData(saved, kSavedSize);
   return 0;
 }
 
 std::int32_t CLookAtCamObject::Save() {
-  saveBuffer[0] = hideHelpersDuringRecording;
-  saveBuffer[1] = hideHelpers;
-  saveBuffer[2] = hideCamera;
-  iface->SetSaveData(saveBuffer, 3);
+  const std::uint8_t saved[kSavedSize] = {helpers.hideDuringRecording, helpers.hide, hideCamera};
+  iface->SetSaveData(saved, kSavedSize);
   return 0;
 }
 
-const CLookAtCamObject::SceneNode* CLookAtCamObject::SwitchedNode(const std::string& label, bool*& flag) {
-  if (label == kHideHelpers) {
-    flag = &hideHelpers;
+const ToolNode* CLookAtCamObject::SwitchedNode(const std::string& label, bool*& flag) {
+  if (label == HelperSwitches::kHide) {
+    flag = &helpers.hide;
     return &targetNode;
   }
   if (label == kHideCamera) {
@@ -197,10 +157,11 @@ const CLookAtCamObject::SceneNode* CLookAtCamObject::SwitchedNode(const std::str
 void CLookAtCamObject::Changed(std::string label) {
   const ConfigChange change(std::move(label));
   bool* flag = nullptr;
-  if (const SceneNode* node = SwitchedNode(change.label, flag)) {
+  if (const ToolNode* node = SwitchedNode(change.label, flag)) {
     ApplyHideSwitch(iface, this, change, node->handle, *flag);
     return;
   }
+  // The button measures at time 0, not at the scene's current time.
   if (!change.IsReplay() && change.label == kInitialize) {
     cameraNode.Measure(0.0);
     cameraNode.Update(0.0);

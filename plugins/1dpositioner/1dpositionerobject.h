@@ -6,17 +6,19 @@
 #include <string>
 
 #include "plugins/common/actuatorchannel.h"
+#include "plugins/common/hideswitch.h"
 #include "plugins/common/posering.h"
-#include "sdk/ccamera.h"
+#include "plugins/common/saveddata.h"
+#include "plugins/common/toolnode.h"
+#include "plugins/common/toolplugin.h"
 #include "sdk/cinterface.h"
-#include "util/mesh.h"
 
 namespace vuk::rgw::addon {
 
 class C1DPositionerObject : public CCamera, public CInterface::Callback {
  public:
-  // The moving dummy. It has no update of its own: the pose ring feeds it.
-  class CRelativeCageNode {
+  // The moving dummy. It has no motion of its own: the pose ring feeds it.
+  class CRelativeCageNode : public ToolNode {
    public:
     // A wire box with an arrow along minus Z, the way a positive input moves it.
     class CMesh_Cage : public util::CMesh {
@@ -24,21 +26,25 @@ class C1DPositionerObject : public CCamera, public CInterface::Callback {
       CMesh_Cage();
     };
 
-    explicit CRelativeCageNode(C1DPositionerObject* object) : owner(object) {}
-    void Create();
+    CRelativeCageNode(CCamera* object, const PoseRing& poses) : ToolNode(object, "RelativeCage"), ring(poses) {}
+    void Create() override;
     // The node's local pose at the time; keeps its scale.
     PoseRecord Read(double time);
     // Writes the ring's current record, with the kept scale, as the node's
     // local matrix.
-    void Update(double time);
+    void Update(double time) override;
 
-    C1DPositionerObject* owner;
     util::Vector3<double> scale{1, 1, 1};
-    std::string name = "RelativeCage";
-    CNode* handle = nullptr;
+
+   private:
+    const PoseRing& ring;
   };
 
-  explicit C1DPositionerObject(const CreateParam& param);
+  static const ToolInfo kInfo;
+  // Version 100: the settings, then the channel's histories.
+  static const SavedData kSavedData;
+
+  explicit C1DPositionerObject(const CreateParam& param) : CCamera(param) {}
 
   void Start(double time) override;
   void Stop(double time) override;
@@ -50,17 +56,13 @@ class C1DPositionerObject : public CCamera, public CInterface::Callback {
   std::int32_t Save() override;
   void Changed(std::string label) override;
 
-  static constexpr char kChunkName[] = "1DPositionerDataChunk";
-  static constexpr std::int32_t kVersion = 100;
-  // Flags at 0 to 3, then the response factor, maximum and change limit.
-  static constexpr std::size_t kSaveStructSize = 32;
-
   ActuatorChannel channel{"Position", 0.3, 1.0};
-  CRelativeCageNode cageNode{this};
   PoseRing ring;
+  CRelativeCageNode cageNode{this, ring};
   ActuatorHistory history;
-  bool hideHelpersDuringRecording = false;
-  bool hideHelpers = false;
+  HelperSwitches helpers;
 };
+
+using C1DPositionerPlugin = CToolPlugin<C1DPositionerObject>;
 
 }  // namespace vuk::rgw::addon

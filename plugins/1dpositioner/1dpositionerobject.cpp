@@ -1,16 +1,30 @@
-#include "plugins/1dpositioner/c1dpositionerobject.h"
+#include "plugins/1dpositioner/1dpositionerobject.h"
 
 #include "plugins/common/hideswitch.h"
 #include "util/bytes.h"
 
 namespace vuk::rgw::addon {
 
+const ToolInfo C1DPositionerObject::kInfo = {
+    "1DPositioner",
+    "utility/1dpositioner",
+    "Quoll 1DPositioner",
+    "Accessory",
+    "Quoll 1DPositioner outputs a movement or velocity from all supported input devices directly to a dummy in real "
+    "time. Its main use is for controlling and animating objects in the scene in real time by parenting/linking your "
+    "object to the dummy",
+    "1DPositioner: an input channel that moves a dummy.",
+    {},
+};
+
+const SavedData C1DPositionerObject::kSavedData{"1DPositionerDataChunk", 100};
+
 namespace {
 
-constexpr char kHideHelpers[] = "Hide Helpers";
-constexpr char kHideHelpersDuringRecording[] = "Hide Helpers During Recording";
-constexpr char kVersionKey[] = "iVersion";
-constexpr char kSaveStructKey[] = "sDataChunkSaveStruct";
+constexpr char kSettingsKey[] = "sDataChunkSaveStruct";
+// Four flags and four spare bytes, then the response factor, maximum and
+// change limit.
+constexpr std::size_t kSettingsSize = 32;
 
 }  // namespace
 
@@ -30,40 +44,23 @@ C1DPositionerObject::CRelativeCageNode::CMesh_Cage::CMesh_Cage() {
 }
 
 void C1DPositionerObject::CRelativeCageNode::Create() {
-  CInterface* iface = owner->iface;
-  handle = iface->CreateMeshNode(name, nullptr, CMesh_Cage(), nullptr);
-  if (!handle) return;
-  handle->Extension(extension::kNodeRefresh, nullptr);
-  if (CSnapshot_Helper* helper = iface->GetHelperSnapshot(handle, iface->GetTime())) {
-    helper->SetWireframe(true);
-    iface->ReleaseHelperSnapshot(helper);
-  }
+  CreateHelper(CMesh_Cage());
+  if (const HelperSnapshot helper = Helper(owner->iface->GetTime())) helper->SetWireframe(true);
 }
 
 PoseRecord C1DPositionerObject::CRelativeCageNode::Read(double time) {
-  CInterface* iface = owner->iface;
-  util::Matrix<double> local;
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(handle, time)) {
-    local = snapshot->GetLocalTransform();
-    iface->ReleaseTransformSnapshot(snapshot);
-  }
+  util::Matrix<double> local = Local(time);
   scale = {local.Axis(0).Length(), local.Axis(1).Length(), local.Axis(2).Length()};
   for (int axis = 0; axis < 3; ++axis) local.SetAxis(axis, local.Axis(axis).Normalized());
   return {local.GetTranslation(), local.ToQuat()};
 }
 
 void C1DPositionerObject::CRelativeCageNode::Update(double time) {
-  CInterface* iface = owner->iface;
-  util::Matrix<double> local = owner->ring.CurrentMatrix();
+  util::Matrix<double> local = ring.CurrentMatrix();
   const double lengths[3] = {scale.x, scale.y, scale.z};
   for (int axis = 0; axis < 3; ++axis) local.SetAxis(axis, local.Axis(axis) * lengths[axis]);
-  if (CSnapshot* snapshot = iface->GetTransformSnapshot(handle, time)) {
-    snapshot->SetLocalTransform(local);
-    iface->ReleaseTransformSnapshot(snapshot);
-  }
+  if (const TransformSnapshot snapshot = Transform(time)) snapshot->SetLocalTransform(local);
 }
-
-C1DPositionerObject::C1DPositionerObject(const CreateParam& param) : CCamera(param) {}
 
 void C1DPositionerObject::Start(double time) {
   // A run never steps its start frame again: that frame's state and the
@@ -71,13 +68,10 @@ void C1DPositionerObject::Start(double time) {
   // start frame's record however the times were summed.
   history.RewindTo(time + 0.5 * iface->GetFrameDuration(), channel);
   ring.Fill(cageNode.Read(time));
-  if (hideHelpersDuringRecording || hideHelpers) SetHidden(cageNode.handle, true);
+  helpers.Start(cageNode.handle);
 }
 
-void C1DPositionerObject::Stop(double) {
-  // A helper the user hid for good stays hidden.
-  if (hideHelpersDuringRecording && !hideHelpers) SetHidden(cageNode.handle, false);
-}
+void C1DPositionerObject::Stop(double) { helpers.Stop(cageNode.handle); }
 
 void C1DPositionerObject::Step(double time) {
   channel.Read();
@@ -99,14 +93,13 @@ std::int32_t C1DPositionerObject::BuildConfig() {
   channel.Create(iface);
   iface->BeginConfig();
   iface->BeginGroup("General Modes", "");
-  iface->AddCheckBox(kHideHelpers, kHideHelpers, &hideHelpers, this);
-  iface->AddCheckBox(kHideHelpersDuringRecording, kHideHelpersDuringRecording, &hideHelpersDuringRecording, nullptr);
+  helpers.AddTo(iface, this);
   iface->EndGroup();
   iface->BeginGroup("Input Property Parameters", "");
   iface->AddSpinner(channel.name + " Response Factor", "How quickly the to respond to input value changes.",
                     &channel.responseFactor, 0, 1, 0.001, 1, true, 0, nullptr);
-  iface->AddSpinner(channel.name + " Maximum", "The maximum/minimum value of the input.", &channel.maximum, -1e16,
-                    1e16, 0.001, 1, true, 0, nullptr);
+  iface->AddSpinner(channel.name + " Maximum", "The maximum/minimum value of the input.", &channel.maximum, -1e16, 1e16,
+                    0.001, 1, true, 0, nullptr);
   iface->AddSpinner(channel.name + " Change Limit",
                     "This parameter limits the rate of change (the velocity) of the input.", &channel.changeLimit, 0,
                     1e16, 0.001, 1, true, 0, nullptr);
@@ -128,58 +121,52 @@ std::int32_t C1DPositionerObject::Create() {
 }
 
 std::int32_t C1DPositionerObject::Load() {
-  cageNode.handle = iface->FindNode(cageNode.name);
-  if (!cageNode.handle) return 1;
-  cageNode.handle->Extension(extension::kNodeRefresh, nullptr);
-  std::int32_t length = 0;
-  const std::uint8_t* bytes = iface->GetSaveData(&length);
+  if (!cageNode.Find()) return 1;
+  cageNode.RefreshHelper();
   util::DataChunk chunk;
-  if (!bytes || length <= 0 || !chunk.Read(bytes, static_cast<std::size_t>(length)) || chunk.name != kChunkName) {
-    return 1;
-  }
-  const util::DataChunk* version = chunk.FindChild(kVersionKey);
-  const util::DataChunk* saved = chunk.FindChild(kSaveStructKey);
-  if (!version || !saved || saved->data.size() != kSaveStructSize) return 1;
-  util::ByteReader in(saved->data);
+  if (!kSavedData.Read(iface, chunk)) return 1;
+  const util::Bytes* settings = SavedData::Child(chunk, kSettingsKey, kSettingsSize);
+  if (!settings) return 1;
+  util::ByteReader in(*settings);
   std::uint8_t flags[4] = {};
+  double responseFactor = 0, maximum = 0, changeLimit = 0;
   in.GetBytes(flags, sizeof flags);
   in.Skip(4);
-  in.Get(channel.responseFactor);
-  in.Get(channel.maximum);
-  in.Get(channel.changeLimit);
-  hideHelpersDuringRecording = flags[0] != 0;
-  hideHelpers = flags[1] != 0;
+  in.Get(responseFactor);
+  in.Get(maximum);
+  in.Get(changeLimit);
+  helpers.hideDuringRecording = flags[0] != 0;
+  helpers.hide = flags[1] != 0;
   channel.keepState = flags[2] != 0;
   channel.integrate = flags[3] != 0;
+  channel.responseFactor = responseFactor;
+  channel.maximum = maximum;
+  channel.changeLimit = changeLimit;
   // Settings without a usable history still load: the next run starts at rest.
   history.LoadFrom(chunk);
   return 0;
 }
 
 std::int32_t C1DPositionerObject::Save() {
-  util::DataChunk chunk(kChunkName, {});
-  util::Bytes version;
-  util::ByteWriter(version).Put(kVersion);
-  chunk.AddChild(kVersionKey, std::move(version));
-  util::Bytes saved;
-  util::ByteWriter out(saved);
-  for (bool flag : {hideHelpersDuringRecording, hideHelpers, channel.keepState, channel.integrate}) {
+  util::DataChunk chunk = kSavedData.Begin();
+  util::Bytes settings;
+  util::ByteWriter out(settings);
+  for (bool flag : {helpers.hideDuringRecording, helpers.hide, channel.keepState, channel.integrate}) {
     out.Put(static_cast<std::uint8_t>(flag));
   }
   out.PutZeros(4);
   out.Put(channel.responseFactor);
   out.Put(channel.maximum);
   out.Put(channel.changeLimit);
-  chunk.AddChild(kSaveStructKey, std::move(saved));
+  chunk.AddChild(kSettingsKey, std::move(settings));
   history.SaveTo(chunk);
-  const util::Bytes flat = chunk.Flatten();
-  iface->SetSaveData(flat.data(), static_cast<std::int32_t>(flat.size()));
+  SavedData::Store(iface, chunk);
   return 0;
 }
 
 void C1DPositionerObject::Changed(std::string label) {
   const ConfigChange change(std::move(label));
-  if (change.label == kHideHelpers) ApplyHideSwitch(iface, this, change, cageNode.handle, hideHelpers);
+  if (change.label == HelperSwitches::kHide) ApplyHideSwitch(iface, this, change, cageNode.handle, helpers.hide);
 }
 
 }  // namespace vuk::rgw::addon

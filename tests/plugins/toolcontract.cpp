@@ -1,0 +1,154 @@
+// What every built-in tool must do, whatever it is: make its nodes, save and
+// load what it saved, refuse damaged saved data without a trace, give the
+// same keys for the same take, and read the saved data of older scenes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include "plugins/tools.h"
+#include "tests/plugins/toolharness.h"
+
+namespace vuk::rgw::testing_support {
+namespace {
+
+// Each tool's channels in their order, which saved takes and input profiles
+// rely on, and the hash of its fixed take's keys. A change to a tool's
+// numbers shows here; pin the new hash only when the change is meant.
+struct Pinned {
+  std::vector<std::string> channels;
+  std::uint64_t hash;
+};
+const std::map<std::string, Pinned> kPinned = {
+    {"LookAtCam", {{}, 18361497430993571376ull}},
+    {"1DPositioner",
+     {{"Position", "Spinner: Position Response Factor", "Spinner: Position Maximum", "Spinner: Position Change Limit"},
+      17204771284010365527ull}},
+};
+
+constexpr int kTakeFrames = 60;
+
+std::vector<std::string> BuiltInToolNames() {
+  std::vector<std::string> names;
+  for (PluginFactory make : addon::BuiltInTools()) {
+    if (!make) continue;
+    CCameraPlugin* plugin = make();
+    names.push_back(plugin->GetName());
+    plugin->Release();
+  }
+  return names;
+}
+
+// Each node keyed along a path of its own, each channel a wave of its own.
+// A spinner's channel adds to the spinner's value every frame: it gets a
+// nudge that comes back, just past the dead zone, so the setting stays sane.
+void RecordFixedTake(ToolHarness& harness) {
+  const std::vector<CNode*> nodes = harness.ToolNodes();
+  for (std::size_t n = 0; n < nodes.size(); ++n) {
+    for (int k = 0; k <= kTakeFrames; ++k) {
+      util::Matrix<double> pose;
+      pose.SetTranslation({std::sin(0.1 * k) + 3.0 * n, 0.05 * k - n, std::cos(0.07 * k) + 2.0 * n});
+      harness.Transform(nodes[n], k * harness.Frame())->SetWorldTransform(pose);
+    }
+  }
+  const unidevice::PropertyHandler& inputs = harness.Instance().Inputs();
+  harness.Record(0, kTakeFrames, [&inputs](std::size_t channel, int k) {
+    if (inputs.Get(channel)->name.rfind("Spinner: ", 0) == 0) return k % 2 ? 0.15 : -0.15;
+    return 0.8 * std::sin(0.1 * k + channel);
+  });
+}
+
+class ToolContract : public testing::TestWithParam<std::string> {
+ protected:
+  ToolHarness harness{GetParam()};
+  CCamera& tool = *harness.Instance().GetTool();
+};
+
+TEST_P(ToolContract, MakesItsPageAndNodesAndFindsThemByName) {
+  ASSERT_NE(harness.Instance().GetPage(), nullptr);
+  const std::vector<CNode*> nodes = harness.ToolNodes();
+  ASSERT_FALSE(nodes.empty());
+  for (CNode* node : nodes) EXPECT_EQ(harness.Instance().FindNode(node->name), node) << node->name;
+}
+
+TEST_P(ToolContract, AFreshObjectLoadsWhatItSavedAndSavesItAgain) {
+  RecordFixedTake(harness);
+  const Bytes saved = harness.Save();
+  CCamera::CreateParam param(harness.Instance().InstanceName());
+  CCamera* fresh = harness.Instance().GetToolPlugin()->Create(param);
+  fresh->iface = &harness.Instance();
+  ASSERT_EQ(fresh->BuildConfig(), 0);
+  EXPECT_EQ(fresh->Load(), 0);
+  EXPECT_EQ(fresh->Save(), 0);
+  fresh->Release();
+  std::int32_t length = 0;
+  const std::uint8_t* bytes = harness.Instance().GetSaveData(&length);
+  EXPECT_EQ(Bytes(bytes, bytes + length), saved);
+}
+
+TEST_P(ToolContract, RefusesDamagedSavedDataAndKeepsWhatItHad) {
+  RecordFixedTake(harness);
+  const Bytes saved = harness.Save();
+  std::vector<std::pair<std::string, Bytes>> damaged = {{"empty", {}}};
+  for (std::size_t cut : std::set<std::size_t>{1, saved.size() / 3, saved.size() / 2, saved.size() - 1}) {
+    if (cut == 0 || cut >= saved.size()) continue;
+    damaged.push_back({"cut at " + std::to_string(cut), {saved.begin(), saved.begin() + cut}});
+  }
+  for (const std::string& other : BuiltInToolNames()) {
+    if (other != GetParam()) damaged.push_back({other + "'s", ToolHarness(other).Save()});
+  }
+  for (const auto& [what, bytes] : damaged) {
+    harness.SetSaveData(bytes);
+    EXPECT_NE(tool.Load(), 0) << what;
+    EXPECT_EQ(harness.Save(), saved) << "after the " << what << " saved data";
+  }
+}
+
+TEST_P(ToolContract, TheSameTakeGivesThePinnedKeysOnThePinnedChannels) {
+  RecordFixedTake(harness);
+  ToolHarness again(GetParam());
+  RecordFixedTake(again);
+  EXPECT_EQ(again.HashOfKeys(), harness.HashOfKeys());
+  for (CNode* node : harness.ToolNodes()) {
+    for (const auto& key : ToolHarness::KeysOf(node)) {
+      ASSERT_TRUE(std::isfinite(key.position.Length() + key.rotation.x + key.scale.Length())) << node->name;
+    }
+  }
+  const auto pinned = kPinned.find(GetParam());
+  ASSERT_TRUE(pinned != kPinned.end()) << "pin the tool's channels and take hash in kPinned";
+  EXPECT_EQ(harness.HashOfKeys(), pinned->second.hash);
+  std::vector<std::string> channels;
+  for (std::size_t i = 0; i < harness.Instance().Inputs().Count(); ++i) {
+    channels.push_back(harness.Instance().Inputs().Get(i)->name);
+  }
+  EXPECT_EQ(channels, pinned->second.channels);
+}
+
+// Fixtures are tests/plugins/<tool folder>/savedata*.bin, the folder being
+// the last part of the tool's data path.
+TEST_P(ToolContract, ReadsAndRewritesOldSavedDataByteForByte) {
+  const std::string path = harness.Instance().GetToolPlugin()->GetPath();
+  const std::filesystem::path folder = std::filesystem::path(RGW_TOOL_TESTS) / path.substr(path.rfind('/') + 1);
+  std::vector<std::filesystem::path> fixtures;
+  if (std::filesystem::is_directory(folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      const std::string name = entry.path().filename().string();
+      if (name.rfind("savedata", 0) == 0 && entry.path().extension() == ".bin") fixtures.push_back(entry.path());
+    }
+  }
+  if (fixtures.empty()) GTEST_SKIP() << "no saved-data fixture in " << folder;
+  for (const auto& fixture : fixtures) {
+    const Bytes old = ReadFile(fixture);
+    harness.SetSaveData(old);
+    EXPECT_EQ(tool.Load(), 0) << fixture;
+    EXPECT_EQ(harness.Save(), old) << fixture;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(BuiltIn, ToolContract, testing::ValuesIn(BuiltInToolNames()),
+                         [](const testing::TestParamInfo<std::string>& info) { return info.param; });
+
+}  // namespace
+}  // namespace vuk::rgw::testing_support
