@@ -33,7 +33,10 @@ void Resimulator::Start(std::vector<Instance*> instances, double from, double to
   next_ = 1;
   adaptor_->BeginUndo("Resimulating");
   adaptor_->BeginRecordingInstances(HandlesOf(instances_));
-  for (Instance* instance : instances_) instance->Start(from, Instance::Run::kResimulating);
+  // A start on the frame grid is given as its frame's own time, so that a
+  // tool finds the state it kept at that frame.
+  const double start = base_.TimeAfter(from_, 0);
+  for (Instance* instance : instances_) instance->Start(start, Instance::Run::kResimulating);
 }
 
 bool Resimulator::FramesLeft() const { return NextFrameTime() < to_ + kEndTolerance; }

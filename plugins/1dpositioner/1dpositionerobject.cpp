@@ -64,9 +64,8 @@ void C1DPositionerObject::CRelativeCageNode::Update(double time) {
 
 void C1DPositionerObject::Start(double time) {
   // A run never steps its start frame again: that frame's state and the
-  // cage's key there are where the run goes on from. Half a frame keeps the
-  // start frame's record however the times were summed.
-  history.RewindTo(time + 0.5 * iface->GetFrameDuration(), channel);
+  // cage's key there are where the run goes on from.
+  history.RewindTo(time, channel);
   ring.Fill(cageNode.Read(time));
   helpers.Start(cageNode.handle);
 }

@@ -1,6 +1,7 @@
 #include "plugins/common/actuatorchannel.h"
 
 #include <cmath>
+#include <limits>
 
 #include "plugins/common/filterresponse.h"
 
@@ -51,7 +52,8 @@ void ActuatorHistory::Record(double t, const ActuatorChannel& channel) {
 }
 
 void ActuatorHistory::RewindTo(double t, ActuatorChannel& channel) {
-  ForEach(*this, [t](const char*, auto& history) { history.RemoveFrom(t); });
+  const double after = std::nextafter(t, std::numeric_limits<double>::infinity());
+  ForEach(*this, [after](const char*, auto& history) { history.RemoveFrom(after); });
   channel.Reset();
   if (IsEmpty()) return;
   channel.output = output_.records.back().value;

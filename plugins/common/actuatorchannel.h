@@ -34,8 +34,9 @@ class ActuatorHistory {
  public:
   // Keeps the state after the frame at t; a record at exactly t is replaced.
   void Record(double t, const ActuatorChannel& channel);
-  // Forgets the frames from t on and puts the channel back as it stood
-  // before t: at rest when no frame is left.
+  // Forgets the frames after t and puts the channel back as it stood after
+  // the frame at t: at rest when no frame is left. Runs step the times a
+  // recording stepped, so a run from t finds that frame's record at exactly t.
   void RewindTo(double t, ActuatorChannel& channel);
   void SaveTo(util::DataChunk& chunk) const;
   // False when an entry is missing or damaged; the history is then empty.

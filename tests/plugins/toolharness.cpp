@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "adaptor/standalone/standalonenode.h"
+#include "core/resimulator.h"
 #include "plugins/tools.h"
 
 namespace vuk::rgw::testing_support {
@@ -44,28 +45,31 @@ void ToolHarness::Link(CNode* toolNode, SceneNode* parent) {
   static_cast<core::CoreNode*>(toolNode)->SetParent(&wrapper);
 }
 
+double ToolHarness::TimeOf(int frame) { return core::TimeBase(host.GetFrameRate()).TimeOf(frame); }
+
 void ToolHarness::Record(int first, int last, const Signal& raw) {
-  Run(first, last, core::Instance::Run::kRecording, raw);
-}
-
-void ToolHarness::Resimulate(int first, int last) { Run(first, last, core::Instance::Run::kResimulating, nullptr); }
-
-void ToolHarness::Run(int first, int last, core::Instance::Run run, const Signal& raw) {
   unidevice::PropertyHandler& inputs = instance_->Inputs();
   // A recording reads devices: each channel gets a control of its own for the run.
-  while (raw && controls_.size() < inputs.Count()) controls_.push_back(std::make_unique<unidevice::Control>());
-  for (std::size_t i = 0; raw && i < inputs.Count(); ++i) inputs.Get(i)->source = controls_[i].get();
+  while (controls_.size() < inputs.Count()) controls_.push_back(std::make_unique<unidevice::Control>());
+  for (std::size_t i = 0; i < inputs.Count(); ++i) inputs.Get(i)->source = controls_[i].get();
   host.BeginUndo("Record");
   host.BeginRecording();
-  instance_->Start(first * Frame(), run);
+  instance_->Start(TimeOf(first), core::Instance::Run::kRecording);
   for (int k = first + 1; k <= last; ++k) {
-    for (std::size_t i = 0; raw && i < inputs.Count(); ++i) controls_[i]->Update(raw(i, k));
-    instance_->Step(k * Frame());
+    for (std::size_t i = 0; i < inputs.Count(); ++i) controls_[i]->Update(raw(i, k));
+    instance_->Step(TimeOf(k));
   }
-  instance_->Stop(last * Frame());
+  instance_->Stop(TimeOf(last));
   host.EndRecording();
   host.EndUndo();
-  for (std::size_t i = 0; raw && i < inputs.Count(); ++i) inputs.Get(i)->source = nullptr;
+  for (std::size_t i = 0; i < inputs.Count(); ++i) inputs.Get(i)->source = nullptr;
+}
+
+void ToolHarness::Resimulate(int first, int last) {
+  core::Resimulator resimulator(&host);
+  resimulator.Start({instance_.get()}, TimeOf(first), TimeOf(last), core::TimeBase(host.GetFrameRate()));
+  resimulator.RunToEnd();
+  resimulator.Finish();
 }
 
 std::vector<CNode*> ToolHarness::ToolNodes() {

@@ -42,6 +42,8 @@ class ToolHarness {
     return *static_cast<Object*>(instance_->GetTool());
   }
   double Frame() { return host.GetFrameDuration(); }
+  // Frame k's time, as the recorder and the resimulator give it.
+  double TimeOf(int frame);
 
   // A node's pose at a time, read or written as a tool does.
   addon::TransformSnapshot Transform(CNode* node, double time) { return {instance_.get(), node, time}; }
@@ -52,7 +54,8 @@ class ToolHarness {
   // A recording from frame `first` to `last`, each channel fed by the signal.
   // As in the system's runs, the start frame is not stepped.
   void Record(int first, int last, const Signal& raw);
-  // The same range again from the recorded take, without devices.
+  // The same range again from the recorded take, without devices, through
+  // the core's resimulator.
   void Resimulate(int first, int last);
 
   // The tool's nodes, in the order the tool made them.
@@ -71,8 +74,6 @@ class ToolHarness {
   core::CoreLibrary library;
 
  private:
-  void Run(int first, int last, core::Instance::Run run, const Signal& raw);
-
   std::unique_ptr<core::Instance> instance_;
   std::vector<std::unique_ptr<unidevice::Control>> controls_;
 };

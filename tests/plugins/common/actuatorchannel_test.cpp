@@ -65,7 +65,8 @@ TEST(ActuatorChannel, TwoFilterStagesTowardsTheMaximum) {
   EXPECT_DOUBLE_EQ(channel.output, 0.25 + (1.75 - 0.25) * 0.25);
 }
 
-// A run rewound to a frame and run again from there gives what it gave.
+// A run rewound to a frame, which it keeps, and run again from the next one
+// gives what it gave.
 TEST(ActuatorHistory, RewindRepeatsTheRun) {
   ActuatorChannel channel("Position", 0.3, 2.0);
   channel.keepState = true;
@@ -79,15 +80,15 @@ TEST(ActuatorHistory, RewindRepeatsTheRun) {
     history.Record(i * 0.04, channel);
     first.push_back(channel.output);
   }
-  history.RewindTo(5 * 0.04, channel);
+  history.RewindTo(4 * 0.04, channel);
   for (std::size_t i = 5; i < raws.size(); ++i) {
     channel.raw = raws[i];
     channel.Feed(0.04);
     history.Record(i * 0.04, channel);
     EXPECT_EQ(channel.output, first[i]) << "frame " << i;
   }
-  // Rewound to the start, the channel is at rest.
-  history.RewindTo(0, channel);
+  // Rewound to before the first frame, the channel is at rest.
+  history.RewindTo(-0.04, channel);
   EXPECT_TRUE(history.IsEmpty());
   EXPECT_EQ(channel.output, 0.0);
   EXPECT_EQ(channel.storedState, 0);
