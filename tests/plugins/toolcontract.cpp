@@ -9,6 +9,7 @@
 #include <set>
 
 #include "plugins/tools.h"
+#include "tests/core/scopedenv.h"
 #include "tests/plugins/toolharness.h"
 
 namespace vuk::rgw::testing_support {
@@ -50,7 +51,7 @@ void RecordFixedTake(ToolHarness& harness) {
     for (int k = 0; k <= kTakeFrames; ++k) {
       util::Matrix<double> pose;
       pose.SetTranslation({std::sin(0.1 * k) + 3.0 * n, 0.05 * k - n, std::cos(0.07 * k) + 2.0 * n});
-      harness.Transform(nodes[n], k * harness.Frame())->SetWorldTransform(pose);
+      harness.Transform(nodes[n], harness.TimeOf(k))->SetWorldTransform(pose);
     }
   }
   const unidevice::PropertyHandler& inputs = harness.Instance().Inputs();
@@ -62,6 +63,12 @@ void RecordFixedTake(ToolHarness& harness) {
 
 class ToolContract : public testing::TestWithParam<std::string> {
  protected:
+  // The tool's folder: the last part of its data path.
+  std::string Folder() {
+    const std::string path = harness.Instance().GetToolPlugin()->GetPath();
+    return path.substr(path.rfind('/') + 1);
+  }
+
   ToolHarness harness{GetParam()};
   CCamera& tool = *harness.Instance().GetTool();
 };
@@ -111,6 +118,10 @@ TEST_P(ToolContract, TheSameTakeGivesThePinnedKeysOnThePinnedChannels) {
   ToolHarness again(GetParam());
   RecordFixedTake(again);
   EXPECT_EQ(again.HashOfKeys(), harness.HashOfKeys());
+  // The kept take, resimulated without devices, writes the very same keys.
+  const std::uint64_t recorded = harness.HashOfKeys();
+  again.Resimulate(0, kTakeFrames);
+  EXPECT_EQ(again.HashOfKeys(), recorded) << "resimulated";
   for (CNode* node : harness.ToolNodes()) {
     for (const auto& key : ToolHarness::KeysOf(node)) {
       ASSERT_TRUE(std::isfinite(key.position.Length() + key.rotation.x + key.scale.Length())) << node->name;
@@ -126,11 +137,9 @@ TEST_P(ToolContract, TheSameTakeGivesThePinnedKeysOnThePinnedChannels) {
   EXPECT_EQ(channels, pinned->second.channels);
 }
 
-// Fixtures are tests/plugins/<tool folder>/savedata*.bin, the folder being
-// the last part of the tool's data path.
+// Fixtures are tests/plugins/<tool folder>/savedata*.bin.
 TEST_P(ToolContract, ReadsAndRewritesOldSavedDataByteForByte) {
-  const std::string path = harness.Instance().GetToolPlugin()->GetPath();
-  const std::filesystem::path folder = std::filesystem::path(RGW_TOOL_TESTS) / path.substr(path.rfind('/') + 1);
+  const std::filesystem::path folder = std::filesystem::path(RGW_TOOL_TESTS) / Folder();
   std::vector<std::filesystem::path> fixtures;
   if (std::filesystem::is_directory(folder)) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
@@ -144,6 +153,24 @@ TEST_P(ToolContract, ReadsAndRewritesOldSavedDataByteForByte) {
     harness.SetSaveData(old);
     EXPECT_EQ(tool.Load(), 0) << fixture;
     EXPECT_EQ(harness.Save(), old) << fixture;
+  }
+}
+
+// The profiles a tool ships in plugins/<folder>/data are where the core looks
+// for them in the build tree: its rgw_tool line's data path is its record's.
+TEST_P(ToolContract, ItsShippedProfilesAreFound) {
+  const std::filesystem::path shipped = std::filesystem::path(RGW_TOOL_SOURCES) / Folder() / "data";
+  if (!std::filesystem::is_directory(shipped)) GTEST_SKIP() << "no profiles in " << shipped;
+  ScopedEnv root("RIGWORKS_ROOT", RGW_BUILD_ROOT);
+  core::CoreLibrary library(addon::BuiltInTools());
+  core::Plugin* plugin = library.FindTool(GetParam());
+  using Kind = core::XMLFileManager::Kind;
+  for (const auto& [kind, folder] : {std::pair{Kind::kConfig, "configprofiles"}, {Kind::kInput, "inputprofiles"}}) {
+    core::XMLFileManager files(kind, "");
+    files.AddFolder((shipped / folder).string());
+    files.Load();
+    const core::XMLFileManager& found = kind == Kind::kConfig ? plugin->ConfigProfiles() : plugin->InputProfiles();
+    for (const std::string& name : files.Names()) EXPECT_NE(found.Find(name), nullptr) << folder << ": " << name;
   }
 }
 
