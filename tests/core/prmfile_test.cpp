@@ -26,7 +26,7 @@ TEST(PrmFile, AToolTreeTravelsThroughAPrmFile) {
   adaptor::standalone::StandaloneAdaptorInterface target;
   InstanceManager loaded(&target, &library);
   EXPECT_EQ(loaded.LoadToolTree(tree), 2);
-  EXPECT_EQ(loaded.Root().GetChild(0)->GetNodeCount(), 1u);
+  EXPECT_EQ(loaded.Root().GetChild(0)->GetChildCount(), 1u);
 }
 
 struct BadPrm {

@@ -1,0 +1,73 @@
+#include "gui/tooltree/tooltreeview.h"
+
+#include <gtest/gtest.h>
+
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "core/instancemanager.h"
+#include "gui/component/tree.h"
+
+namespace vuk::gui::tooltree {
+namespace {
+
+using rgw::core::InstanceReference;
+using rgw::core::TreeItem;
+
+class ToolTree : public testing::Test {
+ protected:
+  ToolTree() : tree(Markup()), tools(&host, &library), view(tools.Root()) {}
+  static util::xml::Element Markup() {
+    util::xml::Element element;
+    element.ParseText("<tree><flag/><flag/><flag/></tree>");
+    return element;
+  }
+  componentinterface::Tree::Node& Shown(std::size_t index) { return *tree.root->GetNode(index); }
+
+  component::Tree tree;
+  rgw::adaptor::standalone::StandaloneAdaptorInterface host;
+  rgw::core::LibraryManager library;
+  rgw::core::InstanceManager tools;
+  ToolTreeView view;
+};
+
+TEST_F(ToolTree, ShowsEachToolBelowItsParent) {
+  InstanceReference* parent = tools.Create("LookAtCam");
+  InstanceReference* child = tools.Create("LookAtCam", "", parent);
+  view.Show(tree);
+  ASSERT_NE(tree.root, nullptr);
+  EXPECT_EQ(tree.root->GetLabel(), "RGT");
+  ASSERT_EQ(tree.root->GetNodeCount(), 1u);
+  EXPECT_EQ(Shown(0).GetLabel(), "LookAtCam_01");
+  ASSERT_EQ(Shown(0).GetNodeCount(), 1u);
+  EXPECT_EQ(Shown(0).GetNode(0)->GetLabel(), "LookAtCam_02");
+  EXPECT_EQ(Shown(0).GetNode(1), nullptr);
+  EXPECT_EQ(ToolTreeView::ItemOf(Shown(0).GetNode(0)), child);
+  EXPECT_EQ(ToolTreeView::ItemOf(nullptr), nullptr);
+}
+
+TEST_F(ToolTree, FlagsAreTheToolsCheckAndVisibilityStates) {
+  InstanceReference* tool = tools.Create("LookAtCam");
+  view.Show(tree);
+  Shown(0).SetFlag(TreeItem::kChecked, 0);
+  Shown(0).SetFlag(TreeItem::kLowPoly, 2);
+  Shown(0).SetFlag(3, 0);
+  EXPECT_EQ(tool->states[TreeItem::kChecked], 0);
+  EXPECT_EQ(tool->states[TreeItem::kHighPoly], 1);
+  EXPECT_EQ(tool->states[TreeItem::kLowPoly], 2);
+  EXPECT_EQ(tools.CheckedInstances().size(), 0u);
+  tool->states[TreeItem::kHighPoly] = 0;
+  EXPECT_EQ(Shown(0).GetFlag(TreeItem::kHighPoly), 0);
+  EXPECT_EQ(Shown(0).GetFlag(3), 0);
+}
+
+TEST_F(ToolTree, ShowingAgainFollowsToolsMadeAndDeleted) {
+  InstanceReference* first = tools.Create("LookAtCam");
+  view.Show(tree);
+  tools.Create("LookAtCam");
+  tools.Delete(first, false);
+  view.Show(tree);
+  ASSERT_EQ(tree.root->GetNodeCount(), 1u);
+  EXPECT_EQ(Shown(0).GetLabel(), "LookAtCam_02");
+}
+
+}  // namespace
+}  // namespace vuk::gui::tooltree
