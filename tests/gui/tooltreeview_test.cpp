@@ -29,7 +29,7 @@ class ToolTree : public testing::Test {
   ToolTreeView view;
 };
 
-TEST_F(ToolTree, ShowsEachToolBelowItsParent) {
+TEST_F(ToolTree, ShowsEachToolBelowItsParentWithItsStates) {
   InstanceReference* parent = tools.Create("LookAtCam");
   InstanceReference* child = tools.Create("LookAtCam", "", parent);
   view.Show(tree);
@@ -42,19 +42,14 @@ TEST_F(ToolTree, ShowsEachToolBelowItsParent) {
   EXPECT_EQ(Shown(0).GetNode(1), nullptr);
   EXPECT_EQ(ToolTreeView::ItemOf(Shown(0).GetNode(0)), child);
   EXPECT_EQ(ToolTreeView::ItemOf(nullptr), nullptr);
-}
 
-TEST_F(ToolTree, FlagsAreTheToolsCheckAndVisibilityStates) {
-  InstanceReference* tool = tools.Create("LookAtCam");
-  view.Show(tree);
+  // The flags are the tool's check state and its two visibility states.
   Shown(0).SetFlag(TreeItem::kChecked, 0);
   Shown(0).SetFlag(TreeItem::kLowPoly, 2);
   Shown(0).SetFlag(3, 0);
-  EXPECT_EQ(tool->states[TreeItem::kChecked], 0);
-  EXPECT_EQ(tool->states[TreeItem::kHighPoly], 1);
-  EXPECT_EQ(tool->states[TreeItem::kLowPoly], 2);
-  EXPECT_EQ(tools.CheckedInstances().size(), 0u);
-  tool->states[TreeItem::kHighPoly] = 0;
+  EXPECT_EQ(parent->states, (std::array<std::int32_t, 3>{0, 1, 2}));
+  EXPECT_EQ(tools.CheckedInstances().size(), 1u);
+  parent->states[TreeItem::kHighPoly] = 0;
   EXPECT_EQ(Shown(0).GetFlag(TreeItem::kHighPoly), 0);
   EXPECT_EQ(Shown(0).GetFlag(3), 0);
 }
