@@ -9,8 +9,7 @@
 namespace vuk::gui::tooltree {
 namespace {
 
-using rgw::core::InstanceReference;
-using rgw::core::TreeItem;
+namespace core = rgw::core;
 
 class ToolTree : public testing::Test {
  protected:
@@ -24,14 +23,14 @@ class ToolTree : public testing::Test {
 
   component::Tree tree;
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
-  rgw::core::LibraryManager library;
-  rgw::core::InstanceManager tools;
+  core::LibraryManager library;
+  core::InstanceManager tools;
   ToolTreeView view;
 };
 
 TEST_F(ToolTree, ShowsEachToolBelowItsParentWithItsStates) {
-  InstanceReference* parent = tools.Create("LookAtCam");
-  InstanceReference* child = tools.Create("LookAtCam", "", parent);
+  core::InstanceReference* parent = tools.Create("LookAtCam");
+  core::InstanceReference* child = tools.Create("LookAtCam", "", parent);
   view.Show(tree);
   ASSERT_NE(tree.root, nullptr);
   EXPECT_EQ(tree.root->GetLabel(), "RGT");
@@ -44,18 +43,18 @@ TEST_F(ToolTree, ShowsEachToolBelowItsParentWithItsStates) {
   EXPECT_EQ(ToolTreeView::ItemOf(nullptr), nullptr);
 
   // The flags are the tool's check state and its two visibility states.
-  Shown(0).SetFlag(TreeItem::kChecked, 0);
-  Shown(0).SetFlag(TreeItem::kLowPoly, 2);
+  Shown(0).SetFlag(core::TreeItem::kChecked, 0);
+  Shown(0).SetFlag(core::TreeItem::kLowPoly, 2);
   Shown(0).SetFlag(3, 0);
   EXPECT_EQ(parent->states, (std::array<std::int32_t, 3>{0, 1, 2}));
   EXPECT_EQ(tools.CheckedInstances().size(), 1u);
-  parent->states[TreeItem::kHighPoly] = 0;
-  EXPECT_EQ(Shown(0).GetFlag(TreeItem::kHighPoly), 0);
+  parent->states[core::TreeItem::kHighPoly] = 0;
+  EXPECT_EQ(Shown(0).GetFlag(core::TreeItem::kHighPoly), 0);
   EXPECT_EQ(Shown(0).GetFlag(3), 0);
 }
 
 TEST_F(ToolTree, ShowingAgainFollowsToolsMadeAndDeleted) {
-  InstanceReference* first = tools.Create("LookAtCam");
+  core::InstanceReference* first = tools.Create("LookAtCam");
   view.Show(tree);
   tools.Create("LookAtCam");
   tools.Delete(first, false);
