@@ -23,6 +23,14 @@ void ToolTreeNode::SetFlag(std::size_t column, std::int32_t state) {
   if (column < item_.states.size()) item_.states[column] = state;
 }
 
+InstanceReference* ToolTreeNode::Find(const Node* node) const {
+  if (node == this) return &item_;
+  for (const auto& child : children_) {
+    if (InstanceReference* found = child->Find(node)) return found;
+  }
+  return nullptr;
+}
+
 void ToolTreeView::Show(componentinterface::Tree& tree) {
   // The old mirror goes only once the component holds the new one.
   auto next = std::make_unique<ToolTreeNode>(root_);
@@ -30,9 +38,8 @@ void ToolTreeView::Show(componentinterface::Tree& tree) {
   shown_ = std::move(next);
 }
 
-InstanceReference* ToolTreeView::ItemOf(componentinterface::Tree::Node* node) {
-  auto* shown = dynamic_cast<ToolTreeNode*>(node);
-  return shown ? &shown->Item() : nullptr;
+InstanceReference* ToolTreeView::ItemOf(const componentinterface::Tree::Node* node) const {
+  return shown_ && node ? shown_->Find(node) : nullptr;
 }
 
 }  // namespace vuk::gui::tooltree

@@ -26,7 +26,8 @@ class ToolTreeNode final : public componentinterface::Tree::Node {
   std::int32_t GetFlag(std::size_t column) const override;
   void SetFlag(std::size_t column, std::int32_t state) override;
 
-  rgw::core::InstanceReference& Item() const { return item_; }
+  // The tool item behind this node or one below it; null when it is none of them.
+  rgw::core::InstanceReference* Find(const Node* node) const;
 
  private:
   rgw::core::InstanceReference& item_;
@@ -41,8 +42,9 @@ class ToolTreeView {
 
   void Show(componentinterface::Tree& tree);
 
-  // The tool item behind a node the component handed out; null for none.
-  static rgw::core::InstanceReference* ItemOf(componentinterface::Tree::Node* node);
+  // The tool item behind a node the component handed out; null for none,
+  // and for a node of a mirror shown before, which is gone.
+  rgw::core::InstanceReference* ItemOf(const componentinterface::Tree::Node* node) const;
 
  private:
   rgw::core::InstanceReference& root_;

@@ -39,8 +39,9 @@ TEST_F(ToolTree, ShowsEachToolBelowItsParentWithItsStates) {
   ASSERT_EQ(Shown(0).GetNodeCount(), 1u);
   EXPECT_EQ(Shown(0).GetNode(0)->GetLabel(), "LookAtCam_02");
   EXPECT_EQ(Shown(0).GetNode(1), nullptr);
-  EXPECT_EQ(ToolTreeView::ItemOf(Shown(0).GetNode(0)), child);
-  EXPECT_EQ(ToolTreeView::ItemOf(nullptr), nullptr);
+  EXPECT_EQ(view.ItemOf(Shown(0).GetNode(0)), child);
+  EXPECT_EQ(view.ItemOf(tree.root), &tools.Root());
+  EXPECT_EQ(view.ItemOf(nullptr), nullptr);
 
   // The flags are the tool's check state and its two visibility states.
   Shown(0).SetFlag(core::TreeItem::kChecked, 0);
@@ -56,11 +57,13 @@ TEST_F(ToolTree, ShowsEachToolBelowItsParentWithItsStates) {
 TEST_F(ToolTree, ShowingAgainFollowsToolsMadeAndDeleted) {
   core::InstanceReference* first = tools.Create("LookAtCam");
   view.Show(tree);
+  const componentinterface::Tree::Node* before = &Shown(0);
   tools.Create("LookAtCam");
   tools.Delete(first, false);
   view.Show(tree);
   ASSERT_EQ(tree.root->GetNodeCount(), 1u);
   EXPECT_EQ(Shown(0).GetLabel(), "LookAtCam_02");
+  EXPECT_EQ(view.ItemOf(before), nullptr);
 }
 
 }  // namespace
