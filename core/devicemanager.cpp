@@ -2,6 +2,8 @@
 
 #include <QCoreApplication>
 
+#include "unidevice/driver/linuxdriver.h"
+
 namespace vuk::rgw::core {
 
 DeviceManager::DeviceManager(WindowHandle mainWindow)

@@ -6,9 +6,14 @@
 #include <memory>
 
 #include "core/adaptorinterface.h"
-#include "unidevice/driver/linuxdriver.h"
 #include "unidevice/dummydriver.h"
 #include "unidevice/emulatedtrinarydevice.h"
+
+// The platform driver stays out of this header, so that the input libraries
+// behind it stay out of everything that includes the core.
+namespace vuk::unidevice::driver {
+class LinuxDriver;
+}
 
 namespace vuk::rgw::core {
 

@@ -1,7 +1,8 @@
 #pragma once
 // The tool tree: one item per tool instance under the root "RGT", with the
 // check state and the two visibility states of each tool. An item writes
-// its tool, and those below it, as one "RGT_Plugin" element.
+// its tool, and those below it, as one "RGT_Plugin" element. The GUI shows
+// the tree through a view of its own (gui/tooltree).
 
 #include <array>
 #include <cstdint>
@@ -9,25 +10,16 @@
 #include <string>
 
 #include "core/instance.h"
-#include "gui/componentinterface.h"
 #include "util/compositedynamic.h"
 #include "util/dynamicobject.h"
 #include "util/xml/element.h"
 
 namespace vuk::rgw::core {
 
-class TreeItem : public gui::componentinterface::Tree::Node,
-                 public util::DynamicObject,
-                 public util::Composite_Dynamic<TreeItem> {
+class TreeItem : public util::DynamicObject, public util::Composite_Dynamic<TreeItem> {
  public:
   enum Slot { kChecked = 0, kHighPoly = 1, kLowPoly = 2 };
 
-  std::size_t GetNodeCount() const override { return GetChildCount(); }
-  Node* GetNode(std::size_t index) const override { return GetChild(index); }
-  std::int32_t GetFlag(std::size_t column) const override { return column < 3 ? states[column] : 0; }
-  void SetFlag(std::size_t column, std::int32_t state) override {
-    if (column < 3) states[column] = state;
-  }
   // Links a child at the end and becomes its parent.
   void Link(TreeItem* child);
   // The position among the parent's children, or 0 for the root.
@@ -50,7 +42,7 @@ class InstanceReference : public TreeItem {
   explicit InstanceReference(std::unique_ptr<Instance> owned);
   ~InstanceReference() override;
 
-  std::string GetLabel() const override;
+  std::string GetLabel() const;
   // The "RGT_Plugin" element of this tool and, unless told not to, of those
   // below it; compressed into one blob when asked.
   util::xml::Element Serialize(std::uint32_t flags) const;

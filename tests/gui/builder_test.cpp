@@ -106,18 +106,13 @@ TEST(Builder, KindsReadTheirOwnAttributes) {
   EXPECT_EQ(gradient->stops[1].color.a, 128);
 }
 
-TEST(Builder, PathAliasesResolveFromTheRoot) {
-  util::xml::Element element;
-  element.ParseText("<dialog><label id=\"6\" imagepath=\"[images]/a.png\"/></dialog>");
-  auto root = BuildComponent(element);
+TEST(Builder, LookupsGoFromTheRootDepthFirst) {
+  auto root = Build("<list><list><button id=\"9\" label=\"deep\"/><label id=\"6\" imagepath=\"[images]/a.png\"/>"
+                    "</list><button id=\"9\" label=\"shallow\"/></list>");
+  EXPECT_EQ(Find<component::Button>(*root, 9)->label, "deep");
   root->SetAlias("[images]", "/tools/car/images");
   auto* label = Find<component::Label>(*root, 6);
   EXPECT_EQ(label->ResolvePath(label->imagePath), "/tools/car/images/a.png");
-}
-
-TEST(Builder, FindByIdIsDepthFirst) {
-  auto root = Build("<list><list><button id=\"9\" label=\"deep\"/></list><button id=\"9\" label=\"shallow\"/></list>");
-  EXPECT_EQ(Find<component::Button>(*root, 9)->label, "deep");
 }
 
 TEST(Builder, ShippedLayoutsBuild) {

@@ -18,19 +18,16 @@ class Plugin : public CCameraPlugin {
   std::string GetCategory() override { return "Camera"; }
 };
 
-TEST(CCameraPlugin, DefaultsAreTheDocumentedOnes) {
+TEST(CCameraPlugin, DefaultsAndCreate) {
   Plugin plugin;
   EXPECT_EQ(plugin.GetPath(), "LookAtCam");
   EXPECT_EQ(plugin.GetSdkVersion(), 20110);
-  EXPECT_EQ(plugin.GetDescription(), "");
-  EXPECT_EQ(plugin.GetSubtitle(), "");
+  EXPECT_EQ(plugin.GetDescription() + plugin.GetSubtitle(), "");
   std::vector<std::int32_t>* ids = plugin.GetSupportedIds();
   EXPECT_TRUE(ids->empty());
   EXPECT_TRUE(plugin.ReleaseIds(ids));
-}
 
-TEST(CCameraPlugin, CreateFillsInThePluginAndTheObjectCopiesTheRecord) {
-  Plugin plugin;
+  // Create fills in the plugin, and the object copies the record.
   CCamera::CreateParam param("LookAtCam01");
   EXPECT_EQ(param.version, 100);
   CCamera* tool = plugin.Create(param);

@@ -25,12 +25,9 @@ TEST(Device, DetectsTheLargestMoveBeyondTheThreshold) {
   EXPECT_EQ(device.DetectControl({device.GetControl(1)}), device.GetControl(3));
   // Nothing moves: null.
   EXPECT_EQ(device.DetectControl({}), nullptr);
-}
-
-TEST(Device, OnATieTheFirstStands) {
-  TestDevice device("Pad", 3, "Axis");
-  device.Queue(1, 0.7);
-  device.Queue(2, -0.7);
+  // A tie: the first stands.
+  device.Queue(1, 0.9);
+  device.Queue(3, -0.2);
   EXPECT_EQ(device.DetectControl({}), device.GetControl(1));
 }
 

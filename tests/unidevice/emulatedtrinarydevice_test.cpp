@@ -13,25 +13,23 @@ using testing_support::TestDevice;
 
 class EmulatedTrinary : public testing::Test {
  protected:
-  void SetUp() override {
-    keyboard = new TestDevice("Keyboard", 4);
+  EmulatedTrinary() {
     keys.AddDevice(keyboard);
-    emulator = new EmulatedTrinaryDevice();
+    DriverList::Instance().Register(&keys);
+  }
+  ~EmulatedTrinary() override { DriverList::Instance().Unregister(&keys); }
+  EmulatedTControl* Axis(int positive, int negative) {
+    return emulator->AddControl(keyboard->GetControl(positive), keyboard->GetControl(negative));
   }
 
   DummyDriver dummy;  // the emulator joins it
   Driver keys{"keys"};
-  TestDevice* keyboard = nullptr;
-  EmulatedTrinaryDevice* emulator = nullptr;
-  struct Registration {
-    explicit Registration(Driver* driver) : driver(driver) { DriverList::Instance().Register(driver); }
-    ~Registration() { DriverList::Instance().Unregister(driver); }
-    Driver* driver;
-  } registration{&keys};
+  TestDevice* keyboard = new TestDevice("Keyboard", 4);
+  EmulatedTrinaryDevice* emulator = new EmulatedTrinaryDevice();
 };
 
 TEST_F(EmulatedTrinary, TwoKeysMakeThreeStates) {
-  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1));
+  EmulatedTControl* axis = Axis(0, 1);
   EXPECT_EQ(emulator->driver, &dummy);
   EXPECT_EQ(axis->GetValue(), 0.0);
   keyboard->Press(0);
@@ -54,7 +52,7 @@ TEST_F(EmulatedTrinary, AVanishedSourceReadsZero) {
 }
 
 TEST_F(EmulatedTrinary, SavedFormBuildsTheSameControlInEitherOrder) {
-  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(2), keyboard->GetControl(3));
+  EmulatedTControl* axis = Axis(2, 3);
   util::xml::Element saved = axis->Save();
   ASSERT_EQ(saved.CountChildren("control"), 2u);
   EXPECT_EQ(saved.GetChild("control", 0).GetAttribute("te_direction"), "positive");
@@ -69,28 +67,24 @@ TEST_F(EmulatedTrinary, SavedFormBuildsTheSameControlInEitherOrder) {
   EXPECT_EQ(emulator->GetControlCount(), 1);
 }
 
-TEST_F(EmulatedTrinary, AnElementForANewPairMakesAControl) {
+TEST_F(EmulatedTrinary, AnElementForANewPairMakesAControlAndOneSourceNone) {
   EmulatedTControl made(keyboard->GetControl(1), keyboard->GetControl(0));
   made.device = emulator;
   made.type = "Axis";
-  const util::xml::Element saved = made.Save();
-  Control* found = emulator->FindControl(saved);
-  ASSERT_NE(found, nullptr);
-  auto* axis = static_cast<EmulatedTControl*>(found);
+  util::xml::Element saved = made.Save();
+  auto* axis = static_cast<EmulatedTControl*>(emulator->FindControl(saved));
+  ASSERT_NE(axis, nullptr);
   EXPECT_EQ(axis->positive, keyboard->GetControl(1));
   EXPECT_EQ(axis->negative, keyboard->GetControl(0));
-  EXPECT_EQ(emulator->FindControl(saved), found);
-}
+  EXPECT_EQ(emulator->FindControl(saved), axis);
 
-TEST_F(EmulatedTrinary, FewerThanTwoSourcesGiveNoControl) {
-  util::xml::Element element = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1))->Save();
-  element.children.pop_back();
-  element.SetAttribute("index") = "7";
-  EXPECT_EQ(emulator->FindControl(element), nullptr);
+  saved.children.pop_back();
+  saved.SetAttribute("index") = "7";
+  EXPECT_EQ(emulator->FindControl(saved), nullptr);
 }
 
 TEST_F(EmulatedTrinary, OpenSettlesAndDetectsNothing) {
-  EmulatedTControl* axis = emulator->AddControl(keyboard->GetControl(0), keyboard->GetControl(1));
+  EmulatedTControl* axis = Axis(0, 1);
   axis->value = 1.0;
   EXPECT_FALSE(emulator->Open(nullptr));
   EXPECT_EQ(axis->previousValue, 1.0);

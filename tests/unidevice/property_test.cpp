@@ -48,34 +48,24 @@ INSTANTIATE_TEST_SUITE_P(
                     Shaping{0.5, 0.0, 0.5, 1.0, 0.0, std::sqrt(0.5)},
                     Shaping{0.0, 0.1, 1.0, 1.0, 0.0, 0.0}));
 
-TEST(Property, WithoutASourceReadsTheOffset) {
-  Property property("Throttle");
-  property.offset = 0.3;
-  EXPECT_EQ(property.Evaluate(), 0.3);
-}
-
-TEST(Property, AControlGoingAwayLeavesTheOffset) {
-  Property property("Throttle");
+TEST(Property, TheBindingFollowsItsControlAndFallsBackToTheOffset) {
+  Control first;
+  Property property("Brake");
   property.offset = -0.2;
   {
-    Control control;
-    control.value = 1.0;
-    property.Bind(&control);
+    Control second;
+    second.value = 1.0;
+    property.Bind(&first);
+    property.Bind(&second);
+    EXPECT_TRUE(first.targets.empty());
+    ASSERT_EQ(second.targets.size(), 1u);
     EXPECT_NE(property.Evaluate(), -0.2);
   }
   EXPECT_EQ(property.source, nullptr);
   EXPECT_EQ(property.Evaluate(), -0.2);
-}
-
-TEST(Property, RebindingMovesTheBackReference) {
-  Control first, second;
-  Property property("Brake");
   property.Bind(&first);
-  property.Bind(&second);
-  EXPECT_TRUE(first.targets.empty());
-  ASSERT_EQ(second.targets.size(), 1u);
   property.Bind(nullptr);
-  EXPECT_TRUE(second.targets.empty());
+  EXPECT_TRUE(first.targets.empty());
 }
 
 }  // namespace

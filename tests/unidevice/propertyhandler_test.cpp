@@ -31,24 +31,18 @@ class Profiles : public testing::Test {
   Driver driver{"test"};
 };
 
-TEST_F(Profiles, AddGivesTheExistingChannel) {
-  PropertyHandler handler;
-  Property* steering = handler.Add("Steering");
-  EXPECT_EQ(handler.Add("Steering"), steering);
-  EXPECT_EQ(handler.Count(), 1u);
-  EXPECT_EQ(steering->owner, &handler);
-  EXPECT_EQ(handler.Find("Gas"), nullptr);
-}
-
 TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
   TestDevice* pad = Plug("Pad");
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
+  EXPECT_EQ(handler.Add("Steering"), steering);
+  EXPECT_EQ(steering->owner, &handler);
   steering->exponent = 1.3;
   steering->deadzone = 0.15;
   steering->multiplier = -0.1;  // no short decimal form
   steering->Bind(pad->GetControl(1));
   handler.Add("Gas");
+  EXPECT_EQ(handler.Count(), 2u);
 
   const util::xml::Element profile = handler.SaveProfile("Racing");
   EXPECT_EQ(profile.GetAttribute("name"), "Racing");
@@ -61,10 +55,11 @@ TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
   EXPECT_EQ(again->multiplier, -0.1);
   EXPECT_EQ(again->source, pad->GetControl(1));
   EXPECT_EQ(back.Find("Gas")->source, nullptr);
+  EXPECT_EQ(back.Find("Brake"), nullptr);
   EXPECT_EQ(back.SaveProfile("Racing").Write(), profile.Write());
 }
 
-TEST_F(Profiles, ABindingWaitsForItsDeviceAndSurvivesUnplugging) {
+TEST_F(Profiles, ABindingWaitsForItsDevice) {
   util::xml::Element profile;
   {
     TestDevice* wheel = Plug("Wheel");
@@ -87,12 +82,7 @@ TEST_F(Profiles, ABindingWaitsForItsDeviceAndSurvivesUnplugging) {
   TestDevice* wheel = Plug("Wheel");
   EXPECT_EQ(steering->source, wheel->GetControl(0));
   EXPECT_FALSE(DriverList::Instance().IsWaiting(steering));
-
-  Unplug(wheel);
-  EXPECT_EQ(steering->Evaluate(), 0.25);
-  EXPECT_TRUE(DriverList::Instance().IsWaiting(steering));
-  TestDevice* again = Plug("Wheel");
-  EXPECT_EQ(steering->source, again->GetControl(0));
+  // Unplugging and plugging again is the Linux driver's test, on a real hot-plug.
 }
 
 TEST_F(Profiles, BadNumbersKeepTheCurrentValues) {

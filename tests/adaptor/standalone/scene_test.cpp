@@ -27,20 +27,22 @@ TEST(Ticks, FrameTimesLandOnTheirTick) {
   EXPECT_EQ(TicksFromSeconds(-0.5), -2400);
 }
 
-TEST(Scene, TwoTimesWithinOneTickWriteOneKey) {
+// One box in a scene that records keys, as during a take.
+class Keys : public testing::Test {
+ protected:
+  Keys() { scene.animate = true; }
   Scene scene;
-  scene.animate = true;
   SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Box");
+};
+
+TEST_F(Keys, TwoTimesWithinOneTickWriteOne) {
   scene.WriteWorld(node, TicksFromSeconds(1.0), Pose({1, 0, 0}));
   scene.WriteWorld(node, TicksFromSeconds(1.0 + 1e-5), Pose({2, 0, 0}));
   ASSERT_EQ(node->track.Keys().size(), 1u);
   EXPECT_EQ(node->World(4800).GetTranslation().x, 2.0);
 }
 
-TEST(Scene, PositionIsLinearAndRotationSphericalBetweenKeys) {
-  Scene scene;
-  scene.animate = true;
-  SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Box");
+TEST_F(Keys, PositionIsLinearAndRotationSphericalBetween) {
   const Quat<double> quarter = Quat<double>::FromAxisAngle({0, 1, 0}, M_PI / 2);
   scene.WriteWorld(node, 0, Pose({0, 0, 0}));
   scene.WriteWorld(node, 4800, Pose({2, 4, 0}, quarter));
@@ -54,9 +56,8 @@ TEST(Scene, PositionIsLinearAndRotationSphericalBetweenKeys) {
   EXPECT_NEAR(node->World(99999).GetTranslation().y, 4.0, 1e-12);
 }
 
-TEST(Scene, WithoutKeyRecordingAWriteMovesTheStaticPose) {
-  Scene scene;
-  SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Box");
+TEST_F(Keys, NoneAreWrittenOutsideATakeButTheStaticPoseMoves) {
+  scene.animate = false;
   scene.WriteWorld(node, 960, Pose({5, 0, 0}));
   EXPECT_TRUE(node->track.Keys().empty());
   EXPECT_EQ(node->World(0).GetTranslation().x, 5.0);
@@ -79,10 +80,7 @@ TEST(Scene, ChildWorldFollowsItsParent) {
   EXPECT_EQ(child->parent, &scene.Root());
 }
 
-TEST(Scene, OneUndoTakesBackAHoldOfKeyWritesAndRedoBringsThem) {
-  Scene scene;
-  scene.animate = true;
-  SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Box");
+TEST_F(Keys, OneUndoTakesBackAHoldOfWritesAndRedoBringsThem) {
   scene.WriteWorld(node, 0, Pose({-1, 0, 0}));
   scene.undo.Begin();
   for (int frame = 0; frame < 100; ++frame) scene.WriteWorld(node, 160 * frame, Pose({double(frame), 0, 0}));

@@ -44,16 +44,6 @@ class TestToolRecording : public testing::Test {
   TestTool* tool = nullptr;
 };
 
-TEST_F(TestToolRecording, BuildsItsPageAndNodes) {
-  EXPECT_EQ(instance->ConfigProfile().Write("", ""),
-            "<configprofile version=\"2.0\" name=\"Factory Settings\"><group id=\"-1\" label=\"Motion\">"
-            "<item id=\"0\" label=\"Speed\" type=\"blob\">AAAAAAAACEA=</item></group>"
-            "<item id=\"1\" label=\"Hide Helpers During Recording\">0</item></configprofile>");
-  EXPECT_NE(instance->FindInput("Spinner: Speed"), nullptr);
-  EXPECT_EQ(instance->FindNode("Target"), tool->target);
-  EXPECT_EQ(static_cast<core::CoreNode*>(tool->camera)->GetHostName(), "TestTool01_Camera");
-}
-
 TEST_F(TestToolRecording, WritesOneKeyPerFrameAtTheFrameTimes) {
   Record();
   for (CNode* node : {tool->target, tool->camera}) {
@@ -75,19 +65,10 @@ TEST_F(TestToolRecording, WritesOneKeyPerFrameAtTheFrameTimes) {
   EXPECT_EQ(static_cast<StandaloneNode*>(tool->camera)->TransformPoolSize(), 1u);
 }
 
-TEST_F(TestToolRecording, OneUndoTakesBackKeysAndHistoryAndRedoRestoresThem) {
-  Record();
-  ASSERT_TRUE(adaptor.Undo());
-  EXPECT_TRUE(Keys(tool->target).empty());
-  EXPECT_TRUE(Keys(tool->camera).empty());
-  EXPECT_TRUE(tool->path.records.empty());
-  ASSERT_TRUE(adaptor.Redo());
-  EXPECT_EQ(Keys(tool->target).size(), static_cast<std::size_t>(kFrames));
-  EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
-  EXPECT_EQ(tool->path.Get(1.0), tool->TargetAt(1.0));
-}
-
-TEST_F(TestToolRecording, ASecondTakeFromAnEarlierFrameReplacesTheFuture) {
+// A second take from an earlier frame replaces the future; one undo takes
+// it back, the next the first take with its keys and history, and redo
+// brings that again.
+TEST_F(TestToolRecording, EachTakeIsOneUndo) {
   Record();
   tool->speed = -1.0;
   adaptor.BeginUndo("Record");
@@ -97,15 +78,23 @@ TEST_F(TestToolRecording, ASecondTakeFromAnEarlierFrameReplacesTheFuture) {
   tool->Step(31 * frame);
   adaptor.EndRecording();
   adaptor.EndUndo();
-  // The history before the restart stays; after it, the new take.
   ASSERT_EQ(tool->path.records.size(), 32u);
   EXPECT_EQ(tool->path.Get(0.5).x, 1.5);
   EXPECT_EQ(tool->path.records.back().value.x, -31 * frame);
-  adaptor.Undo();
+
+  ASSERT_TRUE(adaptor.Undo());
   EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
+  ASSERT_TRUE(adaptor.Undo());
+  EXPECT_TRUE(Keys(tool->target).empty());
+  EXPECT_TRUE(Keys(tool->camera).empty());
+  EXPECT_TRUE(tool->path.records.empty());
+  ASSERT_TRUE(adaptor.Redo());
+  EXPECT_EQ(Keys(tool->target).size(), static_cast<std::size_t>(kFrames));
+  EXPECT_EQ(tool->path.records.size(), static_cast<std::size_t>(kFrames));
+  EXPECT_EQ(tool->path.Get(1.0).x, 3.0);  // the first take, at its speed
 }
 
-TEST_F(TestToolRecording, ANullHandleGivesNullSnapshots) {
+TEST_F(TestToolRecording, NullHandlesAndMissingSaveDataAreHarmless) {
   EXPECT_EQ(instance->GetTransformSnapshot(nullptr, 0), nullptr);
   EXPECT_EQ(instance->GetHelperSnapshot(nullptr, 0), nullptr);
   EXPECT_EQ(instance->GetMeshSnapshot(nullptr, 0), nullptr);
@@ -117,9 +106,7 @@ TEST_F(TestToolRecording, ANullHandleGivesNullSnapshots) {
   tool->camera = nullptr;
   tool->Step(0.0);
   EXPECT_TRUE(Keys(tool->target).empty() || Keys(tool->target).size() == 1u);
-}
 
-TEST_F(TestToolRecording, SaveDataBeforeAnyIsNull) {
   std::int32_t length = -1;
   EXPECT_EQ(instance->GetSaveData(&length), nullptr);
   EXPECT_EQ(length, 0);

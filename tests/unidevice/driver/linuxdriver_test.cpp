@@ -66,6 +66,9 @@ TEST_F(VirtualJoystick, ControlsInTheirOrderWithTheirNames) {
   EXPECT_EQ(Named("Axis 1 (X)")->changeThreshold, 0.1);
   EXPECT_EQ(Named("Slider 2")->saveIndex, 1);
   EXPECT_EQ(device->GetControl(14), nullptr);
+  // No haptic device: no effect.
+  EXPECT_FALSE(Named("Axis 1 (X)")->SupportsForceFeedback());
+  EXPECT_EQ(Named("Axis 1 (X)")->CreateForceFeedbackEffect(FFEffect::kSine), nullptr);
 }
 
 TEST_F(VirtualJoystick, AxesSlidersAndButtonsReadTheirRanges) {
@@ -123,12 +126,6 @@ TEST_F(VirtualJoystick, UnplugLeavesTheOffsetAndReplugBindsAgain) {
   ASSERT_NE(device, nullptr);
   EXPECT_EQ(gas->source, Named("Axis 3 (Z)"));
   EXPECT_FALSE(DriverList::Instance().IsWaiting(gas));
-}
-
-TEST_F(VirtualJoystick, NoHapticMeansNoEffect) {
-  Control* axis = Named("Axis 1 (X)");
-  EXPECT_FALSE(axis->SupportsForceFeedback());
-  EXPECT_EQ(axis->CreateForceFeedbackEffect(FFEffect::kSine), nullptr);
 }
 
 TEST(LinuxDriver, IsRegisteredWithTheKeyboard) {
