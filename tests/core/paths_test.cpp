@@ -10,6 +10,7 @@ namespace {
 using testing_support::ScopedEnv;
 
 struct Kind {
+  const char* root;
   const char* kind;
   const char* path;
 };
@@ -17,24 +18,20 @@ struct Kind {
 class GetPathKinds : public testing::TestWithParam<Kind> {};
 
 TEST_P(GetPathKinds, AnswersBelowTheRoot) {
-  ScopedEnv root("RIGWORKS_ROOT", "/opt/rw");
+  ScopedEnv root("RIGWORKS_ROOT", GetParam().root);
   EXPECT_EQ(GetPath(GetParam().kind), GetParam().path);
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, GetPathKinds,
-                         testing::Values(Kind{"data", "/opt/rw/rigworks/data"},
-                                         Kind{"plugin", "/opt/rw/rigworks/plugins/linux/x64"},
-                                         Kind{"doc", "/opt/rw/rigworks/doc"}, Kind{"prm", "/opt/rw/rigworks/prm"},
-                                         Kind{"", "/opt/rw/rigworks"}, Kind{"rgw", "/opt/rw/rigworks"},
+                         testing::Values(Kind{"/opt/rw", "data", "/opt/rw/rigworks/data"},
+                                         Kind{"/opt/rw", "plugin", "/opt/rw/rigworks/plugins/linux/x64"},
+                                         Kind{"/opt/rw", "doc", "/opt/rw/rigworks/doc"},
+                                         Kind{"/opt/rw", "prm", "/opt/rw/rigworks/prm"},
+                                         Kind{"/opt/rw", "", "/opt/rw/rigworks"}, Kind{"/opt/rw", "rgw", "/opt/rw/rigworks"},
                                          // Names compare exactly: anything else is the root.
-                                         Kind{"Data", "/opt/rw"}, Kind{"images", "/opt/rw"}));
-
-TEST(GetPath, NoRootGivesEmptyAnswers) {
-  ScopedEnv root("RIGWORKS_ROOT", "");
-  EXPECT_EQ(GetPath("data"), "");
-  EXPECT_EQ(GetPath("rgw"), "");
-  EXPECT_EQ(GetPath("other"), "");
-}
+                                         Kind{"/opt/rw", "Data", "/opt/rw"}, Kind{"/opt/rw", "images", "/opt/rw"},
+                                         // No root gives empty answers.
+                                         Kind{"", "data", ""}, Kind{"", "rgw", ""}, Kind{"", "other", ""}));
 
 TEST(GetPath, WithoutTheVariableTheRootIsAboveTheExecutable) {
   ScopedEnv unset("RIGWORKS_ROOT", nullptr);
@@ -44,13 +41,12 @@ TEST(GetPath, WithoutTheVariableTheRootIsAboveTheExecutable) {
   EXPECT_EQ(GetPath("data"), root + "/rigworks/data");
 }
 
-TEST(GetUserFolder, FollowsTheXdgDataHome) {
-  ScopedEnv dataHome("XDG_DATA_HOME", "/tmp/xdg");
-  EXPECT_EQ(GetUserFolder(), "/tmp/xdg/rigworks");
-  EXPECT_EQ(GetCoreDataFolder(), "/tmp/xdg/rigworks/data/core");
-}
-
-TEST(GetUserFolder, DefaultsBelowHome) {
+TEST(GetUserFolder, FollowsTheXdgDataHomeOrDefaultsBelowHome) {
+  {
+    ScopedEnv dataHome("XDG_DATA_HOME", "/tmp/xdg");
+    EXPECT_EQ(GetUserFolder(), "/tmp/xdg/rigworks");
+    EXPECT_EQ(GetCoreDataFolder(), "/tmp/xdg/rigworks/data/core");
+  }
   ScopedEnv dataHome("XDG_DATA_HOME", nullptr);
   ScopedEnv home("HOME", "/home/anim");
   EXPECT_EQ(GetUserFolder(), "/home/anim/.local/share/rigworks");

@@ -41,11 +41,7 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
   EXPECT_EQ(factory->GetChild("item").GetText(), "0");
   EXPECT_TRUE(plugin->ConfigProfiles().IsReadOnly("factory settings"));
   EXPECT_NE(plugin->InputProfiles().Find("Start Profile"), nullptr);
-}
-
-TEST(Plugin, AliasesAndCategories) {
-  CoreLibrary library(testing_support::TestTools());
-  Plugin* plugin = library.FindTool("TestTool");
+  // A tool without former names answers to its own only, and exactly.
   EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"TestTool"});
   EXPECT_EQ(plugin->GetCategories(), std::vector<std::string>{"Camera"});
   EXPECT_TRUE(plugin->IsCreatable());

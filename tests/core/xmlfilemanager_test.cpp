@@ -62,17 +62,6 @@ TEST_F(Profiles, APageProfileKeepsEveryBitThroughAFile) {
   EXPECT_EQ(std::memcmp(&back, &value, sizeof value), 0);
 }
 
-TEST_F(Profiles, FactorySettingsCannotBeChanged) {
-  XMLFileManager manager = Config();
-  util::xml::Element profile;
-  profile.ParseText("<configprofile version=\"2.0\"/>");
-  ASSERT_EQ(manager.Store(profile, "Factory Settings", false), "");
-  manager.SetReadOnly("Factory Settings");
-  EXPECT_EQ(manager.Store(profile, "factory settings", true), XMLFileManager::kReadOnly);
-  EXPECT_EQ(manager.Rename("Factory Settings", "Mine"), XMLFileManager::kCannotRename);
-  EXPECT_EQ(manager.Delete("Factory Settings"), XMLFileManager::kReadOnly);
-}
-
 TEST_F(Profiles, StoreRenameDeleteAndTheirMessages) {
   Write("install/configprofile.xml", "<profiles><configprofile version=\"2.0\" name=\"Example\"/></profiles>");
   XMLFileManager manager = Config();
@@ -93,6 +82,12 @@ TEST_F(Profiles, StoreRenameDeleteAndTheirMessages) {
   EXPECT_EQ(manager.Delete("Yours"), "");
   EXPECT_EQ(manager.Find("Yours"), nullptr);
   EXPECT_EQ(manager.Delete("Yours"), XMLFileManager::kSelect);
+  // The factory settings cannot be changed.
+  ASSERT_EQ(manager.Store(profile, "Factory Settings", false), "");
+  manager.SetReadOnly("Factory Settings");
+  EXPECT_EQ(manager.Store(profile, "factory settings", true), XMLFileManager::kReadOnly);
+  EXPECT_EQ(manager.Rename("Factory Settings", "Mine"), XMLFileManager::kCannotRename);
+  EXPECT_EQ(manager.Delete("Factory Settings"), XMLFileManager::kReadOnly);
 }
 
 TEST_F(Profiles, ImportAndExportOfInputProfiles) {
