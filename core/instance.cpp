@@ -201,7 +201,10 @@ void Instance::Delete(bool withNodes) {
       for (CoreNode* child : children.nodes) child->Delete(true);
       (*it)->Delete(true);
     } else {
+      // The node stays in the scene; its wrapper is this instance's to free,
+      // after the tool that still holds it.
       (*it)->Release();
+      unplugged_.emplace_back(*it);
     }
   }
   adaptor_->RedrawScene();

@@ -223,6 +223,8 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   std::string inputProfileName_ = "Factory Settings";
   Run run_ = Run::kIdle;
   std::vector<std::pair<const void*, CoreNode*>> lent_;
+  // The wrappers of nodes an unplug left in the scene.
+  std::vector<std::unique_ptr<CoreNode>> unplugged_;
 };
 
 }  // namespace vuk::rgw::core
