@@ -200,7 +200,6 @@ TEST_F(InstanceRun, DeleteWithAndWithoutNodes) {
   instance->Delete(false);
   EXPECT_TRUE(static_cast<CoreNode*>(kept)->IsExternal());
   EXPECT_EQ(instance->FindNode("Cam"), nullptr);
-  static_cast<CoreNode*>(kept)->DestroySelf();
   instance->CreateCameraNode("Gone", nullptr, nullptr);
   instance->Delete(true);
   EXPECT_EQ(instance->FindNode("Gone"), nullptr);
