@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "tests/core/scopedenv.h"
 
 namespace vuk::rgw::core {
@@ -9,29 +11,20 @@ namespace {
 
 using testing_support::ScopedEnv;
 
-struct Kind {
-  const char* root;
-  const char* kind;
-  const char* path;
-};
-
-class GetPathKinds : public testing::TestWithParam<Kind> {};
-
-TEST_P(GetPathKinds, AnswersBelowTheRoot) {
-  ScopedEnv root("RIGWORKS_ROOT", GetParam().root);
-  EXPECT_EQ(GetPath(GetParam().kind), GetParam().path);
+TEST(GetPath, AnswersBelowTheRoot) {
+  const std::tuple<const char*, const char*, const char*> table[] = {
+      {"/opt/rw", "data", "/opt/rw/rigworks/data"}, {"/opt/rw", "plugin", "/opt/rw/rigworks/plugins/linux/x64"},
+      {"/opt/rw", "doc", "/opt/rw/rigworks/doc"},   {"/opt/rw", "prm", "/opt/rw/rigworks/prm"},
+      {"/opt/rw", "", "/opt/rw/rigworks"},          {"/opt/rw", "rgw", "/opt/rw/rigworks"},
+      // Names compare exactly: anything else is the root.
+      {"/opt/rw", "Data", "/opt/rw"}, {"/opt/rw", "images", "/opt/rw"},
+      // No root gives empty answers.
+      {"", "data", ""}, {"", "rgw", ""}, {"", "other", ""}};
+  for (const auto& [root, kind, path] : table) {
+    ScopedEnv variable("RIGWORKS_ROOT", root);
+    EXPECT_EQ(GetPath(kind), path) << root << " " << kind;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(Table, GetPathKinds,
-                         testing::Values(Kind{"/opt/rw", "data", "/opt/rw/rigworks/data"},
-                                         Kind{"/opt/rw", "plugin", "/opt/rw/rigworks/plugins/linux/x64"},
-                                         Kind{"/opt/rw", "doc", "/opt/rw/rigworks/doc"},
-                                         Kind{"/opt/rw", "prm", "/opt/rw/rigworks/prm"},
-                                         Kind{"/opt/rw", "", "/opt/rw/rigworks"}, Kind{"/opt/rw", "rgw", "/opt/rw/rigworks"},
-                                         // Names compare exactly: anything else is the root.
-                                         Kind{"/opt/rw", "Data", "/opt/rw"}, Kind{"/opt/rw", "images", "/opt/rw"},
-                                         // No root gives empty answers.
-                                         Kind{"", "data", ""}, Kind{"", "rgw", ""}, Kind{"", "other", ""}));
 
 TEST(GetPath, WithoutTheVariableTheRootIsAboveTheExecutable) {
   ScopedEnv unset("RIGWORKS_ROOT", nullptr);
