@@ -1,7 +1,6 @@
 #include "core/instance.h"
 
 #include <fstream>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
@@ -192,27 +191,13 @@ TEST_F(InstanceRun, InputProfilesBindWhatIsThereAndWaitForTheRest) {
 
 TEST_F(InstanceRun, DeleteWithAndWithoutNodes) {
   CNode* kept = instance->CreateCameraNode("Cam", nullptr, nullptr);
+  EXPECT_EQ(instance->NodeNames(), std::vector<std::string>{"Cam"});
   instance->Delete(false);
   EXPECT_TRUE(static_cast<CoreNode*>(kept)->IsExternal());
   EXPECT_EQ(instance->FindNode("Cam"), nullptr);
   instance->CreateCameraNode("Gone", nullptr, nullptr);
   instance->Delete(true);
   EXPECT_EQ(instance->FindNode("Gone"), nullptr);
-}
-
-// The channels' listing is the command line's "scene show".
-TEST_F(InstanceRun, ListsItsNumbersAndNodes) {
-  std::vector<std::string> values;
-  for (const Instance::Value& value : instance->Values()) {
-    std::ostringstream text;
-    text << value.label << ' ' << value.minimum << ".." << value.maximum << " = " << value.value
-         << (value.whole ? " whole" : "");
-    values.push_back(text.str());
-  }
-  // The text box holds no number.
-  EXPECT_EQ(values, (std::vector<std::string>{"Speed 0..100 = 10", "Gears 1..6 = 5 whole", "Reverse 0..1 = 0 whole"}));
-  instance->CreateCameraNode("Cam", nullptr, nullptr);
-  EXPECT_EQ(instance->NodeNames(), std::vector<std::string>{"Cam"});
 }
 
 TEST_F(InstanceRun, SetValueTakesValuesInRangeAndTellsTheTool) {
@@ -231,10 +216,10 @@ TEST_F(InstanceRun, SetValueTakesValuesInRangeAndTellsTheTool) {
     const bool told = !*refusal && label != std::string("Speed");
     EXPECT_EQ(tool->changes, told ? std::vector<std::string>{label} : std::vector<std::string>{}) << label;
   }
-  // The refused values left the taken ones.
-  EXPECT_EQ(tool->speed, 55.5);
-  EXPECT_EQ(tool->gears, 1);
-  EXPECT_TRUE(tool->reverse);
+  // The refused values left the taken ones; the text box holds no number.
+  std::vector<double> values;
+  for (const Instance::Value& value : instance->Values()) values.push_back(value.value);
+  EXPECT_EQ(values, (std::vector<double>{55.5, 1, 1}));
 }
 
 // Saved tracks: Gas holds -2 at 0, Steer 0.5 at 0 and 1.5 at 1, Brake 9 at 0.

@@ -19,13 +19,7 @@ class ScopedEnv {
 
  private:
   // A null value unsets the variable.
-  void Put(const char* value) const {
-    if (value) {
-      setenv(name_.c_str(), value, 1);
-    } else {
-      unsetenv(name_.c_str());
-    }
-  }
+  void Put(const char* value) const { value ? setenv(name_.c_str(), value, 1) : unsetenv(name_.c_str()); }
 
   std::string name_;
   std::optional<std::string> old_;

@@ -3,14 +3,9 @@
 
 namespace {
 
-class ExternalCam : public vuk::rgw::CCamera {
- public:
-  using CCamera::CCamera;
-};
-
 class ExternalCamPlugin : public vuk::rgw::CCameraPlugin {
  public:
-  vuk::rgw::CCamera* CreateObject(vuk::rgw::CCamera::CreateParam& param) override { return new ExternalCam(param); }
+  vuk::rgw::CCamera* CreateObject(vuk::rgw::CCamera::CreateParam& param) override { return new vuk::rgw::CCamera(param); }
   std::string GetName() override { return "ExternalCam"; }
   std::string GetTitle() override { return "External Camera"; }
   std::string GetCategory() override { return "Camera"; }
