@@ -16,8 +16,19 @@ using testing_support::TestInstance;
 
 class Standalone : public testing::Test {
  protected:
+  // Keeps what a gather hands on and the box it shows, as "caption|style|text".
+  void CatchGather() {
+    adaptor.SetSceneLoader([this](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
+    adaptor.SetMessageBoxSink([this](const std::string& text, const std::string& caption, std::int32_t style) {
+      box = caption + "|" + std::to_string(style) + "|" + text;
+      return 0;
+    });
+  }
+
   StandaloneAdaptorInterface adaptor;
   Scene& scene = adaptor.GetScene();
+  std::string loaded = "none";
+  std::string box;
 };
 
 // The nominal rate is the contract's; here, what the host's clock does.
@@ -46,17 +57,16 @@ TEST_F(Standalone, SetTimeTruncatesToTicksAndTellsTheListener) {
 TEST_F(Standalone, HelperNodesStartAsWiresWithoutCulling) {
   TestInstance tool("Look01");
   core::CoreNode* node = adaptor.CreateMeshNode(&tool, "Target", nullptr, util::CMesh_Box(1, 2, 3), 0);
-  auto* standalone = static_cast<StandaloneNode*>(node);
-  EXPECT_TRUE(standalone->GetHostNode()->wireframe);
-  EXPECT_FALSE(standalone->GetHostNode()->backfaceCull);
-  EXPECT_EQ(standalone->GetHostNode()->mesh.vertices.size(), 8u);
+  SceneNode* host = static_cast<StandaloneNode*>(node)->GetHostNode();
+  EXPECT_TRUE(host->wireframe);
+  EXPECT_FALSE(host->backfaceCull);
   CSnapshot_Helper* helper = node->GetHelperSnapshot(0);
   ASSERT_NE(helper, nullptr);
   helper->SetWireframe(false);
   helper->SetBackfaceCull(true);
   node->ReleaseHelperSnapshot(helper);
-  EXPECT_FALSE(standalone->GetHostNode()->wireframe);
-  EXPECT_TRUE(standalone->GetHostNode()->backfaceCull);
+  EXPECT_FALSE(host->wireframe);
+  EXPECT_TRUE(host->backfaceCull);
   // A mesh snapshot casts rays in the object's own space.
   CSnapshot_Mesh* mesh = node->GetMeshSnapshot(0);
   double distance = 0;
@@ -119,32 +129,22 @@ std::string PluginText(const std::string& name) {
   return "<RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>" + name + "</name></RGT_Plugin>";
 }
 
-std::string CompressedMaster(const std::string& name, const std::string& parent, int childIndex) {
+// A node's tag with the tool's settings packed, as a host keeps them.
+std::string TagText(const std::string& name, const std::string& parent, int childIndex) {
   const std::string blob = util::Base64::Encode(util::CompressedBlock::Pack(PluginText(name)));
-  return "<masternode><parent>" + parent + "</parent><childindex>" + std::to_string(childIndex) +
-         "</childindex><RGT_Plugin compressed=\"1\">" + blob + "</RGT_Plugin></masternode>";
+  return "<RGT_tag><name>" + name + "</name><objectname>Cam</objectname><masternode><parent>" + parent +
+         "</parent><childindex>" + std::to_string(childIndex) + "</childindex><RGT_Plugin compressed=\"1\">" + blob +
+         "</RGT_Plugin></masternode></RGT_tag>";
 }
 
 TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
   // Two merges of one scene: every tag twice.
   for (int copy = 0; copy < 2; ++copy) {
-    SceneNode* a = scene.CreateNode(ObjectKind::kEmpty, "A");
-    a->properties["RGT_tag"] = "<RGT_tag><name>Parent</name><objectname>Cam</objectname>" +
-                               CompressedMaster("Parent", "", 0) + "</RGT_tag>";
-    SceneNode* b = scene.CreateNode(ObjectKind::kEmpty, "B");
-    b->properties["RGT_tag"] = "<RGT_tag><name>Second</name><objectname>Cam</objectname>" +
-                               CompressedMaster("Second", "Parent", 1) + "</RGT_tag>";
-    SceneNode* c = scene.CreateNode(ObjectKind::kEmpty, "C");
-    c->properties["RGT_tag"] = "<RGT_tag><name>First</name><objectname>Cam</objectname>" +
-                               CompressedMaster("First", "Parent", 0) + "</RGT_tag>";
+    scene.CreateNode(ObjectKind::kEmpty, "A")->properties["RGT_tag"] = TagText("Parent", "", 0);
+    scene.CreateNode(ObjectKind::kEmpty, "B")->properties["RGT_tag"] = TagText("Second", "Parent", 1);
+    scene.CreateNode(ObjectKind::kEmpty, "C")->properties["RGT_tag"] = TagText("First", "Parent", 0);
   }
-  std::string loaded;
-  adaptor.SetSceneLoader([&](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
-  std::string box;
-  adaptor.SetMessageBoxSink([&](const std::string& text, const std::string& caption, std::int32_t style) {
-    box = caption + "|" + std::to_string(style) + "|" + text;
-    return 0;
-  });
+  CatchGather();
   adaptor.GatherScene();
   EXPECT_EQ(loaded, "<RGT><RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>Parent</name>" + PluginText("First") +
                         PluginText("Second") + "</RGT_Plugin></RGT>");
@@ -162,16 +162,10 @@ TEST_F(Standalone, GatherKeepsTagsWithoutALoaderAndHandsOnAnEmptyTreeWithoutTags
   EXPECT_EQ(a->properties["RGT_tag"], "<RGT_tag><name>T</name></RGT_tag>");
 
   a->properties.erase("RGT_tag");
-  std::string loaded = "none";
-  adaptor.SetSceneLoader([&](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
-  bool shown = false;
-  adaptor.SetMessageBoxSink([&](const std::string&, const std::string&, std::int32_t) {
-    shown = true;
-    return 0;
-  });
+  CatchGather();
   adaptor.GatherScene();
   EXPECT_EQ(loaded, "<RGT/>");
-  EXPECT_FALSE(shown);
+  EXPECT_EQ(box, "");
 }
 
 TEST_F(Standalone, RecordingPinsAKeyOnEveryLiveNodeOfTheInstances) {
