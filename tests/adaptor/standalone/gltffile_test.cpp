@@ -147,14 +147,15 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(GltfFile, ACycleInTheFileIsTakenOnce) {
   const std::string path = Temp("cycle.gltf");
-  std::ofstream(path) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],
-    "nodes":[{"name":"A","children":[1]},{"name":"B","children":[0]}]})";
+  std::ofstream(path) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0,2]}],
+    "nodes":[{"name":"A","children":[1]},{"name":"B","children":[0]},{"name":"C"}]})";
   Scene scene;
   std::string error;
   ASSERT_TRUE(GltfFile().Load(path, scene, &error)) << error;
   std::string order;
   scene.Walk([&](SceneNode& node) { order += node.hostName + " "; });
-  EXPECT_EQ(order, "Scene Root A B ");
+  // Parents first, each with its children before its next sibling.
+  EXPECT_EQ(order, "Scene Root A B C ");
 }
 
 }  // namespace

