@@ -25,10 +25,6 @@ TEST(Device, DetectsTheLargestMoveBeyondTheThreshold) {
   EXPECT_EQ(device.DetectControl({device.GetControl(1)}), device.GetControl(3));
   // Nothing moves: null.
   EXPECT_EQ(device.DetectControl({}), nullptr);
-  // A tie: the first stands.
-  device.Queue(1, 0.9);
-  device.Queue(3, -0.2);
-  EXPECT_EQ(device.DetectControl({}), device.GetControl(1));
 }
 
 TEST(Driver, DetectionComparesTheDevicesAnswers) {
@@ -43,8 +39,6 @@ TEST(Driver, DetectionComparesTheDevicesAnswers) {
   a->Queue(0, 0.0);   // moves 0.75
   b->Queue(1, 0.25);  // moves 0.75 too: the first device's answer stands
   EXPECT_EQ(driver.DetectControl({}), a->GetControl(0));
-  EXPECT_EQ(driver.GetDevice(2), nullptr);
-  EXPECT_EQ(a->GetControl(-1), nullptr);
 }
 
 TEST(Control, SavedFormAndMatching) {

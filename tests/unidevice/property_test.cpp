@@ -39,14 +39,12 @@ TEST_P(PropertyEvaluate, ShapesTheControlValue) {
 // scaled and offset.
 INSTANTIATE_TEST_SUITE_P(
     Table, PropertyEvaluate,
-    testing::Values(Shaping{1.0, 0.1, 1.0, 1.0, 0.0, 1.0},          // full deflection stays 1
-                    Shaping{0.55, 0.1, 1.0, 1.0, 0.0, 0.5},         // halfway out of the dead zone
+    testing::Values(Shaping{0.55, 0.1, 1.0, 1.0, 0.0, 0.5},         // halfway out of the dead zone
                     Shaping{0.05, 0.1, 1.0, 1.0, 0.25, 0.25},       // inside: exactly the offset
                     Shaping{-0.1, 0.1, 1.0, 3.0, -0.5, -0.5},       // on the edge: still the offset
                     Shaping{-0.55, 0.1, 2.0, 1.0, 0.0, -0.25},      // exponent 2 keeps the sign
                     Shaping{-1.0, 0.0, 1.3, 2.0, 1.0, -1.0},        // -2 + 1
-                    Shaping{0.5, 0.0, 0.5, 1.0, 0.0, std::sqrt(0.5)},
-                    Shaping{0.0, 0.1, 1.0, 1.0, 0.0, 0.0}));
+                    Shaping{0.5, 0.0, 0.5, 1.0, 0.0, std::sqrt(0.5)}));
 
 TEST(Property, TheBindingFollowsItsControlAndFallsBackToTheOffset) {
   Control first;
