@@ -15,20 +15,12 @@ class Profiles : public testing::Test {
  protected:
   Profiles() { DriverList::Instance().Register(&driver); }
   ~Profiles() override { DriverList::Instance().Unregister(&driver); }
-
-  TestDevice* Plug(const std::string& name) {
-    auto* device = new TestDevice(name, 3, "Axis");
-    device->deviceIndex = driver.NextDeviceIndex(name);
-    driver.AddDevice(device);
-    DriverList::Instance().DeviceAdded(device);
-    return device;
-  }
-
   Driver driver{"test"};
 };
 
 TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
-  TestDevice* pad = Plug("Pad");
+  auto* pad = new TestDevice("Pad", 3, "Axis");
+  driver.AddDevice(pad);
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
   EXPECT_EQ(handler.Add("Steering"), steering);
@@ -45,7 +37,6 @@ TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
   // The numbers are checked by saving again, byte for byte.
   EXPECT_EQ(again->source, pad->GetControl(1));
   EXPECT_EQ(back.Find("Gas")->source, nullptr);
-  EXPECT_EQ(back.Find("Brake"), nullptr);
   EXPECT_EQ(back.SaveProfile("Racing").Write(), profile.Write());
 }
 
@@ -67,11 +58,9 @@ TEST_F(Profiles, AWaitingBindingKeepsItsTextAndReadsTheOffset) {
 }
 
 TEST_F(Profiles, BadNumbersKeepTheCurrentValues) {
-  util::xml::Element property;
-  property.ParseText("<property name=\"Steering\"><exponent>fast</exponent><deadzone>0.2</deadzone></property>");
   util::xml::Element profile;
-  profile.ParseText("<profile name=\"x\"/>");
-  profile.AddChild(property);
+  profile.ParseText("<profile name=\"x\"><property name=\"Steering\"><exponent>fast</exponent><deadzone>0.2</deadzone>"
+                    "</property></profile>");
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
   handler.LoadProfile(profile);
