@@ -32,7 +32,6 @@ TEST_P(PropertyEvaluate, ShapesTheControlValue) {
   property.offset = s.offset;
   property.Bind(&control);
   EXPECT_DOUBLE_EQ(property.Evaluate(), s.expected);
-  property.Bind(nullptr);
 }
 
 // Expected values worked out from (|x| - dz) / (1 - dz), raised, signed,
@@ -57,7 +56,6 @@ TEST(Property, TheBindingFollowsItsControlAndFallsBackToTheOffset) {
     property.Bind(&second);
     EXPECT_TRUE(first.targets.empty());
     ASSERT_EQ(second.targets.size(), 1u);
-    EXPECT_NE(property.Evaluate(), -0.2);
   }
   EXPECT_EQ(property.source, nullptr);
   EXPECT_EQ(property.Evaluate(), -0.2);
