@@ -104,12 +104,9 @@ TEST(MeshRayTree, AgreesWithBruteForce) {
   std::uniform_real_distribution<double> uniform(-5, 5);
   util::CMesh mesh;
   for (int i = 0; i < 600; ++i) mesh.vertices.push_back({uniform(random), uniform(random), uniform(random)});
-  for (int i = 0; i < 600; ++i) {
-    for (int k = 0; k < 3; ++k) mesh.faces.push_back(static_cast<std::int32_t>(random() % 600));
-  }
+  for (int i = 0; i < 3 * 600; ++i) mesh.faces.push_back(static_cast<std::int32_t>(random() % 600));
   const MeshRayTree tree(mesh);
   util::CMesh single;
-  single.vertices.resize(3);
   single.faces = {0, 1, 2};
   int hits = 0;
   for (int ray = 0; ray < 300; ++ray) {

@@ -9,46 +9,31 @@
 namespace vuk::rgw::testing_support {
 namespace {
 
-using adaptor::standalone::StandaloneNode;
-
 // What a tool reaches through its instance: snapshots lent and taken back,
 // and handles or saved data that are not there.
-class ThroughTheInstance : public testing::Test {
- protected:
-  void SetUp() override {
-    CCamera::CreateParam param("TestTool01");
-    instance = std::make_unique<core::Instance>(&plugin, plugin.Create(param), "TestTool01", &adaptor);
-    tool = static_cast<TestTool*>(instance->GetTool());
-    ASSERT_EQ(tool->BuildConfig(), 0);
-    ASSERT_EQ(tool->Create(), 0);
-  }
-
+TEST(ThroughTheInstance, SnapshotsAreReusedAndMissingHandlesAndSaveDataAreHarmless) {
   adaptor::standalone::StandaloneAdaptorInterface adaptor;
   TestToolPlugin plugin;
-  std::unique_ptr<core::Instance> instance;
-  TestTool* tool = nullptr;
-};
-
-TEST_F(ThroughTheInstance, EveryFrameReusesOneSnapshotPerNode) {
+  CCamera::CreateParam param("TestTool01");
+  core::Instance instance(&plugin, plugin.Create(param), "TestTool01", &adaptor);
+  auto* tool = static_cast<TestTool*>(instance.GetTool());
+  ASSERT_EQ(tool->BuildConfig(), 0);
+  ASSERT_EQ(tool->Create(), 0);
   for (int frame = 0; frame < 10; ++frame) tool->Step(frame * adaptor.GetFrameDuration());
-  EXPECT_EQ(static_cast<StandaloneNode*>(tool->target)->TransformPoolSize(), 1u);
-  EXPECT_EQ(static_cast<StandaloneNode*>(tool->camera)->TransformPoolSize(), 1u);
-}
+  EXPECT_EQ(static_cast<adaptor::standalone::StandaloneNode*>(tool->camera)->TransformPoolSize(), 1u);
 
-TEST_F(ThroughTheInstance, NullHandlesAndMissingSaveDataAreHarmless) {
-  EXPECT_EQ(instance->GetTransformSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(instance->GetHelperSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(instance->GetMeshSnapshot(nullptr, 0), nullptr);
-  EXPECT_EQ(instance->GetLensSnapshot(nullptr, 0), nullptr);
-  instance->ReleaseTransformSnapshot(nullptr);
-  instance->ReleaseMeshSnapshot(nullptr);
-  instance->ReleaseNode(nullptr);
-
+  EXPECT_EQ(instance.GetTransformSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance.GetHelperSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance.GetMeshSnapshot(nullptr, 0), nullptr);
+  EXPECT_EQ(instance.GetLensSnapshot(nullptr, 0), nullptr);
+  instance.ReleaseTransformSnapshot(nullptr);
+  instance.ReleaseMeshSnapshot(nullptr);
+  instance.ReleaseNode(nullptr);
   std::int32_t length = -1;
-  EXPECT_EQ(instance->GetSaveData(&length), nullptr);
+  EXPECT_EQ(instance.GetSaveData(&length), nullptr);
   EXPECT_EQ(length, 0);
-  instance->SetSaveData("", 0);
-  EXPECT_NE(instance->GetSaveData(&length), nullptr);
+  instance.SetSaveData("", 0);
+  EXPECT_NE(instance.GetSaveData(&length), nullptr);
   EXPECT_EQ(length, 0);
 }
 
