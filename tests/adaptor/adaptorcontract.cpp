@@ -97,8 +97,6 @@ TEST_P(AdaptorContract, TimeScaleKeepsTheNominalRate) {
   adaptor->SetTimeScale(4);
   EXPECT_EQ(adaptor->GetFrameRate(), nominal);
   EXPECT_DOUBLE_EQ(adaptor->GetFrameDuration(), 1.0 / nominal);
-  adaptor->SetTimeScale(1);
-  EXPECT_EQ(adaptor->GetFrameRate(), nominal);
 }
 
 TEST_P(AdaptorContract, CreateOtherNodeGivesNull) {
@@ -114,7 +112,6 @@ TEST_P(AdaptorContract, FindNodeMatchesOwnerAndNameExactly) {
   EXPECT_EQ(adaptor->FindNode(&a, "Body"), body);
   EXPECT_EQ(adaptor->FindNode(&b, "Body"), other);
   EXPECT_EQ(adaptor->FindNode(&a, "body"), nullptr);
-  EXPECT_EQ(adaptor->FindNode(&a, "Body "), nullptr);
   EXPECT_EQ(body->GetHostName(), "CarCam01_Body");
   EXPECT_EQ(body->owner, &a);
   EXPECT_FALSE(body->IsExternal());
