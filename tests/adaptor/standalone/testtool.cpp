@@ -55,18 +55,16 @@ void TestTool::Start(double time) {
 }
 
 void TestTool::Step(double time) {
-  const util::Vector3<double> position = TargetAt(time);
+  const util::Vector3<double> position{speed * time, lift ? lift->Evaluate() : 0, 0};
   if (CSnapshot* snapshot = iface->GetTransformSnapshot(target, time)) {
     snapshot->SetWorldTransform(At(position));
     iface->ReleaseTransformSnapshot(snapshot);
   }
   if (CSnapshot* snapshot = iface->GetTransformSnapshot(camera, time)) {
-    snapshot->SetWorldTransform(At(CameraAt(time)));
+    snapshot->SetWorldTransform(At(position + util::Vector3<double>{0, 2, 5}));
     iface->ReleaseTransformSnapshot(snapshot);
   }
   path.Set(time, position);
 }
-
-void TestTool::Stop(double) {}
 
 }  // namespace vuk::rgw::testing_support

@@ -21,12 +21,7 @@ class TestTool : public CCamera, public CInterface::Callback {
   std::int32_t Load() override;
   void Start(double time) override;
   void Step(double time) override;
-  void Stop(double time) override;
-  void Changed(std::string label) override { changes.push_back(label); }
-
-  // Where the target is at a time, and where the camera stands then.
-  util::Vector3<double> TargetAt(double time) const { return {speed * time, lift ? lift->Evaluate() : 0, 0}; }
-  util::Vector3<double> CameraAt(double time) const { return TargetAt(time) + util::Vector3<double>{0, 2, 5}; }
+  void Changed(std::string) override {}
 
   CInterface::Property* lift = nullptr;
   double speed = 3.0;
@@ -34,7 +29,6 @@ class TestTool : public CCamera, public CInterface::Callback {
   CNode* target = nullptr;
   CNode* camera = nullptr;
   util::AVar_Nearest<util::Vector3<double>> path;
-  std::vector<std::string> changes;
 };
 
 class TestToolPlugin : public CCameraPlugin {
