@@ -90,13 +90,13 @@ TEST(Realizer, ControlsAndTheirModelsGoBothWays) {
   EXPECT_EQ(combo->count(), 3);
 
   Item top("RGT");
-  top.children.push_back(std::make_unique<Item>("LookAtCam_01"));
+  top.children.push_back(std::make_unique<Item>("TestTool_01"));
   auto* tree = dynamic_cast<component::Tree*>(root->FindComponentById(119));
   tree->SetRoot(&top);
   auto* view = widget->findChild<QTreeWidget*>();
   ASSERT_EQ(view->topLevelItemCount(), 1);
   QTreeWidgetItem* item = view->topLevelItem(0);
-  EXPECT_EQ(item->text(0), "LookAtCam_01");
+  EXPECT_EQ(item->text(0), "TestTool_01");
   EXPECT_EQ(item->checkState(1), Qt::Checked);
   listener.Connect(tree);
   item->setCheckState(2, Qt::Checked);
@@ -108,7 +108,7 @@ TEST(Realizer, ControlsAndTheirModelsGoBothWays) {
 TEST(Realizer, APopupSendsTheChosenId) {
   util::xml::Element element;
   element.ParseText("<popup><item id=\"1\" label=\"Configure\"/><separator/><item id=\"5\" label=\"Delete\"/>"
-                    "<menu label=\"Create\"><item id=\"1000\" label=\"LookAtCam\"/></menu></popup>");
+                    "<menu label=\"Create\"><item id=\"1000\" label=\"TestTool\"/></menu></popup>");
   std::unique_ptr<Component> root = BuildComponent(element);
   auto* popup = dynamic_cast<component::Menu*>(root.get());
   ASSERT_NE(popup, nullptr);

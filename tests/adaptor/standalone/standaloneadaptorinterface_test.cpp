@@ -108,7 +108,7 @@ TEST_F(Standalone, UndoOfCreationTellsTheTool) {
 }
 
 std::string PluginText(const std::string& name) {
-  return "<RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>" + name + "</name></RGT_Plugin>";
+  return "<RGT_Plugin version=\"2.5\"><type>TestTool</type><name>" + name + "</name></RGT_Plugin>";
 }
 
 // A node's tag with the tool's settings packed, as a host keeps them.
@@ -126,7 +126,7 @@ TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
   scene.CreateNode(ObjectKind::kEmpty, "C")->properties["RGT_tag"] = TagText("First", "Parent", 0);
   CatchGather();
   adaptor.GatherScene();
-  EXPECT_EQ(loaded, "<RGT><RGT_Plugin version=\"2.5\"><type>LookAtCam</type><name>Parent</name>" + PluginText("First") +
+  EXPECT_EQ(loaded, "<RGT><RGT_Plugin version=\"2.5\"><type>TestTool</type><name>Parent</name>" + PluginText("First") +
                         PluginText("Second") + "</RGT_Plugin></RGT>");
   // Nobody claimed the nodes: the box names each of them.
   EXPECT_EQ(box,
