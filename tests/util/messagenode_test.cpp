@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace vuk::util {
@@ -16,12 +17,18 @@ struct Received {
   MessageNode* sender;
   MessageNode* receiver;
   bool fromBroadcast;
+
+  bool operator==(const Received& o) const {
+    return std::tie(at, id, origin, sender, receiver, fromBroadcast) ==
+           std::tie(o.at, o.id, o.origin, o.sender, o.receiver, o.fromBroadcast);
+  }
 };
+using Log = std::vector<Received>;
 
 // A node that logs what reaches it and can run an action on arrival.
 class Probe : public MessageNode {
  public:
-  explicit Probe(std::vector<Received>* log = nullptr) : log_(log) {}
+  explicit Probe(Log* log = nullptr) : log_(log) {}
 
   void Receive(Message& message, bool fromBroadcast) override {
     if (log_) log_->push_back({this, message.id, message.origin, message.sender, message.receiver, fromBroadcast});
@@ -35,24 +42,19 @@ class Probe : public MessageNode {
   std::function<void(Message&)> onReceive;
 
  private:
-  std::vector<Received>* log_;
+  Log* log_;
 };
 
+bool Unrouted(const Message& m) { return !m.origin && !m.sender && !m.receiver; }
+
 TEST(MessageNode, ConnectAndDisconnectLinkBothWaysAndAnnounceThemselves) {
-  std::vector<Received> log;
+  Log log;
   Probe listener, source(&log);
   EXPECT_TRUE(listener.Connect(&source));
   EXPECT_TRUE(listener.Connect(&source));  // again: true, and nothing sent
   EXPECT_TRUE(listener.HasSource(&source));
   EXPECT_EQ(source.GetListener(0), &listener);
-  EXPECT_EQ(source.GetListenerCount(), 1u);
   EXPECT_EQ(source.GetListener(1), nullptr);
-  ASSERT_EQ(log.size(), 1u);
-  EXPECT_EQ(log[0].id, Message::kConnected);
-  EXPECT_EQ(log[0].origin, &listener);
-  EXPECT_EQ(log[0].sender, &listener);
-  EXPECT_EQ(log[0].receiver, &source);
-  EXPECT_FALSE(log[0].fromBroadcast);
   EXPECT_TRUE(source.Connect(&listener));  // a two-way conversation is two links
   EXPECT_TRUE(listener.HasListener(&source));
 
@@ -60,15 +62,11 @@ TEST(MessageNode, ConnectAndDisconnectLinkBothWaysAndAnnounceThemselves) {
   source.onReceive = [&](Message&) { linkedOnArrival = source.HasListener(&listener); };
   EXPECT_TRUE(listener.Disconnect(&source));
   EXPECT_TRUE(linkedOnArrival);
-  ASSERT_EQ(log.size(), 2u);
-  EXPECT_EQ(log[1].id, Message::kDisconnected);
-  EXPECT_EQ(log[1].origin, &listener);
-  EXPECT_FALSE(listener.HasSource(&source));
-  EXPECT_FALSE(source.HasListener(&listener));
+  EXPECT_FALSE(listener.HasSource(&source) || source.HasListener(&listener));
   EXPECT_TRUE(listener.Disconnect(&source));  // not connected: nothing to do
-  EXPECT_EQ(log.size(), 2u);
-  EXPECT_FALSE(listener.Connect(nullptr));
-  EXPECT_FALSE(listener.Disconnect(nullptr));
+  EXPECT_EQ(log, (Log{{&source, Message::kConnected, &listener, &listener, &source, false},
+                      {&source, Message::kDisconnected, &listener, &listener, &source, false}}));
+  EXPECT_FALSE(listener.Connect(nullptr) || listener.Disconnect(nullptr));
 }
 
 TEST(MessageNode, HalfLinksAreRefused) {
@@ -84,44 +82,29 @@ TEST(MessageNode, HalfLinksAreRefused) {
 }
 
 TEST(MessageNode, BroadcastCallsListenersLastToFirstAndRestoresRouting) {
-  std::vector<Received> log;
+  Log log;
   Probe hub, first(&log), second(&log), third(&log);
   for (Probe* p : {&first, &second, &third}) ASSERT_TRUE(p->Connect(&hub));
   Message message(42);
   hub.OriginateBroadcast(message);
-  ASSERT_EQ(log.size(), 3u);
-  const MessageNode* order[] = {&third, &second, &first};
-  for (int i = 0; i < 3; ++i) {
-    EXPECT_EQ(log[i].at, order[i]);
-    EXPECT_EQ(log[i].receiver, order[i]);
-    EXPECT_EQ(log[i].sender, &hub);
-    EXPECT_EQ(log[i].origin, &hub);
-    EXPECT_TRUE(log[i].fromBroadcast);
-  }
-  EXPECT_EQ(message.origin, nullptr);
-  EXPECT_EQ(message.sender, nullptr);
-  EXPECT_EQ(message.receiver, nullptr);
-  log.clear();
-  hub.Broadcast(message);
-  EXPECT_EQ(log[0].origin, nullptr);
+  EXPECT_EQ(log, (Log{{&third, 42, &hub, &hub, &third, true},
+                      {&second, 42, &hub, &hub, &second, true},
+                      {&first, 42, &hub, &hub, &first, true}}));
+  EXPECT_TRUE(Unrouted(message));
 }
 
 // A listener may disconnect itself, or others, while being called; nobody is
 // called twice and those removed before their turn aren't called.
 TEST(MessageNode, ListenersMayDisconnectDuringBroadcast) {
-  std::vector<Received> log;
+  Log log;
   Probe hub, first(&log), second(&log), third(&log);
   for (Probe* p : {&first, &second, &third}) ASSERT_TRUE(p->Connect(&hub));
+  auto heard = [&hub](Probe* at, std::int32_t id) { return Received{at, id, nullptr, &hub, at, true}; };
   second.onReceive = [&](Message& m) {
     if (m.id == 7) second.Disconnect(&hub);
   };
-  log.clear();
   Message itself(7);
   hub.Broadcast(itself);
-  ASSERT_EQ(log.size(), 3u);
-  EXPECT_EQ(log[0].at, &third);
-  EXPECT_EQ(log[1].at, &second);
-  EXPECT_EQ(log[2].at, &first);
   EXPECT_FALSE(hub.HasListener(&second));
 
   ASSERT_TRUE(second.Connect(&hub));  // now the last, so called first
@@ -130,36 +113,27 @@ TEST(MessageNode, ListenersMayDisconnectDuringBroadcast) {
     first.Disconnect(&hub);
     third.Disconnect(&hub);
   };
-  log.clear();
   Message others(9);
   hub.Broadcast(others);
-  ASSERT_EQ(log.size(), 1u);
-  EXPECT_EQ(log[0].at, &second);
+  EXPECT_EQ(log, (Log{heard(&third, 7), heard(&second, 7), heard(&first, 7), heard(&second, 9)}));
   EXPECT_EQ(hub.GetListenerCount(), 1u);
 }
 
 TEST(MessageNode, NestedSendRestoresRoutingFields) {
-  std::vector<Received> log;
+  Log log;
   Probe a, b(&log), c(&log);
   b.onReceive = [&](Message& message) { b.Send(&c, message); };
   Message message(5, 6, 7);
   a.Originate(&b, message);
-  ASSERT_EQ(log.size(), 2u);
-  EXPECT_EQ(log[0].sender, &a);
-  EXPECT_EQ(log[1].sender, &b);
-  EXPECT_EQ(log[1].receiver, &c);
-  EXPECT_EQ(log[1].origin, &a);
-  EXPECT_EQ(message.origin, nullptr);
-  EXPECT_EQ(message.sender, nullptr);
-  EXPECT_EQ(message.receiver, nullptr);
-  EXPECT_EQ(message.value, 6);
-  EXPECT_EQ(message.data, 7u);
+  EXPECT_EQ(log, (Log{{&b, 5, &a, &a, &b, false}, {&c, 5, &a, &b, &c, false}}));
+  EXPECT_TRUE(Unrouted(message));
+  EXPECT_TRUE(message.value == 6 && message.data == 7u);
   a.Send(nullptr, message);
   EXPECT_EQ(log.size(), 2u);
 }
 
 TEST(MessageNode, DestructionDetachesBothWaysAndCopyConnectionsReplacesOwnLinks) {
-  std::vector<Received> log;
+  Log log;
   Probe upstream(&log), downstream(&log);
   {
     Probe middle;
@@ -167,8 +141,7 @@ TEST(MessageNode, DestructionDetachesBothWaysAndCopyConnectionsReplacesOwnLinks)
     ASSERT_TRUE(downstream.Connect(&middle));
     log.clear();
   }
-  EXPECT_EQ(upstream.GetListenerCount(), 0u);
-  EXPECT_EQ(downstream.GetSourceCount(), 0u);
+  EXPECT_EQ(upstream.GetListenerCount() + downstream.GetSourceCount(), 0u);
   ASSERT_EQ(log.size(), 1u);  // the source hears of it; the dying node can't
   EXPECT_EQ(log[0].at, &upstream);
   EXPECT_EQ(log[0].id, Message::kDisconnected);
