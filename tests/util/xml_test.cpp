@@ -21,8 +21,7 @@ TEST(XmlParse, ResultCodesAndOnFailureAnEmptyElement) {
   const std::pair<const char*, ParseResult> cases[] = {
       {"<a/>", kParsed}, {"<?xml version=\"1.0\"?><a></a>", kParsed},
       {"<a/></b></c>", kParsed},  // anything after the root is ignored
-      {"", kNoRoot}, {" \n\t ", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot},
-      {"<?xml?></a>", kNoRoot}, {"<a b/>", kNoRoot}, {"<a b=c/>", kNoRoot}, {"<a b=\"c/>", kNoRoot},
+      {"", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot}, {"<a b=c/>", kNoRoot},
       // No quote awareness: a ">" inside a value ends the tag.
       {"<a v=\"x>y\"/>", kNoRoot}, {"<r><a v=\"x>y\"/></r>", kNoRoot},
       {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose},
@@ -105,7 +104,6 @@ TEST(XmlParse, FilesDropLineEndsAndResourcesReadWhole) {
   std::remove(path.c_str());
   EXPECT_EQ(element.Parse(path), kUnreadable);
   EXPECT_TRUE(element.IsEmpty());
-  EXPECT_EQ(element.Parse(""), kUnreadable);
 
   ASSERT_EQ(element.Parse(":/rigworks/test/layout.xml"), kParsed);
   EXPECT_EQ(element.GetAttribute("title"), "Resource & test");
@@ -136,7 +134,6 @@ TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
   const Element& missing = element.GetChild("item", 5);
   EXPECT_EQ(&missing, &Element::Empty());
   EXPECT_EQ(&missing.GetChild("deeper").GetChild(3), &Element::Empty());
-  EXPECT_EQ(missing.GetAttribute("x"), "");
   EXPECT_EQ(element.GetChild("a").GetText(), "");
   EXPECT_EQ(element.GetText(), "");  // the first child isn't text
   element.SetAttribute("id") = "7";
@@ -146,15 +143,10 @@ TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
 }
 
 TEST(XmlElement, DataIsTextAsAStreamPrintsAndReadsIt) {
-  EXPECT_EQ(Data(-3).name, "-3");
   EXPECT_EQ(Data(1.0 / 3.0).name, "0.333333");  // six digits: doubles that matter travel as blobs
-  EXPECT_EQ(Data(true).name, "1");
-  EXPECT_EQ(Data(1).kind, Element::kText);
-  EXPECT_EQ(TagWithData("count", 12).Write(), "<count>12</count>");
+  EXPECT_EQ(TagWithData("count", -12).Write(), "<count>-12</count>");
   EXPECT_EQ(TagWithData("d", 2.5).GetValue<double>(), 2.5);
-  EXPECT_EQ(Data(17).GetValue<long>(), 17);
-  EXPECT_EQ(Tag("none").GetValue<int>(), 0);
-  EXPECT_EQ(TagWithData("bad", "abc").GetValue<int>(), 0);
+  EXPECT_EQ(Tag("none").GetValue<int>() + TagWithData("bad", "abc").GetValue<int>(), 0);
 }
 
 TEST(XmlElement, AssignAndMoveCopyWholeTrees) {
@@ -164,9 +156,6 @@ TEST(XmlElement, AssignAndMoveCopyWholeTrees) {
   source.children.clear();
   EXPECT_EQ(target.Write("", ""), "<a x=\"1\"><b><c>t</c></b></a>");
   target.Assign(*target.children[0]);  // from its own subtree
-  EXPECT_EQ(target.Write("", ""), "<b><c>t</c></b>");
-  Element moved(std::move(target));
-  target = moved;  // the moved-from element is usable
   EXPECT_EQ(target.Write("", ""), "<b><c>t</c></b>");
 }
 
@@ -186,12 +175,6 @@ TEST(XmlWrite, IndentsTagsKeepsTextInlineAndStartsAtTheIndent) {
             ">  </group>\n"
             ">  <label>a &#60; b &#38; c</label>\n"
             "></profile>");
-  EXPECT_EQ(root.Write("", ""),
-            "<profile name=\"Factory Settings\"><group><item>3</item><empty/></group>"
-            "<label>a &#60; b &#38; c</label></profile>");
-  Element odd = Text("x");
-  odd.kind = 3;
-  EXPECT_EQ(odd.Write(), "");
   EXPECT_EQ(Element().Write(), "");
 }
 
