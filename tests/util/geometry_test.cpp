@@ -7,6 +7,7 @@
 #include <random>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "util/matrix.h"
 #include "util/mesh.h"
@@ -292,10 +293,8 @@ void ExpectWellFormed(const CMesh& mesh) {
 
 TEST(MeshBox, CornersGoXFirstThenYThenZUnderTwelveTriangles) {
   const CMesh_Box box(2, 4, 6);
-  const V expected[8] = {{-1, -2, -3}, {1, -2, -3}, {-1, 2, -3}, {1, 2, -3},
-                         {-1, -2, 3},  {1, -2, 3},  {-1, 2, 3},  {1, 2, 3}};
-  ASSERT_EQ(box.vertices.size(), 8u);
-  for (int i = 0; i < 8; ++i) EXPECT_EQ(box.vertices[i], expected[i]) << "corner " << i;
+  EXPECT_EQ(box.vertices, (std::vector<V>{{-1, -2, -3}, {1, -2, -3}, {-1, 2, -3}, {1, 2, -3},
+                                          {-1, -2, 3}, {1, -2, 3}, {-1, 2, 3}, {1, 2, 3}}));
   EXPECT_EQ(box.faces.size(), 36u);
   ExpectWellFormed(box);
 }
@@ -326,13 +325,9 @@ TEST(MeshCylinder, TwoRingsOnTheShortCircleWithCaps) {
 auto AllButVertices(const CMesh& mesh) { return std::tie(mesh.textureVertices, mesh.faces, mesh.textureFaces); }
 
 TEST(MeshCopy, TransformingCopyMovesOnlyTheVertices) {
-  // A quarter turn about Y (X goes to -Z, Z goes to X), then a move.
-  Matrix<double> m;
-  m.SetAxis(0, {0, 0, -1});
-  m.SetAxis(2, {1, 0, 0});
-  m.SetTranslation({10, 20, 30});
   const CMesh_Box box(2, 4, 6);
-  const CMesh moved(box, m);
+  // A quarter turn about Y (X goes to -Z, Z goes to X), then a move.
+  const CMesh moved(box, FromAxes({0, 0, -1}, {0, 1, 0}, {1, 0, 0}, {10, 20, 30}));
   EXPECT_EQ(moved.vertices[1], V(7, 18, 29));   // from (1, -2, -3)
   EXPECT_EQ(moved.vertices[6], V(13, 22, 31));  // from (-1, 2, 3)
   EXPECT_TRUE(AllButVertices(moved) == AllButVertices(box));

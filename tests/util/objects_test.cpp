@@ -17,19 +17,8 @@
 namespace vuk::util {
 namespace {
 
-struct Received {
-  MessageNode* at;
-  std::int32_t id;
-  MessageNode* origin;
-  MessageNode* sender;
-  MessageNode* receiver;
-  bool fromBroadcast;
-
-  bool operator==(const Received& o) const {
-    return std::tie(at, id, origin, sender, receiver, fromBroadcast) ==
-           std::tie(o.at, o.id, o.origin, o.sender, o.receiver, o.fromBroadcast);
-  }
-};
+// Where a message arrived, its id, origin, sender and receiver, and whether it came by broadcast.
+using Received = std::tuple<MessageNode*, std::int32_t, MessageNode*, MessageNode*, MessageNode*, bool>;
 using Log = std::vector<Received>;
 
 // A node that logs what reaches it and can run an action on arrival.
@@ -38,7 +27,7 @@ class Probe : public MessageNode {
   explicit Probe(Log* log = nullptr) : log_(log) {}
 
   void Receive(Message& message, bool fromBroadcast) override {
-    if (log_) log_->push_back({this, message.id, message.origin, message.sender, message.receiver, fromBroadcast});
+    if (log_) log_->emplace_back(this, message.id, message.origin, message.sender, message.receiver, fromBroadcast);
     if (onReceive) onReceive(message);
   }
 
@@ -128,8 +117,8 @@ TEST(MessageNode, DestructionDetachesBothWaysAndCopyConnectionsReplacesOwnLinks)
   }
   EXPECT_EQ(upstream.GetListenerCount() + downstream.GetSourceCount(), 0u);
   ASSERT_EQ(log.size(), 1u);  // the source hears of it; the dying node can't
-  EXPECT_EQ(log[0].at, &upstream);
-  EXPECT_EQ(log[0].id, Message::kDisconnected);
+  EXPECT_EQ(std::get<0>(log[0]), &upstream);
+  EXPECT_EQ(std::get<1>(log[0]), Message::kDisconnected);
 
   Probe copy, old;  // upstream listens to old and is heard by downstream; copy listens to downstream
   ASSERT_TRUE(upstream.Connect(&old));
