@@ -149,45 +149,38 @@ TEST(Message, AttachmentsAreDestroyedLastToFirst) {
   EXPECT_EQ(order, (std::vector<int>{2, 1, 0}));
 }
 
-// Each test has its own product kind, since factories are process-wide.
-template <int kKind>
 struct Product {
   explicit Product(std::string madeBy) : madeBy(std::move(madeBy)) {}
   std::string madeBy;
 };
 
 // Accepts elements with one tag and stamps what it makes with its own label.
-template <typename T>
-class TagFactory : public Factory<T> {
+class TagFactory : public Factory<Product> {
  public:
   TagFactory(std::string tag, std::string label) : tag_(std::move(tag)), label_(std::move(label)) {}
   bool CanCreate(const xml::Element& element) const override { return element.name == tag_; }
-  T* Create(const xml::Element&) const override { return new T(label_); }
+  Product* Create(const xml::Element&) const override { return new Product(label_); }
 
  private:
   std::string tag_;
   std::string label_;
 };
 
-TEST(AbstractFactory, TheFirstFactoryThatAcceptsWinsAndNoneGivesNull) {
-  using Made = Product<1>;
-  auto& factories = AbstractFactory<Made>::Instance();
-  factories.Add(new TagFactory<Made>("label", "first"));
+// The list and the manager are separate process-wide registries.
+TEST(Factories, TheFirstThatAcceptsWinsAndTheManagerFindsByTag) {
+  auto& factories = AbstractFactory<Product>::Instance();
+  factories.Add(new TagFactory("label", "first"));
   factories.Add(nullptr);
-  factories.Add(new TagFactory<Made>("label", "second"));
-  factories.Add(new TagFactory<Made>("button", "button"));
+  factories.Add(new TagFactory("label", "second"));
+  factories.Add(new TagFactory("button", "button"));
   EXPECT_EQ(factories.Count(), 3u);
-  EXPECT_EQ(std::unique_ptr<Made>(factories.Create(xml::Tag("label")))->madeBy, "first");
-  EXPECT_EQ(std::unique_ptr<Made>(factories.Create(xml::Tag("button")))->madeBy, "button");
+  EXPECT_EQ(std::unique_ptr<Product>(factories.Create(xml::Tag("label")))->madeBy, "first");
+  EXPECT_EQ(std::unique_ptr<Product>(factories.Create(xml::Tag("button")))->madeBy, "button");
   EXPECT_EQ(factories.Create(xml::Tag("slider")), nullptr);
-}
-
-TEST(FactoryManager, FindsByTagInRegistrationOrder) {
-  using Made = Product<2>;
-  auto& manager = FactoryManager<Made>::Instance();
-  manager.Add(new TagFactory<Made>("sum", "sum"));
-  manager.Add(new TagFactory<Made>("product", "product"));
-  EXPECT_EQ(std::unique_ptr<Made>(manager.Find("product")->Create(xml::Tag("product")))->madeBy, "product");
+  auto& manager = FactoryManager<Product>::Instance();
+  manager.Add(new TagFactory("sum", "sum"));
+  manager.Add(new TagFactory("product", "product"));
+  EXPECT_EQ(std::unique_ptr<Product>(manager.Find("product")->Create(xml::Tag("product")))->madeBy, "product");
   EXPECT_EQ(manager.Find("quotient"), nullptr);
 }
 

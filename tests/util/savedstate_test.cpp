@@ -190,12 +190,10 @@ TYPED_TEST(AVarKinds, RandomOperationsMatchTheModel) {
 // stay defined for the sanitizer.
 TEST(AVar, LinesAtTheExtremes) {
   AVar_Linear<int> ints;
-  ints.Set(0.0, 2147483647);
-  ints.Set(1.0, -2147483647 - 1);
+  ints.records = {{0.0, 2147483647}, {1.0, -2147483647 - 1}};
   EXPECT_EQ(ints.Get(0.5), 0);  // -0.5 truncated toward zero
   AVar_Linear<bool> flags;
-  flags.Set(0.0, false);
-  flags.Set(1.0, true);
+  flags.records = {{0.0, false}, {1.0, true}};
   EXPECT_FALSE(flags.Get(0.0));
   EXPECT_TRUE(flags.Get(1e-300));
   AVar_Linear<int> damaged;

@@ -124,7 +124,7 @@ TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
 TEST(XmlElement, DataIsTextAsAStreamPrintsAndReadsIt) {
   EXPECT_EQ(Data(1.0 / 3.0).name, "0.333333");  // six digits: doubles that matter travel as blobs
   EXPECT_EQ(TagWithData("count", -12).Write(), "<count>-12</count>");
-  EXPECT_EQ(TagWithData("d", 2.5).GetValue<double>(), 2.5);
+  EXPECT_EQ(Parsed("<d>2.5</d>").GetValue<double>(), 2.5);
   EXPECT_EQ(Tag("none").GetValue<int>() + TagWithData("bad", "abc").GetValue<int>(), 0);
 }
 
@@ -135,13 +135,8 @@ TEST(XmlElement, AssignCopiesAWholeTreeEvenFromItsOwnSubtree) {
 }
 
 TEST(XmlWrite, IndentsTagsKeepsTextInlineAndStartsAtTheIndent) {
-  Tag root("profile");
-  root.SetAttribute("name") = "Factory Settings";
-  Tag group("group");
-  group.AddChild(TagWithData("item", 3));
-  group.AddChild(Tag("empty"));
-  root.AddChild(group);
-  root.AddChild(TagWithData("label", "a < b & c"));
+  const Element root = Parsed("<profile name='Factory Settings'><group><item>3</item><empty/></group>"
+                              "<label>a &#60; b &#38; c</label></profile>");
   EXPECT_EQ(root.Write("\n", "  ", ">"),
             "><profile name=\"Factory Settings\">\n"
             ">  <group>\n"
