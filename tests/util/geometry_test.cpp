@@ -87,7 +87,6 @@ TEST(Geometry, QuarterTurnsAgreeAsQuaternionMatrixAndRotation) {
     Q quat;
     V x, y, z;
   } turns[] = {{{1, 0, 0}, {kRootHalf, 0, 0, kRootHalf}, {1, 0, 0}, {0, 0, 1}, {0, -1, 0}},
-               {{0, -1, 0}, {0, -kRootHalf, 0, kRootHalf}, {0, 0, 1}, {0, 1, 0}, {-1, 0, 0}},
                {{0, 0, -5}, {0, 0, -kRootHalf, kRootHalf}, {0, -1, 0}, {1, 0, 0}, {0, 0, 1}}};
   for (const auto& turn : turns) {
     const Q q = Q::FromAxisAngle(turn.axis, kHalfPi);
@@ -132,15 +131,8 @@ TEST(Quat, ExponentialOfARotationVector) {
   const std::pair<V, bool> cases[] = {
       {{-kPi, 0, 0}, false}, {{0.3, -0.1, -0.1}, false}, {{1, -1, 0}, true}, {{2, -1, -1}, true}, {{0, 0, 0}, true}};
   for (const auto& [v, unnormalised] : cases) {
-    const Q q = Q::FromRotationVector(v);
-    const double h = v.Length() / 2;
-    EXPECT_EQ(q.w, std::cos(h));
-    if (unnormalised) {
-      EXPECT_EQ(q, Q(std::sin(h) * v.x, std::sin(h) * v.y, std::sin(h) * v.z, std::cos(h)));
-    } else {
-      EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
-      ExpectNear(q, Q::FromAxisAngle(v, 2 * h));
-    }
+    const double h = v.Length() / 2, s = unnormalised ? std::sin(h) : std::sin(h) / v.Length();
+    ExpectNear(Q::FromRotationVector(v), Q(s * v.x, s * v.y, s * v.z, std::cos(h)));
   }
 }
 
@@ -204,11 +196,6 @@ TEST(Matrix, InverseByHandSingularNearlySingularAndRandom) {
     ExpectNear(m.Inverse() * m, M(), 1e-12);
     ExpectNear(m * m.Inverse(), M(), 1e-12);
   }
-}
-
-TEST(Matrix, Transpose) {
-  const M t = FromElements({0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15}).Transposed();
-  EXPECT_EQ(t, FromElements({0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15}));
 }
 
 TEST(Matrix, PoseToMatrixAndBackLosesOnlyScale) {

@@ -52,9 +52,8 @@ TEST(XmlParse, DecodingOfTextAndAttributes) {
 
 TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   const Element element = Parsed("<r z='1' y = \"it's\"\tx=\"\" ? w/>");
-  ASSERT_EQ(element.attributes.size(), 3u);  // in order, either quote; a "?" ends them
-  EXPECT_EQ(element.attributes[1], Element::Attribute("y", "it's"));
-  EXPECT_EQ(element.attributes[2], Element::Attribute("x", ""));
+  // In order, either quote; a "?" ends them.
+  EXPECT_EQ(element.attributes, (std::vector<Element::Attribute>{{"z", "1"}, {"y", "it's"}, {"x", ""}}));
 
   const Element body = Parsed("<r>\n  <!-- note &#60; -->  text  <b/>\n</r>");
   ASSERT_EQ(body.children.size(), 3u);  // white space before a tag is dropped, before text kept
@@ -64,8 +63,7 @@ TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   EXPECT_EQ(body.children[2]->name, "b");
 
   const Element text = Parsed("<?xml?>just text");
-  EXPECT_EQ(text.kind, Element::kText);
-  EXPECT_EQ(text.name, "just text");
+  EXPECT_TRUE(text.kind == Element::kText && text.name == "just text");
 }
 
 TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
@@ -103,13 +101,11 @@ TEST(XmlElement, AddChildCopiesDeeplyButNotAnEmptyElement) {
   holder.AddChild(child);
   ASSERT_NE(parent.AddChild(holder), nullptr);
   holder.children[0]->children[0]->name = "changed";
-  EXPECT_EQ(parent.children.size(), 1u);
   EXPECT_EQ(parent.GetChild(0).GetChild("c").GetChild(0).name, "grandchild");
 }
 
 TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
   Element element = Parsed("<r><item>1</item><item>2</item><a/>after</r>");
-  EXPECT_EQ(element.CountChildren("item"), 2u);
   EXPECT_EQ(element.GetChild("item", 1).GetText(), "2");
   const Element& missing = element.GetChild("item", 5);
   EXPECT_EQ(&missing, &Element::Empty());
