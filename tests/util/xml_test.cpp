@@ -120,7 +120,6 @@ TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
 TEST(XmlElement, DataIsTextAsAStreamPrintsAndReadsIt) {
   EXPECT_EQ(Data(1.0 / 3.0).name, "0.333333");  // six digits: doubles that matter travel as blobs
   EXPECT_EQ(TagWithData("count", -12).Write(), "<count>-12</count>");
-  EXPECT_EQ(Parsed("<d>2.5</d>").GetValue<double>(), 2.5);
   EXPECT_EQ(Tag("none").GetValue<int>() + TagWithData("bad", "abc").GetValue<int>(), 0);
 }
 
@@ -141,7 +140,6 @@ TEST(XmlWrite, IndentsTagsKeepsTextInlineAndStartsAtTheIndent) {
             ">  </group>\n"
             ">  <label>a &#60; b &#38; c</label>\n"
             "></profile>");
-  EXPECT_EQ(Element().Write(), "");
 }
 
 // Writing and reading again, where the two don't quite meet.
