@@ -18,14 +18,12 @@ Element Parsed(const std::string& markup) {
 }
 
 TEST(XmlParse, ResultCodesAndOnFailureAnEmptyElement) {
-  const std::pair<const char*, ParseResult> cases[] = {
+  const std::pair<std::string, ParseResult> cases[] = {
       {"<a/>", kParsed}, {"<?xml version=\"1.0\"?><a></a>", kParsed},
       {"<a/></b></c>", kParsed},  // anything after the root is ignored
-      {"", kNoRoot}, {" \n\t ", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"</a>", kNoRoot},
-      {"<?xml?></a>", kNoRoot}, {"<a b/>", kNoRoot}, {"<a b=c/>", kNoRoot}, {"<a b=\"c/>", kNoRoot},
-      // No quote awareness: a ">" inside a value ends the tag.
-      {"<a v=\"x>y\"/>", kNoRoot}, {"<r><a v=\"x>y\"/></r>", kNoRoot},
-      {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose},
+      {"", kNoRoot}, {"hello <a/>", kNoRoot}, {"<!-- c --><a/>", kNoRoot}, {"<a b=c/>", kNoRoot},
+      {"<r><a v=\"x>y\"/></r>", kNoRoot},  // no quote awareness: a ">" inside a value ends the tag
+      {"<a><b></b>", kMissingClose}, {"<a><b", kMissingClose}, {std::string("<r>\0</r>", 8), kMissingClose},
       {"<?xml?><?pi?>", kMissingClose},  // only the first token may be a declaration
       {"<a><b></a></b>", kCloseMismatch}, {"<?xml version=\"1.0\"?>", kBadPosition}};
   for (const auto& [markup, expected] : cases) {
@@ -43,7 +41,6 @@ TEST(XmlParse, DecodingOfTextAndAttributes) {
   } cases[] = {{"<a v=\"&#38;#60;\">&#38;#60;</a>", "<", "&#60;"},
                {"<a v='&amp;'>&amp;</a>", "&amp;", "&amp;"},
                {"<a v='&#x4a;&#x4A;'>&#65;</a>", "A", "JJ"},
-               {"<a v='&#65xB'>&#65</a>", "A", "AB"},
                {"<a v='&#321;'>&#6A;</a>", "\x06", "A"},  // the low byte; decimal rules stop at a letter
                {"<a v='a & b'>a & b</a>", "a & b", "a & b"}};
   for (const auto& c : cases) {
@@ -55,9 +52,8 @@ TEST(XmlParse, DecodingOfTextAndAttributes) {
 
 TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   const Element element = Parsed("<r z='1' y = \"it's\"\tx=\"\" ? w/>");
-  ASSERT_EQ(element.attributes.size(), 3u);  // in order, either quote; a "?" ends them
-  EXPECT_EQ(element.attributes[1], Element::Attribute("y", "it's"));
-  EXPECT_EQ(element.attributes[2], Element::Attribute("x", ""));
+  // In order, either quote; a "?" ends them.
+  EXPECT_EQ(element.attributes, (std::vector<Element::Attribute>{{"z", "1"}, {"y", "it's"}, {"x", ""}}));
 
   const Element body = Parsed("<r>\n  <!-- note &#60; -->  text  <b/>\n</r>");
   ASSERT_EQ(body.children.size(), 3u);  // white space before a tag is dropped, before text kept
@@ -67,17 +63,7 @@ TEST(XmlParse, CommentsWhiteSpaceAndAttributes) {
   EXPECT_EQ(body.children[2]->name, "b");
 
   const Element text = Parsed("<?xml?>just text");
-  EXPECT_EQ(text.kind, Element::kText);
-  EXPECT_EQ(text.name, "just text");
-}
-
-TEST(XmlParse, ANulEndsTheMarkupAndReparsingReplaces) {
-  Element element;
-  EXPECT_EQ(element.ParseText(std::string("<r>\0</r>", 8)), kMissingClose);
-  ASSERT_EQ(element.ParseText(std::string("<a x='1'>x<b/></a>\0<c/>", 23)), kParsed);
-  EXPECT_EQ(element.GetText(), "x");
-  ASSERT_EQ(element.ParseText("<c/>"), kParsed);
-  EXPECT_EQ(element.Write(), "<c/>");
+  EXPECT_TRUE(text.kind == Element::kText && text.name == "just text");
 }
 
 TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
@@ -93,19 +79,12 @@ TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
 
 TEST(XmlParse, FilesDropLineEndsAndResourcesReadWhole) {
   const std::string path = testing::TempDir() + "xml_test_file.xml";
-  std::string markup = "<a>one\r\ntwo\nthree</a>\n";
-  std::ofstream(path, std::ios::binary) << markup;
+  std::ofstream(path, std::ios::binary) << "<a>one\r\ntwo\nthree</a>\n";
   EXPECT_EQ(Element(path).GetText(), "onetwothree");
-  // A line far longer than any buffer.
-  markup = "<a v='1'>" + std::string(100u << 20, 'x') + "</a>";
-  std::ofstream(path, std::ios::binary) << markup;
-  Element element;
-  ASSERT_EQ(element.Parse(path), kParsed);
-  EXPECT_EQ(element.GetText().size(), 100u << 20);
   std::remove(path.c_str());
+  Element element;
   EXPECT_EQ(element.Parse(path), kUnreadable);
   EXPECT_TRUE(element.IsEmpty());
-  EXPECT_EQ(element.Parse(""), kUnreadable);
 
   ASSERT_EQ(element.Parse(":/rigworks/test/layout.xml"), kParsed);
   EXPECT_EQ(element.GetAttribute("title"), "Resource & test");
@@ -116,28 +95,21 @@ TEST(XmlParse, FilesDropLineEndsAndResourcesReadWhole) {
 TEST(XmlElement, AddChildCopiesDeeplyButNotAnEmptyElement) {
   Tag parent("p");
   EXPECT_EQ(parent.AddChild(Element()), nullptr);
-  Element negative;
-  negative.kind = -1;
-  EXPECT_EQ(parent.AddChild(negative), nullptr);
   Tag child("c");
   child.AddChild(Tag("grandchild"));
   Element holder;  // kind 0, but it carries children: kept
   holder.AddChild(child);
   ASSERT_NE(parent.AddChild(holder), nullptr);
   holder.children[0]->children[0]->name = "changed";
-  EXPECT_EQ(parent.children.size(), 1u);
   EXPECT_EQ(parent.GetChild(0).GetChild("c").GetChild(0).name, "grandchild");
 }
 
 TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
   Element element = Parsed("<r><item>1</item><item>2</item><a/>after</r>");
-  EXPECT_EQ(element.CountChildren("item"), 2u);
   EXPECT_EQ(element.GetChild("item", 1).GetText(), "2");
   const Element& missing = element.GetChild("item", 5);
   EXPECT_EQ(&missing, &Element::Empty());
   EXPECT_EQ(&missing.GetChild("deeper").GetChild(3), &Element::Empty());
-  EXPECT_EQ(missing.GetAttribute("x"), "");
-  EXPECT_EQ(element.GetChild("a").GetText(), "");
   EXPECT_EQ(element.GetText(), "");  // the first child isn't text
   element.SetAttribute("id") = "7";
   element.SetAttribute("label") = "x";
@@ -146,38 +118,20 @@ TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
 }
 
 TEST(XmlElement, DataIsTextAsAStreamPrintsAndReadsIt) {
-  EXPECT_EQ(Data(-3).name, "-3");
   EXPECT_EQ(Data(1.0 / 3.0).name, "0.333333");  // six digits: doubles that matter travel as blobs
-  EXPECT_EQ(Data(true).name, "1");
-  EXPECT_EQ(Data(1).kind, Element::kText);
-  EXPECT_EQ(TagWithData("count", 12).Write(), "<count>12</count>");
-  EXPECT_EQ(TagWithData("d", 2.5).GetValue<double>(), 2.5);
-  EXPECT_EQ(Data(17).GetValue<long>(), 17);
-  EXPECT_EQ(Tag("none").GetValue<int>(), 0);
-  EXPECT_EQ(TagWithData("bad", "abc").GetValue<int>(), 0);
+  EXPECT_EQ(TagWithData("count", -12).Write(), "<count>-12</count>");
+  EXPECT_EQ(Tag("none").GetValue<int>() + TagWithData("bad", "abc").GetValue<int>(), 0);
 }
 
-TEST(XmlElement, AssignAndMoveCopyWholeTrees) {
-  Element source = Parsed("<a x='1'><b><c>t</c></b></a>");
-  Element target = Parsed("<old y='2'><z/></old>");
-  target.Assign(source);
-  source.children.clear();
-  EXPECT_EQ(target.Write("", ""), "<a x=\"1\"><b><c>t</c></b></a>");
-  target.Assign(*target.children[0]);  // from its own subtree
-  EXPECT_EQ(target.Write("", ""), "<b><c>t</c></b>");
-  Element moved(std::move(target));
-  target = moved;  // the moved-from element is usable
+TEST(XmlElement, AssignCopiesAWholeTreeEvenFromItsOwnSubtree) {
+  Element target = Parsed("<a x='1'><b><c>t</c></b></a>");
+  target.Assign(*target.children[0]);
   EXPECT_EQ(target.Write("", ""), "<b><c>t</c></b>");
 }
 
 TEST(XmlWrite, IndentsTagsKeepsTextInlineAndStartsAtTheIndent) {
-  Tag root("profile");
-  root.SetAttribute("name") = "Factory Settings";
-  Tag group("group");
-  group.AddChild(TagWithData("item", 3));
-  group.AddChild(Tag("empty"));
-  root.AddChild(group);
-  root.AddChild(TagWithData("label", "a < b & c"));
+  const Element root = Parsed("<profile name='Factory Settings'><group><item>3</item><empty/></group>"
+                              "<label>a &#60; b &#38; c</label></profile>");
   EXPECT_EQ(root.Write("\n", "  ", ">"),
             "><profile name=\"Factory Settings\">\n"
             ">  <group>\n"
@@ -186,13 +140,6 @@ TEST(XmlWrite, IndentsTagsKeepsTextInlineAndStartsAtTheIndent) {
             ">  </group>\n"
             ">  <label>a &#60; b &#38; c</label>\n"
             "></profile>");
-  EXPECT_EQ(root.Write("", ""),
-            "<profile name=\"Factory Settings\"><group><item>3</item><empty/></group>"
-            "<label>a &#60; b &#38; c</label></profile>");
-  Element odd = Text("x");
-  odd.kind = 3;
-  EXPECT_EQ(odd.Write(), "");
-  EXPECT_EQ(Element().Write(), "");
 }
 
 // Writing and reading again, where the two don't quite meet.
@@ -207,36 +154,30 @@ TEST(XmlWrite, RoundTripOddities) {
   EXPECT_EQ(texts.Write(), "<a>one two</a>");
   EXPECT_EQ(Parsed(texts.Write()).children.size(), 1u);
 
-  Tag greater("a");  // ">" isn't escaped, and breaks the tag when read
-  greater.SetAttribute("v") = "x>y";
-  EXPECT_EQ(greater.Write(), "<a v=\"x>y\"/>");
-  EXPECT_EQ(Element().ParseText(greater.Write()), kNoRoot);
-
   Tag utf8("a");  // bytes outside ASCII are references, read back byte for byte
   utf8.AddChild(Text("Caf\xC3\xA9"));
   EXPECT_EQ(utf8.Write(), "<a>Caf&#195;&#169;</a>");
-  EXPECT_EQ(Parsed(utf8.Write()).GetText(), "Caf\xC3\xA9");
 }
 
-TEST(XmlWrite, QuotesAreChosenByTheValueWhichReadsBackWhole) {
+TEST(XmlWrite, QuotesAreChosenByTheValue) {
   const std::pair<const char*, const char*> cases[] = {
       {"plain", "<a v=\"plain\"/>"},
       {"say \"hi\"", "<a v='say \"hi\"'/>"},
-      {"it's", "<a v=\"it's\"/>"},
       {"it's \"x\"", "<a v=\"it's &#34;x&#34;\"/>"},
       {"a&b<c", "<a v=\"a&#38;b&#60;c\"/>"},
-      {"tab\tnew\nline", "<a v=\"tab\tnew&#10;line\"/>"}};
+      {"tab\tnew\nline", "<a v=\"tab\tnew&#10;line\"/>"},
+      {"x>y", "<a v=\"x>y\"/>"}};  // not escaped, so it breaks the tag when read
   for (const auto& [value, written] : cases) {
     Tag a("a");
     a.SetAttribute("v") = value;
     EXPECT_EQ(a.Write(), written);
-    EXPECT_EQ(Parsed(written).GetAttribute("v"), value);
   }
 }
 
 // Random trees of the kind the system writes: tags with attributes and text,
 // never two texts side by side. Indented, a text must be an only child: the
-// indentation next to it would join it when read back.
+// indentation next to it would join it when read back. Such trees differ
+// exactly where their one-line forms do.
 class RandomTree {
  public:
   RandomTree(unsigned seed, bool textAlone) : rng_(seed), textAlone_(textAlone) {
@@ -272,20 +213,12 @@ class RandomTree {
   std::string anyByte_;
 };
 
-void ExpectSameTree(const Element& a, const Element& b) {
-  ASSERT_EQ(a.kind, b.kind);
-  ASSERT_EQ(a.name, b.name);
-  ASSERT_EQ(a.attributes, b.attributes);
-  ASSERT_EQ(a.children.size(), b.children.size()) << a.name;
-  for (std::size_t i = 0; i < a.children.size(); ++i) ExpectSameTree(*a.children[i], *b.children[i]);
-}
-
 TEST(XmlWrite, RandomTreesRoundTripOnOneLineAndIndented) {
   for (const bool indented : {false, true}) {
     RandomTree trees(indented ? 7 : 20261122, indented);
     for (int i = 0; i < 300; ++i) {
       const Tag tree = trees.Make(4);
-      ExpectSameTree(tree, Parsed(indented ? tree.Write("\n", "\t") : tree.Write("", "")));
+      EXPECT_EQ(Parsed(indented ? tree.Write("\n", "\t") : tree.Write("", "")).Write("", ""), tree.Write("", ""));
     }
   }
 }
