@@ -145,6 +145,10 @@ class Label : public Node {
       : Node(id, std::move(text), "", nullptr), flags(labelFlags) {}
   std::string GetTypeName() const override { return "Label"; }
   util::xml::Element BuildLayout() override;
+  // Labels count their ids apart from the controls and hold no value: a
+  // control's id must not stop at a label that shares it.
+  bool GetValueById(std::int32_t, double&) override { return false; }
+  bool SetValueById(std::int32_t, double) override { return false; }
 
   std::int32_t flags;
 };

@@ -151,6 +151,16 @@ TEST(ConfigPage, WithoutAViewValuesGoByIdOnly) {
   EXPECT_EQ(value, 1.0);
   EXPECT_FALSE(page.root.SetValueById(77, 1.0));
   page.root.UpdateViews();
+  // Labels have ids of their own count: one that shares a control's id and
+  // comes first leaves the control to be found.
+  element::Root labelled;
+  std::int32_t gears = 4;
+  labelled.Add(new element::Label(0, "Gearbox", 0));
+  labelled.Add(new element::Spinner_Int(0, "Gears", "", nullptr, &gears, 1, 8, 1, 0));
+  EXPECT_TRUE(labelled.SetValueById(0, 6.0));
+  EXPECT_TRUE(labelled.GetValueById(0, value));
+  EXPECT_EQ(value, 6.0);
+  EXPECT_EQ(gears, 6);
 }
 
 }  // namespace
