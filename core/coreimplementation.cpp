@@ -16,6 +16,11 @@ CoreImplementation::CoreImplementation() : AdaptorManager(this) {
 }
 
 CoreImplementation::~CoreImplementation() {
+  // Tools the host's undo still holds outlive the device layer: their
+  // instances leave its driver, which would otherwise free them as its own.
+  for (core::Instance* instance : core::Instance::All()) {
+    if (instance->driver) instance->driver->RemoveDevice(instance);
+  }
   if (started_) CoreLog::Instance().Info("core stopped");
 }
 

@@ -153,6 +153,8 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   EXPECT_FALSE(core.Delete("Second"));
   ASSERT_TRUE(adaptor.Undo());
   EXPECT_NE(core.FindToolByName("Second"), nullptr);
+  // Deleted again, the tool lives on in the host's undo past the core's end.
+  EXPECT_TRUE(core.Delete("Second"));
   core.RemoveAll();
   core.SaveToolTree(tree);
   EXPECT_EQ(tree.CountChildren("RGT_Plugin"), 0u);
