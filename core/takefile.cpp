@@ -1,6 +1,7 @@
 #include "core/takefile.h"
 
-#include <cstdlib>
+#include <algorithm>
+#include <charconv>
 #include <fstream>
 #include <sstream>
 
@@ -8,15 +9,38 @@ namespace vuk::rgw::core {
 
 namespace {
 
-std::vector<std::string> Cells(const std::string& line) {
+// How a spreadsheet wrote the file: commas, or semicolons with decimal
+// commas where the locale uses them.
+struct Dialect {
+  char separator = ',';
+  char decimal = '.';
+};
+
+Dialect DialectOf(const std::string& header) {
+  if (header.find(';') != std::string::npos && header.find(',') == std::string::npos) return {';', ','};
+  return {};
+}
+
+std::string Trimmed(const std::string& text) {
+  const std::size_t first = text.find_first_not_of(" \t\r");
+  if (first == std::string::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+std::vector<std::string> Cells(const std::string& line, const Dialect& dialect) {
   std::vector<std::string> cells;
   std::stringstream in(line);
   std::string cell;
-  while (std::getline(in, cell, ',')) {
-    if (!cell.empty() && cell.back() == '\r') cell.pop_back();
-    cells.push_back(cell);
-  }
+  while (std::getline(in, cell, dialect.separator)) cells.push_back(Trimmed(cell));
   return cells;
+}
+
+// The whole cell as a number, whatever the process's locale.
+bool Number(std::string cell, const Dialect& dialect, double& value) {
+  std::replace(cell.begin(), cell.end(), dialect.decimal, '.');
+  const char* end = cell.data() + cell.size();
+  const auto [stop, failure] = std::from_chars(cell.data(), end, value);
+  return !cell.empty() && failure == std::errc() && stop == end;
 }
 
 }  // namespace
@@ -30,7 +54,10 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
   if (!csv) return fail(0, "can't be read");
   std::string line;
   std::getline(csv, line);
-  const std::vector<std::string> header = Cells(line);
+  // A byte order mark, as spreadsheets write UTF-8, is no part of the header.
+  if (line.rfind("\xEF\xBB\xBF", 0) == 0) line.erase(0, 3);
+  const Dialect dialect = DialectOf(line);
+  const std::vector<std::string> header = Cells(line, dialect);
   if (header.empty() || header[0] != "time") return fail(1, "the first column must be \"time\"");
   for (std::size_t c = 1; c < header.size(); ++c) {
     if (!instance.Inputs().Find(header[c])) return fail(1, "the tool has no channel \"" + header[c] + "\"");
@@ -38,12 +65,11 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
   // Everything is read before the tracks change.
   std::vector<std::vector<double>> rows;
   for (int number = 2; std::getline(csv, line); ++number) {
-    if (line.empty() || line == "\r") continue;
+    if (Trimmed(line).empty()) continue;
     std::vector<double> values;
-    for (const std::string& cell : Cells(line)) {
-      char* end = nullptr;
-      values.push_back(std::strtod(cell.c_str(), &end));
-      if (end == cell.c_str() || *end != '\0') return fail(number, "\"" + cell + "\" is not a number");
+    for (const std::string& cell : Cells(line, dialect)) {
+      values.emplace_back();
+      if (!Number(cell, dialect, values.back())) return fail(number, "\"" + cell + "\" is not a number");
     }
     if (values.size() != header.size()) {
       return fail(number, std::to_string(values.size()) + " values where the header has " + std::to_string(header.size()));

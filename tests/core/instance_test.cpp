@@ -272,14 +272,24 @@ TEST_F(InstanceRun, BadTakeFilesAreRefusedWithTheLineAndNothingChanges) {
   for (const auto& track : instance->RecordedTracks()) EXPECT_TRUE(track.records.empty());
 }
 
-// The command line's job runs an imported take.
+// The command line's job runs an imported take. Spreadsheets write it with
+// a byte order mark, Windows line ends, or semicolons and decimal commas.
 TEST_F(InstanceRun, ATakeFromCsvFillsTheTracksByChannelName) {
+  const char* const files[] = {
+      "time,Gas,Steer\n0,1,0.5\n0.5,1,1.5\n1,0,2.5\n",
+      "\xEF\xBB\xBFtime,Gas,Steer\r\n0,1,0.5\r\n0.5,1,1.5\r\n1,0,2.5\r\n\r\n",
+      "time;Gas;Steer\r\n0;1;0,5\r\n0,5;1;1,5\r\n1;0;2,5\r\n",
+      "time, Gas, Steer\n0, 1, 0.5\n 0.5 ,1,1.5\n1,0,2.5",
+  };
   const std::string path = testing::TempDir() + "/take.csv";
-  std::ofstream(path) << "time,Gas,Steer\r\n0,1,0.5\r\n0.5,1,1.5\r\n1,0,2.5\r\n";
-  std::string error;
-  ASSERT_TRUE(ImportTakeCsv(path, *instance, &error)) << error;
-  EXPECT_EQ(Track(0).Get(0.5), 1.5);  // Steer is the first channel
-  EXPECT_EQ(Track(1).Get(1.0), 0.0);
+  for (const char* text : files) {
+    std::ofstream(path, std::ios::binary) << text;
+    std::string error;
+    ASSERT_TRUE(ImportTakeCsv(path, *instance, &error)) << error;
+    ASSERT_EQ(Track(0).records.size(), 3u) << text;
+    EXPECT_EQ(Track(0).Get(0.5), 1.5) << text;  // Steer is the first channel
+    EXPECT_EQ(Track(1).Get(1.0), 0.0) << text;
+  }
 }
 
 TEST_F(InstanceRun, RedrawIsSkippedDuringARun) {
