@@ -22,5 +22,8 @@ int ModelCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);
+// A command's usage: asked for, on standard output with the code 0;
+// otherwise, after wrong arguments, on standard error with the code 2.
+int Usage(const Arguments& args, const char* text);
 
 }  // namespace vuk::app

@@ -18,11 +18,10 @@ namespace vuk::app {
 
 namespace {
 
-int LayoutUsage() {
-  std::fprintf(stderr,
+int LayoutUsage(const Arguments& args) {
+  return Usage(args,
                "usage: rgw layout show FILE --png OUT [--width W] [--height H]\n"
                "       rgw layout page --png OUT [--width W] [--height H]\n");
-  return 2;
 }
 
 // Shows the tree and writes its picture.
@@ -59,11 +58,11 @@ int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
     } else if (file.empty()) {
       file = args[i];
     } else {
-      return LayoutUsage();
+      return LayoutUsage(args);
     }
   }
   if (samplePage) file = vuk::gui::DataRoot() + "/core/layout/rgw_config.xml";
-  if (file.empty() || png.empty() || (samplePage && args.size() % 2)) return LayoutUsage();
+  if (file.empty() || png.empty() || (samplePage && args.size() % 2)) return LayoutUsage(args);
   vuk::util::xml::Element layout;
   if (layout.Parse(file) != vuk::util::xml::kParsed) {
     std::fprintf(stderr, "rgw: %s: the layout can't be read\n", file.c_str());
@@ -89,7 +88,7 @@ int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
 }  // namespace
 
 int LayoutCommand(const Arguments& args) {
-  if (args.empty() || WantsHelp(args) || (args[0] != "show" && args[0] != "page")) return LayoutUsage();
+  if (args.empty() || WantsHelp(args) || (args[0] != "show" && args[0] != "page")) return LayoutUsage(args);
   // Without a display the picture is drawn offscreen.
   if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) {
     setenv("QT_QPA_PLATFORM", "offscreen", 1);

@@ -13,6 +13,12 @@ bool WantsHelp(const Arguments& args) {
   return false;
 }
 
+int Usage(const Arguments& args, const char* text) {
+  const bool asked = WantsHelp(args);
+  std::fputs(text, asked ? stdout : stderr);
+  return asked ? 0 : 2;
+}
+
 }  // namespace vuk::app
 
 namespace {
@@ -35,7 +41,7 @@ int Help(int code) {
                "  create FILE --prm MODEL.prm --out OUT         makes the model's tools in a scene\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"
                "                         renders a window to a picture\n"
-               "Each command takes --help.\n");
+               "Each command takes --help; --version says which rgw this is.\n");
   return code;
 }
 
@@ -47,6 +53,10 @@ int main(int argc, char** argv) {
   const vuk::app::Arguments rest(args.begin() + 1, args.end());
   const std::string& command = args[0];
   if (command == "--help" || command == "-h" || command == "help") return Help(0);
+  if (command == "--version") {
+    std::printf("rgw %s\n", RGW_VERSION);
+    return 0;
+  }
   if (command == "tools") return vuk::app::ToolsCommand(rest);
   if (command == "scene") return vuk::app::SceneCommand(rest);
   if (command == "run") return vuk::app::RunCommand(rest);

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <optional>
 
 #include "app/rgw/commands.h"
 #include "app/rgw/session.h"
@@ -22,10 +23,6 @@ int Fail(const std::string& message) {
   return 1;
 }
 
-int Usage(const char* text) {
-  std::fprintf(stderr, "%s", text);
-  return 2;
-}
 
 const char* KindName(ObjectKind kind) {
   switch (kind) {
@@ -77,18 +74,19 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
 }
 
 // Parses a command's options, opens its scene and finds the tool named by
-// --instance. Answers 0 to go on, else the exit code.
-int OpenTool(const Arguments& args, const char* usage, std::initializer_list<const char*> required, Options& options,
-             Session& session, rgw::core::InstanceReference*& item) {
-  if (!options.Parse(args) || WantsHelp(args)) return Usage(usage);
+// --instance. Answers nothing to go on, else the exit code: help asked for
+// ends the command as well as an error does.
+std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initializer_list<const char*> required,
+                            Options& options, Session& session, rgw::core::InstanceReference*& item) {
+  if (!options.Parse(args) || WantsHelp(args)) return Usage(args, usage);
   for (const char* name : required) {
-    if (options.Get(name).empty()) return Usage(usage);
+    if (options.Get(name).empty()) return Usage(args, usage);
   }
   std::string error;
   if (!session.Open(options.file, error)) return Fail(error);
   item = session.tools.Find(options.Get("instance"));
   if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
-  return 0;
+  return std::nullopt;
 }
 
 std::string Joined(const std::vector<std::string>& names) {
@@ -126,7 +124,7 @@ int DescribeTool(const std::string& toolName) {
 
 int ToolsCommand(const Arguments& args) {
   if (WantsHelp(args) || args.size() > 1) {
-    return Usage(
+    return Usage(args,
         "usage: rgw tools          the tools that can be made, with their title and category\n"
         "       rgw tools NAME     one tool: its nodes, channels, values with their ranges, and profiles\n");
   }
@@ -144,14 +142,14 @@ int SceneCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, tools\n"
       "       rgw scene demo OUT      writes a small demo scene (a car driving, a camera)\n";
-  if (args.size() != 2 || WantsHelp(args)) return Usage(usage);
+  if (args.size() != 2 || WantsHelp(args)) return Usage(args, usage);
   Session session;
   std::string error;
   if (args[0] == "demo") {
     vuk::scenes::BuildSampleScene(session.host.GetScene());
     return session.Save(args[1], error) ? 0 : Fail(error);
   }
-  if (args[0] != "show") return Usage(usage);
+  if (args[0] != "show") return Usage(args, usage);
   if (!session.Open(args[1], error)) return Fail(error);
   std::vector<std::pair<const SceneNode*, int>> pending{{&session.host.GetScene().Root(), -1}};
   while (!pending.empty()) {
@@ -204,7 +202,7 @@ int CreateCommand(const Arguments& args) {
   const bool fromModel = !options.Parse(args) ? false : !options.Get("prm").empty();
   if (WantsHelp(args) || options.file.empty() || options.Get("out").empty() ||
       (options.Get("tool").empty() && !fromModel)) {
-    return Usage(usage);
+    return Usage(args, usage);
   }
   Session session;
   std::string error;
@@ -231,7 +229,7 @@ int ModelCommand(const Arguments& args) {
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const int code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return code;
+  if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
   std::string error;
   return rgw::core::SavePrmFile(options.Get("out"), item->Serialize(0), &error) ? 0 : Fail(error);
 }
@@ -242,7 +240,7 @@ int RunCommand(const Arguments& args) {
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default the whole keyed range of the scene, and writes the scene with the keys.\n";
   Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("out").empty()) return Usage(usage);
+  if (!options.Parse(args) || WantsHelp(args) || options.Get("out").empty()) return Usage(args, usage);
   Session session;
   std::string error;
   if (!session.Open(options.file, error)) return Fail(error);
@@ -266,7 +264,7 @@ int SetCommand(const Arguments& args) {
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const int code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return code;
+  if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
   std::string error;
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
@@ -289,7 +287,7 @@ int TakeCommand(const Arguments& args) {
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const int code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return code;
+  if (const auto code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return *code;
   rgw::core::Instance* instance = item->instance.get();
   std::string error;
   if (!rgw::core::ImportTakeCsv(options.Get("csv"), *instance, &error)) return Fail(error);
@@ -304,7 +302,7 @@ int BindCommand(const Arguments& args) {
   Options options;
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const int code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return code;
+  if (const auto code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return *code;
   std::string error;
   const std::string& given = options.Get("profile");
   vuk::util::xml::Element file;
