@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -36,23 +38,59 @@ const char* KindName(ObjectKind kind) {
 }
 
 // "--name value" options after the file; repeated ones are kept in order.
+// A command's arguments: the scene file, then "--name value" pairs of the
+// options the command knows.
 struct Options {
-  std::string file;
-  std::multimap<std::string, std::string> values;
-  bool Parse(const Arguments& args) {
-    if (args.empty() || args[0].rfind("--", 0) == 0) return false;
+  explicit Options(std::initializer_list<const char*> knownOptions) : known(knownOptions.begin(), knownOptions.end()) {}
+
+  // Nothing to go on; else the usage asked for, or what is wrong with the
+  // arguments (exit 2): an unknown option, a value or a required option missing.
+  std::optional<int> Read(const Arguments& args, const char* usage, std::initializer_list<const char*> required) {
+    if (WantsHelp(args)) return Usage(args, usage);
+    if (args.empty() || args[0].rfind("--", 0) == 0) return Misuse("the scene file comes first", usage);
     file = args[0];
     for (std::size_t i = 1; i < args.size(); i += 2) {
-      if (i + 1 >= args.size() || args[i].rfind("--", 0) != 0) return false;
-      values.emplace(args[i].substr(2), args[i + 1]);
+      if (args[i].rfind("--", 0) != 0) return Misuse("\"" + args[i] + "\" is not an option", usage);
+      const std::string name = args[i].substr(2);
+      if (std::find(known.begin(), known.end(), name) == known.end()) return Misuse("unknown option " + args[i], usage);
+      if (i + 1 >= args.size()) return Misuse(args[i] + " wants a value", usage);
+      values.emplace(name, args[i + 1]);
     }
-    return true;
+    for (const char* name : required) {
+      if (!values.count(name)) return Misuse(std::string("--") + name + " is missing", usage);
+    }
+    return std::nullopt;
   }
   std::string Get(const std::string& name, const std::string& fallback = "") const {
     const auto found = values.find(name);
     return found == values.end() ? fallback : found->second;
   }
+
+  std::vector<std::string> known;
+  std::string file;
+  std::multimap<std::string, std::string> values;
+
+ private:
+  static int Misuse(const std::string& problem, const char* usage) {
+    std::fprintf(stderr, "rgw: %s\n%s", problem.c_str(), usage);
+    return 2;
+  }
 };
+
+std::string Seconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g s", seconds);
+  return text;
+}
+
+// The whole text as a number; false with the reason in `error`.
+bool ReadNumber(const std::string& text, double& value, std::string& error) {
+  char* end = nullptr;
+  value = std::strtod(text.c_str(), &end);
+  if (!text.empty() && *end == '\0' && std::isfinite(value)) return true;
+  error = "\"" + text + "\" is not a number";
+  return false;
+}
 
 // Makes the tool named by --tool, when there is one, and links its nodes.
 int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
@@ -78,10 +116,7 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
 // ends the command as well as an error does.
 std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initializer_list<const char*> required,
                             Options& options, Session& session, rgw::core::InstanceReference*& item) {
-  if (!options.Parse(args) || WantsHelp(args)) return Usage(args, usage);
-  for (const char* name : required) {
-    if (options.Get(name).empty()) return Usage(args, usage);
-  }
+  if (const auto code = options.Read(args, usage, required)) return code;
   std::string error;
   if (!session.Open(options.file, error)) return Fail(error);
   item = session.tools.Find(options.Get("instance"));
@@ -198,12 +233,10 @@ int CreateCommand(const Arguments& args) {
       "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]...\n"
       "       rgw create FILE --prm MODEL.prm --out OUT\n"
       "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n";
-  Options options;
-  const bool fromModel = !options.Parse(args) ? false : !options.Get("prm").empty();
-  if (WantsHelp(args) || options.file.empty() || options.Get("out").empty() ||
-      (options.Get("tool").empty() && !fromModel)) {
-    return Usage(args, usage);
-  }
+  Options options{"tool", "name", "link", "prm", "out"};
+  if (const auto code = options.Read(args, usage, {"out"})) return *code;
+  const bool fromModel = options.values.count("prm") != 0;
+  if (fromModel == (options.values.count("tool") != 0)) return Fail("give either --tool or --prm");
   Session session;
   std::string error;
   if (!session.Open(options.file, error)) return Fail(error);
@@ -226,7 +259,7 @@ int ModelCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw model FILE --instance NAME --out MODEL.prm\n"
       "  Saves a tool of the scene, with the tools below it, as a pre-rigged model.\n";
-  Options options;
+  Options options{"instance", "out"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
@@ -239,16 +272,21 @@ int RunCommand(const Arguments& args) {
       "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default the whole keyed range of the scene, and writes the scene with the keys.\n";
-  Options options;
-  if (!options.Parse(args) || WantsHelp(args) || options.Get("out").empty()) return Usage(args, usage);
-  Session session;
+  Options options{"tool", "name", "link", "from", "to", "out"};
+  if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
+  double from = 0, to = 0;
+  if (!ReadNumber(options.Get("from", "0"), from, error)) return Fail("--from: " + error);
+  if (options.values.count("to") && !ReadNumber(options.Get("to"), to, error)) return Fail("--to: " + error);
+  // Key times in a scene file start at zero.
+  if (from < 0) return Fail("--from " + options.Get("from") + ": a run starts at 0 s or later");
+  Session session;
   if (!session.Open(options.file, error)) return Fail(error);
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
-  const double from = std::atof(options.Get("from", "0").c_str());
-  const double to = options.values.count("to") ? std::atof(options.Get("to").c_str()) : session.KeyedEnd();
+  if (!options.values.count("to")) to = session.KeyedEnd();
+  if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
   session.Resimulate(from, to);
   if (!session.Save(options.Get("out"), error)) return Fail(error);
   std::fprintf(stderr, "rgw: %zu tools simulated over %.3f s to %.3f s, written to %s\n",
@@ -261,19 +299,17 @@ int SetCommand(const Arguments& args) {
       "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
       "  Changes configuration values of a tool in the scene, by their labels ('rgw tools TOOL'\n"
       "  lists them with their ranges).\n";
-  Options options;
+  Options options{"instance", "value", "out"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
+  if (const auto code = OpenTool(args, usage, {"instance", "value", "out"}, options, session, item)) return *code;
   std::string error;
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
     const std::size_t equals = it->second.find('=');
     if (equals == std::string::npos) return Fail("--value wants LABEL=NUMBER, not \"" + it->second + "\"");
-    const std::string number = it->second.substr(equals + 1);
-    char* end = nullptr;
-    const double value = std::strtod(number.c_str(), &end);
-    if (number.empty() || *end != '\0') return Fail("\"" + number + "\" is not a number");
+    double value = 0;
+    if (!ReadNumber(it->second.substr(equals + 1), value, error)) return Fail(error);
     if (!item->instance->SetValue(it->second.substr(0, equals), value, error)) return Fail(error);
   }
   return session.Save(options.Get("out"), error) ? 0 : Fail(error);
@@ -284,7 +320,7 @@ int TakeCommand(const Arguments& args) {
       "usage: rgw take FILE --instance NAME --csv TAKE.csv --out OUT\n"
       "  Imports a take into a tool's recorded tracks: a CSV file whose header is \"time\" and\n"
       "  the channel names, one row per sample of the raw values.\n";
-  Options options;
+  Options options{"instance", "csv", "out"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return *code;
@@ -299,7 +335,7 @@ int BindCommand(const Arguments& args) {
       "usage: rgw bind FILE --instance NAME --profile PROFILE --out OUT\n"
       "  Binds a tool's channels through an input profile: a .cip file, or the name of one of the tool's\n"
       "  profiles (factory or saved by the user). Controls not attached now bind when they come.\n";
-  Options options;
+  Options options{"instance", "profile", "out"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return *code;

@@ -1,6 +1,7 @@
 #include "app/rgw/session.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "adaptor/standalone/standalonenode.h"
 #include "core/resimulator.h"
@@ -31,6 +32,11 @@ Session::Session() {
 }
 
 bool Session::Open(const std::string& path, std::string& error) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) {
+    error = path + (std::filesystem::exists(path, ignored) ? ": not a scene file" : ": no such file");
+    return false;
+  }
   if (!file_.Load(path, host.GetScene(), &error)) return false;
   path_ = path;
   host.GatherScene();
