@@ -271,7 +271,8 @@ int RunCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
-      "  by default the whole keyed range of the scene, and writes the scene with the keys.\n";
+      "  by default from 0 to the end of the scene's keys or of the tools' takes, whichever is later,\n"
+      "  and writes the scene with the keys.\n";
   Options options{"tool", "name", "link", "from", "to", "out"};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
@@ -285,7 +286,7 @@ int RunCommand(const Arguments& args) {
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
-  if (!options.values.count("to")) to = session.KeyedEnd();
+  if (!options.values.count("to")) to = session.DefaultEnd();
   if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
   session.Resimulate(from, to);
   if (!session.Save(options.Get("out"), error)) return Fail(error);

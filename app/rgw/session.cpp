@@ -65,13 +65,19 @@ bool Session::Link(rgw::core::Instance& instance, const std::string& toolNode, c
   return true;
 }
 
-double Session::KeyedEnd() {
+double Session::DefaultEnd() {
   double end = -1;
   host.GetScene().Walk([&](SceneNode& node) {
     if (!node.track.Keys().empty()) {
       end = std::max(end, rgw::adaptor::standalone::SecondsFromTicks(node.track.Keys().back().tick));
     }
   });
+  // A take longer than the scene's keys is simulated to its end.
+  for (const rgw::core::Instance* instance : tools.AllInstances()) {
+    for (const auto& track : instance->RecordedTracks()) {
+      if (!track.records.empty()) end = std::max(end, track.records.back().time);
+    }
+  }
   return end < 0 ? host.GetAnimationRange().second : end;
 }
 

@@ -25,8 +25,9 @@ class Session {
             std::string& error);
   // Simulates every checked tool over the range, with a progress bar.
   void Resimulate(double from, double to);
-  // The end of the scene's keys, or of its range when nothing is keyed.
-  double KeyedEnd();
+  // The end of the scene's keys or of the tools' takes, whichever is later;
+  // the end of the scene's range when there are neither.
+  double DefaultEnd();
 
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
   // The compiled-in tools and those of the plugin folders.

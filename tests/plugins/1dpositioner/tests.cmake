@@ -32,3 +32,14 @@ add_test(NAME gltf_validator_resaved COMMAND node ${PROJECT_SOURCE_DIR}/tests/to
   ${CMAKE_CURRENT_BINARY_DIR}/job_again.gltf)
 set_tests_properties(gltf_validator_resaved PROPERTIES FIXTURES_REQUIRED ${previous}
   ENVIRONMENT NODE_PATH=${PROJECT_SOURCE_DIR}/build-tools/node/node_modules)
+
+# A take longer than the scene's keys is simulated to its end when no range is given.
+set(long_take ${CMAKE_CURRENT_BINARY_DIR}/long_take.csv)
+file(WRITE ${long_take} "time,Position\n0,0\n1,1\n3.5,0\n")
+add_test(NAME rgw_take_longer_than_the_keys COMMAND rgw take ${job} --instance 1DPositioner_01 --csv ${long_take}
+  --out ${CMAKE_CURRENT_BINARY_DIR}/long.gltf)
+set_tests_properties(rgw_take_longer_than_the_keys PROPERTIES FIXTURES_REQUIRED rgw_job_4 FIXTURES_SETUP rgw_long_take)
+add_test(NAME rgw_run_to_the_end_of_the_take COMMAND rgw run ${CMAKE_CURRENT_BINARY_DIR}/long.gltf
+  --out ${CMAKE_CURRENT_BINARY_DIR}/long_result.gltf)
+set_tests_properties(rgw_run_to_the_end_of_the_take PROPERTIES FIXTURES_REQUIRED rgw_long_take
+  PASS_REGULAR_EXPRESSION "simulated over 0.000 s to 3.500 s")
