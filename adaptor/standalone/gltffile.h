@@ -2,12 +2,15 @@
 // Scene files of the embedded host: glTF 2.0, in metres with Y up like the
 // system itself. What the host understands (nodes, meshes, cameras, keyed
 // transforms, node extras) becomes the scene; everything else the file
-// holds (materials, textures, skins, extensions) is kept and written back
-// unchanged, so a user's file loses nothing.
+// holds (materials, textures, skins, clips, extensions) is kept and written
+// back unchanged, so a user's file loses nothing. Only nodes whose track
+// changed get new keys; the others keep their channels as they were.
 
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "adaptor/standalone/scene.h"
 
@@ -24,17 +27,31 @@ class GltfFile {
   GltfFile(const GltfFile&) = delete;
   GltfFile& operator=(const GltfFile&) = delete;
 
-  // Reads a ".gltf" or ".glb" file into an empty scene. On failure the scene
-  // is left as it was and `error` names the file and the problem.
+  // Reads a glTF file, text or binary, into an empty scene, and sets the
+  // scene's frame rate to the file's. On failure the scene is left as it was
+  // and `error` names the file and the problem.
   bool Load(const std::string& path, Scene& scene, std::string* error = nullptr);
   // Writes the scene, with the rest of the loaded file, beside the target
-  // first and then over it. ".glb" writes the binary form.
+  // first and then over it. ".glb", in any case, writes the binary form; a
+  // file whose buffers were files beside it gets them beside the target.
   bool Save(const std::string& path, Scene& scene, std::string* error = nullptr);
 
+  // A clip's keys on the morph target weights of a node.
+  struct WeightsAnimation {
+    std::string node, clip;
+    std::size_t keys = 0;
+    double from = 0, to = 0;
+  };
+  std::vector<WeightsAnimation> WeightsAnimations() const;
+
  private:
+  bool Write(const std::string& path, std::string* error);
+
   std::unique_ptr<tinygltf::Model> model_;
   // glTF node index of each scene node read from the file.
   std::map<SceneNode::Handle, int> nodeOf_;
+  // Where the model's relative URIs are read from.
+  std::filesystem::path folder_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <vector>
 
+#include "adaptor/standalone/gltfdata.h"
+
 namespace vuk::rgw::adaptor::standalone {
 
 namespace {
@@ -54,11 +56,33 @@ void ForEachAccessorReference(tinygltf::Model& model, Visit visit) {
     for (tinygltf::AnimationSampler& sampler : animation.samplers) {
       visit(sampler.input);
       visit(sampler.output);
+      if (int* ticks = IndexSlot(sampler.extras, "rgw_ticks")) visit(*ticks);
     }
   }
   for (tinygltf::Skin& skin : model.skins) {
     if (skin.inverseBindMatrices >= 0) visit(skin.inverseBindMatrices);
   }
+  // A helper's shape, which is ours to read and no renderer's.
+  for (tinygltf::Node& node : model.nodes) {
+    if (!node.extras.IsObject() || !node.extras.Has("rgw_helper")) continue;
+    tinygltf::Value& helper = node.extras.Get<tinygltf::Value::Object>()["rgw_helper"];
+    for (const char* part : {"positions", "faces"}) {
+      if (int* index = IndexSlot(helper, part)) visit(*index);
+    }
+  }
+}
+
+// Samplers no channel uses, and clips left without channels.
+void PruneClips(tinygltf::Model& model) {
+  for (tinygltf::Animation& clip : model.animations) {
+    Usage samplers(clip.samplers.size());
+    for (const tinygltf::AnimationChannel& channel : clip.channels) samplers.Mark(channel.sampler);
+    samplers.Compact(clip.samplers);
+    for (tinygltf::AnimationChannel& channel : clip.channels) samplers.Renumber(channel.sampler);
+  }
+  model.animations.erase(std::remove_if(model.animations.begin(), model.animations.end(),
+                                        [](const tinygltf::Animation& clip) { return clip.channels.empty(); }),
+                         model.animations.end());
 }
 
 template <typename Visit>
@@ -107,6 +131,7 @@ void PackBuffers(tinygltf::Model& model) {
 }  // namespace
 
 void PruneUnusedData(tinygltf::Model& model) {
+  PruneClips(model);
   Usage accessors(model.accessors.size());
   ForEachAccessorReference(model, [&](int& index) { accessors.Mark(index); });
   accessors.Compact(model.accessors);

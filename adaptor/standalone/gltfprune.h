@@ -9,7 +9,9 @@ class Model;
 
 namespace vuk::rgw::adaptor::standalone {
 
-// Removes accessors, buffer views and buffers that nothing refers to, packs
+// Removes animation samplers that no channel uses and clips without
+// channels, then accessors, buffer views and buffers that nothing refers
+// to (our extras that name accessors count as references), packs
 // each buffer to the bytes its views use, and renumbers every reference.
 // A reference out of range becomes -1.
 void PruneUnusedData(tinygltf::Model& model);

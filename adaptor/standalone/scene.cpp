@@ -68,6 +68,7 @@ void Scene::Record(std::unique_ptr<UndoRecord> record) {
 }
 
 void Scene::SaveTrack(SceneNode* node) {
+  node->trackChanged = true;
   if (!undo.IsHolding() || undo.IsRestoring() || node->trackSavedInHold == undo.HoldNumber()) return;
   node->trackSavedInHold = undo.HoldNumber();
   undo.Put(std::make_unique<TrackRecord>(node));

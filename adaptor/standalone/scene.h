@@ -56,8 +56,9 @@ class Scene {
   friend class PlaceRecord;
   SceneNode* MakeNode(ObjectKind kind, const std::string& hostName);
   void Record(std::unique_ptr<UndoRecord> record);
-  // Keeps the node's track for undo before its first change in the open
-  // hold, so that a recording costs one record per node, not one per key.
+  // Marks the track changed, and keeps it for undo before its first change
+  // in the open hold, so that a recording costs one record per node, not one
+  // per key.
   void SaveTrack(SceneNode* node);
   // Moves a node to a new place in the tree (null parent: out of the tree).
   void Attach(SceneNode* node, SceneNode* parent, std::size_t index);

@@ -14,7 +14,7 @@
 
 namespace vuk::rgw::adaptor::standalone {
 
-enum class ObjectKind { kEmpty, kHelper, kMesh, kCamera, kShape };
+enum class ObjectKind { kEmpty, kHelper, kMesh, kCamera, kShape, kLight };
 
 struct CameraData {
   double fovDegrees = 45.0;
@@ -66,6 +66,9 @@ class SceneNode {
   TransformTrack track;
   // The undo hold that last saved the track; 0 for none (see Scene::SaveTrack).
   std::uint64_t trackSavedInHold = 0;
+  // Set by the first change of the track: a file writes new keys only for
+  // such nodes and keeps the animation of the others as it read it.
+  bool trackChanged = false;
 
  private:
   mutable std::unique_ptr<MeshRayTree> rayTree_;

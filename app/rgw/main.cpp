@@ -41,6 +41,8 @@ int Help(int code) {
                "  create FILE --prm MODEL.prm --out OUT         makes the model's tools in a scene\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"
                "                         renders a window to a picture\n"
+               "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
+               "otherwise the file's own.\n"
                "Each command takes --help; --version says which rgw this is.\n");
   return code;
 }

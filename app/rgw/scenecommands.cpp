@@ -33,6 +33,7 @@ const char* KindName(ObjectKind kind) {
     case ObjectKind::kMesh: return "mesh";
     case ObjectKind::kCamera: return "camera";
     case ObjectKind::kShape: return "shape";
+    case ObjectKind::kLight: return "light";
   }
   return "?";
 }
@@ -92,6 +93,19 @@ bool ReadNumber(const std::string& text, double& value, std::string& error) {
   return false;
 }
 
+// Opens the command's scene; --fps, when given, replaces the frame rate the
+// file has, for the keys a run writes and for the file written.
+std::optional<int> OpenScene(const Options& options, Session& session) {
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  if (!options.values.count("fps")) return std::nullopt;
+  double fps = 0;
+  if (!ReadNumber(options.Get("fps"), fps, error)) return Fail("--fps: " + error);
+  if (fps < 1 || fps > 4800 || fps != std::floor(fps)) return Fail("--fps " + options.Get("fps") + ": a whole number of frames per second from 1 to 4800");
+  session.host.GetScene().clock.SetFrameRate(static_cast<std::int32_t>(fps));
+  return std::nullopt;
+}
+
 // Makes the tool named by --tool, when there is one, and links its nodes.
 int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
   made = nullptr;
@@ -117,8 +131,7 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
 std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initializer_list<const char*> required,
                             Options& options, Session& session, rgw::core::InstanceReference*& item) {
   if (const auto code = options.Read(args, usage, required)) return code;
-  std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
+  if (const auto code = OpenScene(options, session)) return code;
   item = session.tools.Find(options.Get("instance"));
   if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
   return std::nullopt;
@@ -208,6 +221,10 @@ int SceneCommand(const Arguments& args) {
     }
     for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) pending.emplace_back(*it, depth + 1);
   }
+  for (const auto& weights : session.File().WeightsAnimations()) {
+    std::printf("weights of %s in clip \"%s\": %zu keys, %.3f s to %.3f s\n", weights.node.c_str(), weights.clip.c_str(),
+                weights.keys, weights.from, weights.to);
+  }
   for (const rgw::core::Instance* instance : session.tools.AllInstances()) {
     const std::vector<rgw::core::Instance::Channel> channels = instance->Channels();
     std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->InstanceName().c_str(),
@@ -233,13 +250,13 @@ int CreateCommand(const Arguments& args) {
       "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]...\n"
       "       rgw create FILE --prm MODEL.prm --out OUT\n"
       "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n";
-  Options options{"tool", "name", "link", "prm", "out"};
+  Options options{"tool", "name", "link", "prm", "out", "fps"};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   const bool fromModel = options.values.count("prm") != 0;
   if (fromModel == (options.values.count("tool") != 0)) return Fail("give either --tool or --prm");
   Session session;
   std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
+  if (const auto code = OpenScene(options, session)) return *code;
   if (fromModel) {
     vuk::util::xml::Element tree;
     if (!rgw::core::LoadPrmFile(options.Get("prm"), tree, &error)) return Fail(error);
@@ -269,11 +286,11 @@ int ModelCommand(const Arguments& args) {
 
 int RunCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S]\n"
+      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S] [--fps N]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default from 0 to the end of the scene's keys or of the tools' takes, whichever is later,\n"
-      "  and writes the scene with the keys.\n";
-  Options options{"tool", "name", "link", "from", "to", "out"};
+      "  and writes the scene with the keys, at the scene's frame rate or N frames per second.\n";
+  Options options{"tool", "name", "link", "from", "to", "out", "fps"};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
   double from = 0, to = 0;
@@ -282,7 +299,7 @@ int RunCommand(const Arguments& args) {
   // Key times in a scene file start at zero.
   if (from < 0) return Fail("--from " + options.Get("from") + ": a run starts at 0 s or later");
   Session session;
-  if (!session.Open(options.file, error)) return Fail(error);
+  if (const auto code = OpenScene(options, session)) return *code;
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
@@ -300,7 +317,7 @@ int SetCommand(const Arguments& args) {
       "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
       "  Changes configuration values of a tool in the scene, by their labels ('rgw tools TOOL'\n"
       "  lists them with their ranges).\n";
-  Options options{"instance", "value", "out"};
+  Options options{"instance", "value", "out", "fps"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "value", "out"}, options, session, item)) return *code;
@@ -321,7 +338,7 @@ int TakeCommand(const Arguments& args) {
       "usage: rgw take FILE --instance NAME --csv TAKE.csv --out OUT\n"
       "  Imports a take into a tool's recorded tracks: a CSV file whose header is \"time\" and\n"
       "  the channel names, one row per sample of the raw values.\n";
-  Options options{"instance", "csv", "out"};
+  Options options{"instance", "csv", "out", "fps"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return *code;
@@ -336,7 +353,7 @@ int BindCommand(const Arguments& args) {
       "usage: rgw bind FILE --instance NAME --profile PROFILE --out OUT\n"
       "  Binds a tool's channels through an input profile: a .cip file, or the name of one of the tool's\n"
       "  profiles (factory or saved by the user). Controls not attached now bind when they come.\n";
-  Options options{"instance", "profile", "out"};
+  Options options{"instance", "profile", "out", "fps"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return *code;

@@ -28,6 +28,7 @@ class Session {
   // The end of the scene's keys or of the tools' takes, whichever is later;
   // the end of the scene's range when there are neither.
   double DefaultEnd();
+  const rgw::adaptor::standalone::GltfFile& File() const { return file_; }
 
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
   // The compiled-in tools and those of the plugin folders.

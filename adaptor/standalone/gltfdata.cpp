@@ -1,0 +1,154 @@
+#include "adaptor/standalone/gltfdata.h"
+
+#include <tiny_gltf.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace vuk::rgw::adaptor::standalone {
+
+bool AccessorReader::Floats(int index, int components, std::vector<double>& out) {
+  const tinygltf::Accessor* accessor = Find(index, components);
+  if (!accessor) return false;
+  if (accessor->componentType != TINYGLTF_COMPONENT_TYPE_FLOAT) return Fail("accessor " + std::to_string(index) + " is not of floats");
+  const std::uint8_t* base = nullptr;
+  std::size_t stride = 0;
+  if (!Locate(*accessor, 4 * static_cast<std::size_t>(components), base, stride)) return false;
+  out.resize(accessor->count * static_cast<std::size_t>(components));
+  for (std::size_t i = 0; i < accessor->count; ++i) {
+    for (int c = 0; c < components; ++c) {
+      float value = 0;
+      std::memcpy(&value, base + i * stride + 4 * static_cast<std::size_t>(c), 4);
+      out[i * static_cast<std::size_t>(components) + static_cast<std::size_t>(c)] = value;
+    }
+  }
+  return true;
+}
+
+bool AccessorReader::Unsigned(int index, std::vector<std::uint32_t>& out) {
+  const tinygltf::Accessor* accessor = Find(index, 1);
+  if (!accessor) return false;
+  std::size_t size = 0;
+  if (accessor->componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE) size = 1;
+  if (accessor->componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT) size = 2;
+  if (accessor->componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT) size = 4;
+  if (size == 0) return Fail("index accessor " + std::to_string(index) + " has an unsupported component type");
+  const std::uint8_t* base = nullptr;
+  std::size_t stride = 0;
+  if (!Locate(*accessor, size, base, stride)) return false;
+  out.resize(accessor->count);
+  for (std::size_t i = 0; i < accessor->count; ++i) {
+    std::uint32_t value = 0;
+    std::memcpy(&value, base + i * stride, size);
+    out[i] = value;
+  }
+  return true;
+}
+
+bool AccessorReader::Fail(const std::string& text) {
+  problem_ = text;
+  return false;
+}
+
+const tinygltf::Accessor* AccessorReader::Find(int index, int components) {
+  if (index < 0 || static_cast<std::size_t>(index) >= model_.accessors.size()) {
+    Fail("accessor " + std::to_string(index) + " does not exist");
+    return nullptr;
+  }
+  const tinygltf::Accessor& accessor = model_.accessors[static_cast<std::size_t>(index)];
+  if (accessor.sparse.isSparse) {
+    Fail("accessor " + std::to_string(index) + " is sparse, which is not supported");
+    return nullptr;
+  }
+  const int has = tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type));
+  if (has != components) {
+    Fail("accessor " + std::to_string(index) + " has " + std::to_string(has) + " components where " +
+         std::to_string(components) + " are needed");
+    return nullptr;
+  }
+  return &accessor;
+}
+
+bool AccessorReader::Locate(const tinygltf::Accessor& accessor, std::size_t elementSize, const std::uint8_t*& base,
+                            std::size_t& stride) {
+  if (accessor.bufferView < 0 || static_cast<std::size_t>(accessor.bufferView) >= model_.bufferViews.size()) {
+    return Fail("an accessor has no buffer view");
+  }
+  const tinygltf::BufferView& view = model_.bufferViews[static_cast<std::size_t>(accessor.bufferView)];
+  if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model_.buffers.size()) {
+    return Fail("a buffer view names no buffer");
+  }
+  const std::vector<unsigned char>& data = model_.buffers[static_cast<std::size_t>(view.buffer)].data;
+  stride = view.byteStride ? view.byteStride : elementSize;
+  const std::size_t need = accessor.count == 0 ? 0 : accessor.byteOffset + stride * (accessor.count - 1) + elementSize;
+  if (stride < elementSize || view.byteOffset + view.byteLength > data.size() || need > view.byteLength) {
+    return Fail("an accessor runs past its buffer");
+  }
+  base = data.data() + view.byteOffset + accessor.byteOffset;
+  return true;
+}
+
+namespace {
+
+// Adds bytes to a buffer, aligned to four, and answers a view of them.
+int AppendView(tinygltf::Model& model, int buffer, const void* bytes, std::size_t size) {
+  std::vector<unsigned char>& data = model.buffers[static_cast<std::size_t>(buffer)].data;
+  while (data.size() % 4) data.push_back(0);
+  tinygltf::BufferView view;
+  view.buffer = buffer;
+  view.byteOffset = data.size();
+  view.byteLength = size;
+  const auto* begin = static_cast<const unsigned char*>(bytes);
+  data.insert(data.end(), begin, begin + size);
+  model.bufferViews.push_back(view);
+  return static_cast<int>(model.bufferViews.size() - 1);
+}
+
+int AppendAccessor(tinygltf::Model& model, tinygltf::Accessor accessor) {
+  model.accessors.push_back(std::move(accessor));
+  return static_cast<int>(model.accessors.size() - 1);
+}
+
+}  // namespace
+
+int AppendFloats(tinygltf::Model& model, int buffer, const std::vector<float>& values, int type, bool bounds) {
+  tinygltf::Accessor accessor;
+  accessor.bufferView = AppendView(model, buffer, values.data(), values.size() * sizeof(float));
+  accessor.componentType = TINYGLTF_COMPONENT_TYPE_FLOAT;
+  accessor.type = type;
+  const auto components = static_cast<std::size_t>(tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(type)));
+  accessor.count = values.size() / components;
+  if (bounds && accessor.count > 0) {
+    accessor.minValues.assign(components, 1e300);
+    accessor.maxValues.assign(components, -1e300);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      accessor.minValues[i % components] = std::min<double>(accessor.minValues[i % components], values[i]);
+      accessor.maxValues[i % components] = std::max<double>(accessor.maxValues[i % components], values[i]);
+    }
+  }
+  return AppendAccessor(model, std::move(accessor));
+}
+
+int AppendUnsigned(tinygltf::Model& model, int buffer, const std::vector<std::uint32_t>& values) {
+  tinygltf::Accessor accessor;
+  accessor.bufferView = AppendView(model, buffer, values.data(), values.size() * sizeof(std::uint32_t));
+  accessor.componentType = TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT;
+  accessor.type = TINYGLTF_TYPE_SCALAR;
+  accessor.count = values.size();
+  return AppendAccessor(model, std::move(accessor));
+}
+
+int IndexIn(const tinygltf::Value& extras, const char* name) {
+  if (!extras.IsObject() || !extras.Has(name)) return -1;
+  const tinygltf::Value& value = extras.Get(name);
+  return value.IsInt() ? value.Get<int>() : -1;
+}
+
+int* IndexSlot(tinygltf::Value& extras, const char* name) {
+  if (!extras.IsObject()) return nullptr;
+  auto& members = extras.Get<tinygltf::Value::Object>();
+  const auto found = members.find(name);
+  return found != members.end() && found->second.IsInt() ? &found->second.Get<int>() : nullptr;
+}
+
+}  // namespace vuk::rgw::adaptor::standalone
