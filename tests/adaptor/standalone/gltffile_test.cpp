@@ -106,6 +106,32 @@ TEST(GltfFile, SteppedAndCubicAnimationsBecomeKeys) {
   EXPECT_EQ(std::make_pair(keys[0].scale.x, keys[1].scale.z), std::make_pair(1.0, 2.0));
 }
 
+// Past 2048 s a float can't hold a tick: keys come back on the ticks they
+// were written at, their float times still rise, and the frame rate stays.
+TEST(GltfFile, KeysOfLongTakesComeBackOnTheirTicks) {
+  Scene scene;
+  scene.clock.SetFrameRate(24);
+  SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Rig");
+  const Tick late = 7200 * kTicksPerSecond;
+  for (Tick tick : {Tick(0), late - 1, late, late + 1}) {
+    TransformKey key;
+    key.tick = tick;
+    key.position.x = static_cast<double>(tick);
+    node->track.SetKey(key);
+  }
+  std::string error;
+  for (const std::string kind : {".gltf", ".GLB"}) {
+    ASSERT_TRUE(GltfFile().Save(Temp("long" + kind), scene, &error)) << error;
+    EXPECT_EQ(Read(Temp("long" + kind)).rfind("glTF", 0) == 0, kind == ".GLB");
+    Scene loaded;
+    ASSERT_TRUE(GltfFile().Load(Temp("long" + kind), loaded, &error)) << error;
+    std::vector<Tick> ticks;
+    for (const TransformKey& key : loaded.Root().children.at(0)->track.Keys()) ticks.push_back(key.tick);
+    EXPECT_EQ(ticks, (std::vector<Tick>{0, late - 1, late, late + 1}));
+    EXPECT_EQ(loaded.clock.GetFrameRate(), 24);
+  }
+}
+
 struct BadFile {
   const char* name;
   const char* text;
