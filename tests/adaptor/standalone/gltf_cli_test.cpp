@@ -107,17 +107,12 @@ void AddClip(tinygltf::Model& model, const std::string& name, int input,
   clip.name = name;
   clip.extras = Extras("take", static_cast<int>(model.animations.size()));
   for (const auto& [node, path, interpolation, output] : channels) {
-    tinygltf::AnimationSampler sampler;
-    sampler.input = input;
-    sampler.output = output;
-    sampler.interpolation = interpolation;
+    tinygltf::AnimationSampler& sampler = clip.samplers.emplace_back();
+    std::tie(sampler.input, sampler.output, sampler.interpolation) = std::make_tuple(input, output, interpolation);
     sampler.extras = Extras("curve", output);
-    clip.samplers.push_back(sampler);
-    tinygltf::AnimationChannel channel;
-    channel.sampler = static_cast<int>(clip.samplers.size() - 1);
-    channel.target_node = node;
-    channel.target_path = path;
-    clip.channels.push_back(channel);
+    tinygltf::AnimationChannel& channel = clip.channels.emplace_back();
+    std::tie(channel.sampler, channel.target_node, channel.target_path) =
+        std::make_tuple(static_cast<int>(clip.samplers.size() - 1), node, path);
   }
   model.animations.push_back(clip);
 }
