@@ -104,6 +104,25 @@ struct Scene {
   InstanceManager tools{&host, &library};
 };
 
+// Two tools whose nodes hang on each other and on a plain scene object:
+// the first's target on the floor, the first's camera and the second's
+// camera on the first's target.
+struct LinkedTools {
+  explicit LinkedTools(Scene& scene)
+      : first(scene.tools.Create("TestTool")),
+        second(scene.tools.Create("TestTool")),
+        floor(scene.host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kEmpty, "Floor")) {
+    StandaloneNode floorNode(&scene.host, floor);
+    CoreNode* target = static_cast<CoreNode*>(first->instance->FindNode("Target"));
+    target->SetParent(&floorNode);
+    static_cast<CoreNode*>(first->instance->FindNode("Camera"))->SetParent(target);
+    static_cast<CoreNode*>(second->instance->FindNode("Camera"))->SetParent(target);
+  }
+  InstanceReference* first;
+  InstanceReference* second;
+  SceneNode* floor;
+};
+
 class ToolsInScenes : public testing::Test {
  protected:
   void TearDown() override { SetMessageBoxSink(nullptr); }
@@ -245,28 +264,21 @@ TEST_F(ToolsInScenes, AFileMergedTwiceKeepsOneTool) {
 // name when it lies in another, and not at all when it is a plain object.
 TEST_F(ToolsInScenes, NodeInformationNamesParentsAndKeepsMeshes) {
   Scene scene;
-  InstanceReference* first = scene.tools.Create("TestTool");
-  InstanceReference* second = scene.tools.Create("TestTool");
-  SceneNode* floor = scene.host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kEmpty, "Floor");
-  StandaloneNode floorNode(&scene.host, floor);
-  NodeOf(*first, "Camera")->SetParent(NodeOf(*first, "Target"));
-  NodeOf(*second, "Camera")->SetParent(NodeOf(*first, "Target"));
-  NodeOf(*second, "Target")->SetParent(&floorNode);
-
+  LinkedTools tools(scene);
   struct Case {
     InstanceReference* tool;
     std::size_t node;
     const char* external;
     const char* parent;
   };
-  for (const Case& expected : {Case{first, 0, "", ""}, Case{first, 1, "", "Target"},
-                               Case{second, 0, "", ""}, Case{second, 1, "TestTool_01", "Target"}}) {
+  for (const Case& expected : {Case{tools.first, 0, "", ""}, Case{tools.first, 1, "", "Target"},
+                               Case{tools.second, 0, "", ""}, Case{tools.second, 1, "TestTool_01", "Target"}}) {
     const util::xml::Element info = expected.tool->Serialize(0).GetChild("nodeinfo").GetChild("node", expected.node);
     SCOPED_TRACE(info.Write("", ""));
     EXPECT_EQ(info.GetChild("parent").GetAttribute("external"), expected.external);
     EXPECT_EQ(info.GetChild("parent").GetText(), expected.parent);
   }
-  const util::xml::Element nodes = first->Serialize(0).GetChild("nodeinfo");
+  const util::xml::Element nodes = tools.first->Serialize(0).GetChild("nodeinfo");
   util::CMesh mesh;
   ASSERT_TRUE(ReadMeshElement(nodes.GetChild("node", 0).GetChild("mesh"), mesh));
   const util::CMesh_Box box(0.5, 0.5, 0.5);
@@ -297,18 +309,15 @@ TEST(MeshElement, ADamagedOneLeavesTheMeshAlone) {
 // a link to a tool made later in the load waits for that tool.
 TEST_F(ToolsInScenes, LoadedToolsTakeTheirSavedParentsAndMeshes) {
   Scene scene;
-  InstanceReference* first = scene.tools.Create("TestTool");
-  InstanceReference* second = scene.tools.Create("TestTool");
-  NodeOf(*first, "Camera")->SetParent(NodeOf(*first, "Target"));
-  NodeOf(*second, "Camera")->SetParent(NodeOf(*first, "Target"));
+  LinkedTools tools(scene);
   util::CMesh bigger = util::CMesh_Box(2, 2, 2);
-  CSnapshot_Mesh* look = first->instance->GetMeshSnapshot(NodeOf(*first, "Target"), 0);
+  CSnapshot_Mesh* look = tools.first->instance->GetMeshSnapshot(NodeOf(*tools.first, "Target"), 0);
   look->SetMesh(bigger);
-  first->instance->ReleaseMeshSnapshot(look);
+  tools.first->instance->ReleaseMeshSnapshot(look);
 
   util::xml::Tag model("RGT");
-  model.AddChild(second->Serialize(0));
-  model.AddChild(first->Serialize(0));
+  model.AddChild(tools.second->Serialize(0));
+  model.AddChild(tools.first->Serialize(0));
   ASSERT_EQ(scene.tools.LoadToolTree(model), 2);
   InstanceReference& secondCopy = scene.Top(2);
   InstanceReference& firstCopy = scene.Top(3);
@@ -317,30 +326,27 @@ TEST_F(ToolsInScenes, LoadedToolsTakeTheirSavedParentsAndMeshes) {
   // Below the copy of the first tool, not the first tool that has its saved name.
   EXPECT_EQ(HostOf(NodeOf(secondCopy, "Camera"))->parent, target);
   EXPECT_EQ(target->mesh.vertices, bigger.vertices);
+  // A plain object isn't part of the model.
+  EXPECT_TRUE(target->parent->isRoot);
 }
 
 TEST_F(ToolsInScenes, ACloneKeepsItsSourcesOutsideParentAndCopiesOtherToolsBelow) {
   Scene scene;
-  InstanceReference* source = scene.tools.Create("TestTool");
-  InstanceReference* other = scene.tools.Create("TestTool");
-  SceneNode* floor = scene.host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kEmpty, "Floor");
-  StandaloneNode floorNode(&scene.host, floor);
-  NodeOf(*source, "Target")->SetParent(&floorNode);
-  NodeOf(*other, "Camera")->SetParent(NodeOf(*source, "Camera"));
-
-  InstanceReference* copy = scene.tools.Clone(source);
+  LinkedTools tools(scene);
+  InstanceReference* copy = scene.tools.Clone(tools.first);
   ASSERT_NE(copy, nullptr);
-  EXPECT_EQ(HostOf(NodeOf(*copy, "Target"))->parent, floor);
-  SceneNode* camera = HostOf(NodeOf(*copy, "Camera"));
-  ASSERT_EQ(camera->children.size(), 1u);
-  EXPECT_EQ(camera->children[0]->hostName, "TestTool_02_Camera_copy");
+  SceneNode* target = HostOf(NodeOf(*copy, "Target"));
+  EXPECT_EQ(target->parent, tools.floor);
+  ASSERT_EQ(target->children.size(), 2u);
+  EXPECT_EQ(target->children[0], HostOf(NodeOf(*copy, "Camera")));
+  SceneNode* copied = target->children[1];
+  EXPECT_EQ(copied->hostName, "TestTool_02_Camera_copy");
   // The other tool's node stays where it was, and the copy is nobody's.
-  EXPECT_EQ(HostOf(NodeOf(*other, "Camera"))->parent, HostOf(NodeOf(*source, "Camera")));
-  EXPECT_EQ(scene.host.FindOwnedOver(camera->children[0]), nullptr);
-  SceneNode* copied = camera->children[0];
+  EXPECT_EQ(HostOf(NodeOf(*tools.second, "Camera"))->parent, HostOf(NodeOf(*tools.first, "Target")));
+  EXPECT_EQ(scene.host.FindOwnedOver(copied), nullptr);
   scene.host.Undo();
-  EXPECT_EQ(HostOf(NodeOf(*source, "Camera"))->children.size(), 1u);
   EXPECT_FALSE(copied->IsInScene());
+  EXPECT_EQ(HostOf(NodeOf(*tools.first, "Target"))->children.size(), 2u);
 }
 
 // Tools without nodes travel with the scene's root, and those with nodes
