@@ -33,6 +33,17 @@ bool IsOwnedBy(const CoreNode* node, const Instance* instance) {
   return node->owner == static_cast<const CInterface*>(instance);
 }
 
+// When the node hangs below `from`, a copy of its scene object goes below `to`.
+void CopyBelow(CoreNode* node, CoreNode* from, CoreNode* to) {
+  CNode* up = node->GetParent();
+  const bool below = up && static_cast<CoreNode*>(up)->IsSameNode(from);
+  if (up) node->ReleaseWrapper(up);
+  if (!below) return;
+  CoreNode* copied = node->Clone();
+  LinkBelow(copied, to);
+  if (copied) copied->DestroySelf();
+}
+
 }  // namespace
 
 InstanceManager::InstanceManager(AdaptorInterface* adaptor, const LibraryManager* library)
@@ -124,14 +135,9 @@ InstanceReference* InstanceManager::Clone(InstanceReference* item) {
       from->ReleaseSnapshot(pose);
       to->ReleaseSnapshot(target);
       for (CoreNode* other : all.nodes) {
-        if (!other->owner || IsOwnedBy(other, source) || IsOwnedBy(other, made->instance.get())) continue;
-        CNode* up = other->GetParent();
-        const bool below = up && static_cast<CoreNode*>(up)->IsSameNode(from);
-        if (up) other->ReleaseWrapper(up);
-        if (!below) continue;
-        CoreNode* copied = other->Clone();
-        LinkBelow(copied, to);
-        if (copied) copied->DestroySelf();
+        if (other->owner && !IsOwnedBy(other, source) && !IsOwnedBy(other, made->instance.get())) {
+          CopyBelow(other, from, to);
+        }
       }
     }
   }
