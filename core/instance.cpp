@@ -221,8 +221,13 @@ util::xml::Element Instance::ConfigProfile() const {
 }
 
 void Instance::ApplyConfigProfile(const util::xml::Element& profile) {
-  if (page_) page_->ReadAnyProfile(profile);
+  const bool converted = page_ && page_->ReadAnyProfile(profile);
   if (!profile.GetAttribute("name").empty()) configProfileName_ = profile.GetAttribute("name");
+  if (converted) {
+    ShowMessageBox("This profile has been saved in an older version of " + plugin_->GetTitle() +
+                       ". Some old settings might not work well in the current version. Use it with caution.",
+                   "Quoll Rigworks", box::kWarning);
+  }
 }
 
 util::xml::Element Instance::InputProfile() const {

@@ -108,7 +108,8 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   void Delete(bool withNodes);
 
   // The running configuration and bindings as profiles, and profiles applied;
-  // an applied profile's name becomes the running one.
+  // an applied profile's name becomes the running one. A profile of an older
+  // version warns the user that it may not work well.
   util::xml::Element ConfigProfile() const;
   void ApplyConfigProfile(const util::xml::Element& profile);
   util::xml::Element InputProfile() const;

@@ -1,5 +1,6 @@
 #include "core/instancemanager.h"
 
+#include <algorithm>
 #include <functional>
 
 #include "core/messagebox.h"
@@ -17,6 +18,30 @@ void Walk(InstanceReference& item, const std::function<void(InstanceReference&)>
     visit(child);
     Walk(child, visit);
   }
+}
+
+// Links the node below the parent keeping its pose, unless it is there already.
+void LinkBelow(CoreNode* node, CoreNode* parent) {
+  if (!node || !parent) return;
+  CNode* current = node->GetParent();
+  const bool there = current && static_cast<CoreNode*>(current)->IsSameNode(parent);
+  if (current) node->ReleaseWrapper(current);
+  if (!there) node->SetParent(parent);
+}
+
+bool IsOwnedBy(const CoreNode* node, const Instance* instance) {
+  return node->owner == static_cast<const CInterface*>(instance);
+}
+
+// When the node hangs below `from`, a copy of its scene object goes below `to`.
+void CopyBelow(CoreNode* node, CoreNode* from, CoreNode* to) {
+  CNode* up = node->GetParent();
+  const bool below = up && static_cast<CoreNode*>(up)->IsSameNode(from);
+  if (up) node->ReleaseWrapper(up);
+  if (!below) return;
+  CoreNode* copied = node->Clone();
+  LinkBelow(copied, to);
+  if (copied) copied->DestroySelf();
 }
 
 }  // namespace
@@ -86,19 +111,34 @@ InstanceReference* InstanceManager::Clone(InstanceReference* item) {
   }
   auto* parent = static_cast<InstanceReference*>(item->parent);
   InstanceReference* made = MakeFromElement(copy, parent);
+  EndLoad();
   if (made) {
     adaptor_->PutUndo(new InstanceReferenceCreateRestore(made, made->parent, static_cast<std::size_t>(made->ChildIndex())));
-    // Each new node stands where its source stands.
-    NodeVector sources, targets;
+    const Instance* source = item->instance.get();
+    NodeVector sources, targets, all;
     adaptor_->GetInstanceNodes(static_cast<CInterface*>(item->instance.get()), sources);
     adaptor_->GetInstanceNodes(static_cast<CInterface*>(made->instance.get()), targets);
+    adaptor_->GetAllNodes(all);
     const double now = adaptor_->GetTime();
     for (std::size_t i = 0; i < sources.nodes.size() && i < targets.nodes.size(); ++i) {
-      CSnapshot* from = sources.nodes[i]->GetSnapshot(now);
-      CSnapshot* to = targets.nodes[i]->GetSnapshot(now);
-      if (from && to) to->SetWorldTransform(from->GetWorldTransform());
-      sources.nodes[i]->ReleaseSnapshot(from);
-      targets.nodes[i]->ReleaseSnapshot(to);
+      CoreNode* from = sources.nodes[i];
+      CoreNode* to = targets.nodes[i];
+      if (CNode* up = from->GetParent()) {
+        auto* outside = static_cast<CoreNode*>(up);
+        if (!IsOwnedBy(outside, source) && !outside->IsRootNode()) LinkBelow(to, outside);
+        from->ReleaseWrapper(up);
+      }
+      // Each new node stands where its source stands.
+      CSnapshot* pose = from->GetSnapshot(now);
+      CSnapshot* target = to->GetSnapshot(now);
+      if (pose && target) target->SetWorldTransform(pose->GetWorldTransform());
+      from->ReleaseSnapshot(pose);
+      to->ReleaseSnapshot(target);
+      for (CoreNode* other : all.nodes) {
+        if (other->owner && !IsOwnedBy(other, source) && !IsOwnedBy(other, made->instance.get())) {
+          CopyBelow(other, from, to);
+        }
+      }
     }
   }
   adaptor_->EndUndo();
@@ -145,14 +185,15 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
   util::xml::Element custom = element.GetChild("customdata");
   tool.GetTool()->Extension(extension::kLoadCustomData, &custom);
   if (tool.GetTool()->BuildConfig() != 0) return nullptr;
+  plugin->KeepFactoryProfiles(tool);
   if (!element.GetChild("configprofile").children.empty()) tool.ApplyConfigProfile(element.GetChild("configprofile"));
   if (!element.GetChild("inputprofile").IsEmpty()) tool.ApplyInputProfile(element.GetChild("inputprofile"));
   tool.LoadTracks(element.GetChild("recordedinputvalues"));
   const util::xml::Element& saved = element.GetChild("savedata");
+  const util::xml::Element& nodeInfo = element.GetChild("nodeinfo");
   if (saved.IsEmpty()) {
     if (tool.GetTool()->Create() != 0) return nullptr;
   } else {
-    const util::xml::Element& nodeInfo = element.GetChild("nodeinfo");
     NodeVector nodes;
     adaptor_->ResolveNodes(name, nodeInfo, nodes);
     std::string missing;
@@ -175,12 +216,68 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
     tool.SetSaveData(bytes.data(), static_cast<std::int32_t>(bytes.size()));
     if (tool.GetTool()->Load() != 0) return nullptr;
   }
+  loaded_.emplace_back(element.GetChild("name").GetText(), &tool);
+  RestoreNodes(tool, nodeInfo);
+  ResolveLinks(false);
   InstanceReference* made = item.release();
   (parent ? parent : &root_)->Link(made);
   for (std::size_t i = 0, n = element.CountChildren("RGT_Plugin"); i < n; ++i) {
     MakeFromElement(element.GetChild("RGT_Plugin", i), made);
   }
   return made;
+}
+
+void InstanceManager::RestoreNodes(Instance& tool, const util::xml::Element& nodeInfo) {
+  const double now = adaptor_->GetTime();
+  for (std::size_t i = 0, n = nodeInfo.CountChildren("node"); i < n; ++i) {
+    const util::xml::Element& entry = nodeInfo.GetChild("node", i);
+    CoreNode* node = adaptor_->FindNode(static_cast<CInterface*>(&tool), entry.GetChild("name").GetText());
+    if (!node) continue;
+    util::CMesh mesh;
+    const util::xml::Element& savedMesh = entry.GetChild("mesh");
+    if (!savedMesh.IsEmpty() && ReadMeshElement(savedMesh, mesh)) {
+      if (CSnapshot_Mesh* snapshot = node->GetMeshSnapshot(now)) {
+        snapshot->SetMesh(mesh);
+        node->ReleaseMeshSnapshot(snapshot);
+      }
+    }
+    const util::xml::Element& parent = entry.GetChild("parent");
+    const std::string parentName = parent.GetText();
+    if (parentName.empty()) continue;
+    const std::string external = parent.GetAttribute("external");
+    if (external.empty()) {
+      LinkBelow(node, adaptor_->FindNode(static_cast<CInterface*>(&tool), parentName));
+    } else {
+      pendingLinks_.push_back({node, external, parentName});
+    }
+  }
+}
+
+void InstanceManager::ResolveLinks(bool loadEnded) {
+  for (auto link = pendingLinks_.begin(); link != pendingLinks_.end();) {
+    // A tool made in this load answers to its saved name, whatever name it got.
+    const auto made = std::find_if(loaded_.begin(), loaded_.end(),
+                                   [&](const auto& entry) { return entry.first == link->instanceName; });
+    Instance* owner = made != loaded_.end() ? made->second : nullptr;
+    if (!owner && loadEnded) {
+      InstanceReference* existing = Find(link->instanceName);
+      owner = existing ? existing->instance.get() : nullptr;
+    }
+    CoreNode* parent = owner ? adaptor_->FindNode(static_cast<CInterface*>(owner), link->parentName) : nullptr;
+    if (!parent) {
+      ++link;
+      continue;
+    }
+    LinkBelow(link->node, parent);
+    link = pendingLinks_.erase(link);
+  }
+}
+
+void InstanceManager::EndLoad() {
+  // What still waits names a tool that isn't there: those links are lost.
+  ResolveLinks(true);
+  pendingLinks_.clear();
+  loaded_.clear();
 }
 
 int InstanceManager::LoadToolTree(const util::xml::Element& given) {
@@ -195,6 +292,7 @@ int InstanceManager::LoadToolTree(const util::xml::Element& given) {
   for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {
     if (InstanceReference* item = MakeFromElement(tree.GetChild("RGT_Plugin", i), nullptr)) made.push_back(item);
   }
+  EndLoad();
   // Every tool exists now: tools that link to others' nodes do it here, parents first.
   int count = 0;
   for (InstanceReference* item : made) {

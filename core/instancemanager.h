@@ -38,7 +38,9 @@ class InstanceManager : public InstanceList {
   // Deletes a tool and those below it, last child first, in one undo group;
   // with `unplugOnly` the nodes stay in the scene, free of their tools.
   void Delete(InstanceReference* item, bool unplugOnly);
-  // A copy of the tool with new nodes that take over the source's poses.
+  // A copy of the tool with new nodes that take over the source's poses and
+  // outside parents; nodes of other tools below the source's are copied
+  // below the copy's.
   InstanceReference* Clone(InstanceReference* item);
   // Gives the tool a new name, undoable; false for an empty name or one that
   // another tool has.
@@ -51,11 +53,28 @@ class InstanceManager : public InstanceList {
   util::xml::Element SaveToolTreeForScene() const;
 
  private:
+  // A node below a node of another tool, linked once that tool is made.
+  struct PendingLink {
+    CoreNode* node;
+    std::string instanceName;
+    std::string parentName;
+  };
+
   InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);
+  // Gives the tool's nodes their saved meshes and parents.
+  void RestoreNodes(Instance& tool, const util::xml::Element& nodeInfo);
+  // Links what waits for tools made in this load; at the end of the load
+  // also for tools that were there before, by their names.
+  void ResolveLinks(bool loadEnded);
+  void EndLoad();
 
   AdaptorInterface* adaptor_;
   const LibraryManager* library_;
   InstanceReference root_;
+  // For the load under way: each tool made by its saved name, and the links
+  // still waiting for a tool.
+  std::vector<std::pair<std::string, Instance*>> loaded_;
+  std::vector<PendingLink> pendingLinks_;
 };
 
 }  // namespace vuk::rgw::core

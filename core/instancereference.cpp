@@ -1,5 +1,7 @@
 #include "core/instancereference.h"
 
+#include <algorithm>
+
 #include "util/base64.h"
 #include "util/compressedblock.h"
 #include "util/xml/tag.h"
@@ -22,6 +24,71 @@ std::string MatrixBlob(const util::Matrix<double>& matrix) {
   util::ByteWriter writer(bytes);
   for (double element : matrix.m) writer.Put(element);
   return Blob(bytes.data(), bytes.size());
+}
+
+template <typename T>
+void PutNumbers(util::ByteWriter& writer, const std::vector<T>& values) {
+  for (const T& value : values) writer.Put(value);
+}
+
+void PutNumbers(util::ByteWriter& writer, const std::vector<util::Vector3<double>>& points) {
+  for (const auto& point : points) {
+    writer.Put(point.x);
+    writer.Put(point.y);
+    writer.Put(point.z);
+  }
+}
+
+bool GetNumber(util::ByteReader& reader, std::int32_t& value) { return reader.Get(value); }
+
+bool GetNumber(util::ByteReader& reader, util::Vector3<double>& point) {
+  return reader.Get(point.x) && reader.Get(point.y) && reader.Get(point.z);
+}
+
+template <typename T>
+Element ArrayBlob(const char* name, const std::vector<T>& values) {
+  util::Bytes bytes;
+  util::ByteWriter writer(bytes);
+  PutNumbers(writer, values);
+  return TagWithData(name, Blob(bytes.data(), bytes.size()));
+}
+
+template <typename T>
+bool ReadArrayBlob(const Element& blob, std::vector<T>& values) {
+  util::Bytes bytes;
+  if (!util::Base64::Decode(blob.GetText(), bytes)) return false;
+  util::ByteReader reader(bytes);
+  std::vector<T> read;
+  T value{};
+  while (reader.Remaining() > 0) {
+    if (!GetNumber(reader, value)) return false;
+    read.push_back(value);
+  }
+  values = std::move(read);
+  return true;
+}
+
+// Whole triangles whose corners all exist.
+bool ValidFaces(const std::vector<std::int32_t>& faces, std::size_t corners) {
+  return faces.size() % 3 == 0 && std::all_of(faces.begin(), faces.end(), [&](std::int32_t index) {
+           return index >= 0 && static_cast<std::size_t>(index) < corners;
+         });
+}
+
+// "parent": the parent's name in this tool, or in another tool named by
+// "external"; empty for a scene object, the scene's root or none.
+Element ParentOf(Instance& instance, CoreNode& node) {
+  Tag parent("parent");
+  CNode* up = node.GetParent();
+  const auto* wrapper = static_cast<CoreNode*>(up);
+  if (wrapper && wrapper->owner) {
+    if (wrapper->owner != static_cast<CInterface*>(&instance)) {
+      parent.SetAttribute("external") = InstanceName(wrapper->owner);
+    }
+    parent.AddChild(util::xml::Text(wrapper->name));
+  }
+  if (up) node.ReleaseWrapper(up);
+  return std::move(parent);
 }
 
 Element NodeInfo(Instance& instance) {
@@ -50,14 +117,40 @@ Element NodeInfo(Instance& instance) {
       entry.AddChild(local);
       node->ReleaseSnapshot(snapshot);
     }
-    entry.AddChild(Tag("parent"));
+    entry.AddChild(ParentOf(instance, *node));
     entry.AddChild(TagWithData("visible", node->IsVisible() ? "true" : "false"));
+    if (CSnapshot_Mesh* mesh = node->GetMeshSnapshot(now)) {
+      entry.AddChild(MeshElement(mesh->GetMesh()));
+      node->ReleaseMeshSnapshot(mesh);
+    }
     info.AddChild(entry);
   }
   return std::move(info);
 }
 
 }  // namespace
+
+Element MeshElement(const util::CMesh& mesh) {
+  Tag element("mesh");
+  element.AddChild(ArrayBlob("vertices", mesh.vertices));
+  element.AddChild(ArrayBlob("texturevertices", mesh.textureVertices));
+  element.AddChild(ArrayBlob("faces", mesh.faces));
+  element.AddChild(ArrayBlob("texturefaces", mesh.textureFaces));
+  return std::move(element);
+}
+
+bool ReadMeshElement(const Element& element, util::CMesh& mesh) {
+  util::CMesh read;
+  if (!ReadArrayBlob(element.GetChild("vertices"), read.vertices) ||
+      !ReadArrayBlob(element.GetChild("texturevertices"), read.textureVertices) ||
+      !ReadArrayBlob(element.GetChild("faces"), read.faces) ||
+      !ReadArrayBlob(element.GetChild("texturefaces"), read.textureFaces) ||
+      !ValidFaces(read.faces, read.vertices.size()) || !ValidFaces(read.textureFaces, read.textureVertices.size())) {
+    return false;
+  }
+  mesh.Assign(read);
+  return true;
+}
 
 void TreeItem::Link(TreeItem* child) {
   child->parent = this;

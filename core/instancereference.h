@@ -12,6 +12,7 @@
 #include "core/instance.h"
 #include "util/compositedynamic.h"
 #include "util/dynamicobject.h"
+#include "util/mesh.h"
 #include "util/xml/element.h"
 
 namespace vuk::rgw::core {
@@ -52,5 +53,11 @@ class InstanceReference : public TreeItem {
   std::unique_ptr<Instance> instance;
   bool deletable = true;
 };
+
+// The "mesh" of a node's saved information: the four arrays of the mesh,
+// each a blob of little-endian numbers.
+util::xml::Element MeshElement(const util::CMesh& mesh);
+// False, with the mesh untouched, when a blob is damaged.
+bool ReadMeshElement(const util::xml::Element& element, util::CMesh& mesh);
 
 }  // namespace vuk::rgw::core

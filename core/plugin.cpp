@@ -43,23 +43,20 @@ std::string Plugin::GetInstallFolder() const { return GetPath("data") + "/" + pl
 
 namespace {
 
-// Keeps the values as the read-only "Factory Settings", and as "Start
-// Profile" when there is none yet; answers the start profile.
-const util::xml::Element& KeepFactoryAndStart(XMLFileManager& manager, util::xml::Element values) {
+void KeepFactoryAndStart(XMLFileManager& manager, util::xml::Element values) {
   values.SetAttribute("name") = Plugin::kFactorySettings;
   manager.Keep(values);
   if (!manager.Find(Plugin::kStartProfile)) {
     values.SetAttribute("name") = Plugin::kStartProfile;
     manager.Keep(values);
   }
-  return *manager.Find(Plugin::kStartProfile);
 }
 
 }  // namespace
 
-void Plugin::ApplyStartProfiles(Instance& instance) {
-  instance.ApplyConfigProfile(KeepFactoryAndStart(ConfigProfiles(), instance.ConfigProfile()));
-  instance.ApplyInputProfile(KeepFactoryAndStart(InputProfiles(), instance.InputProfile()));
+void Plugin::KeepFactoryProfiles(Instance& instance) {
+  KeepFactoryAndStart(ConfigProfiles(), instance.ConfigProfile());
+  KeepFactoryAndStart(InputProfiles(), instance.InputProfile());
 }
 
 std::vector<std::string> Plugin::GetAliases() const {
@@ -93,7 +90,9 @@ std::unique_ptr<Instance> Plugin::CreateInstance(const std::string& name, Adapto
   std::unique_ptr<Instance> instance = MakeInstance(name, adaptor);
   if (!instance) return nullptr;
   if (instance->GetTool()->BuildConfig() != 0 || instance->GetTool()->Create() != 0) return nullptr;
-  ApplyStartProfiles(*instance);
+  KeepFactoryProfiles(*instance);
+  instance->ApplyConfigProfile(*ConfigProfiles().Find(kStartProfile));
+  instance->ApplyInputProfile(*InputProfiles().Find(kStartProfile));
   return instance;
 }
 

@@ -36,6 +36,9 @@ class Plugin {
   // A new tool: the instance, its page and its nodes. Null when the tool
   // refuses; nothing is left behind then.
   std::unique_ptr<Instance> CreateInstance(const std::string& name, AdaptorInterface* adaptor);
+  // Keeps the instance's present values as the read-only "Factory Settings"
+  // of both kinds, and as "Start Profile" where there is none yet.
+  void KeepFactoryProfiles(Instance& instance);
 
   // The user's and the installed data folders of the tool.
   std::string GetUserFolder() const;
@@ -49,9 +52,6 @@ class Plugin {
   CCameraPlugin* plugin;
 
  private:
-  // "Factory Settings" from the new tool's values, "Start Profile" when
-  // there is none yet, and that profile into the instance.
-  void ApplyStartProfiles(Instance& instance);
   void LoadProfiles();
 
   XMLFileManager configProfiles_;

@@ -160,6 +160,26 @@ void WritePose(tinygltf::Node& target, const TransformKey& pose) {
   target.scale = {pose.scale.x, pose.scale.y, pose.scale.z};
 }
 
+// The scene root's strings (the tools that have no node to carry them)
+// travel as string extras of the glTF scene; other extras stay as they are.
+void ReadRootProperties(const tinygltf::Scene& source, SceneNode& root) {
+  if (!source.extras.IsObject()) return;
+  for (const auto& [key, value] : source.extras.Get<tinygltf::Value::Object>()) {
+    if (value.IsString()) root.properties[key] = value.Get<std::string>();
+  }
+}
+
+void WriteRootProperties(const SceneNode& root, tinygltf::Scene& target) {
+  if (!target.extras.IsObject() && root.properties.empty()) return;
+  tinygltf::Value::Object extras =
+      target.extras.IsObject() ? target.extras.Get<tinygltf::Value::Object>() : tinygltf::Value::Object();
+  for (auto it = extras.begin(); it != extras.end();) {
+    it = it->second.IsString() && !root.properties.count(it->first) ? extras.erase(it) : std::next(it);
+  }
+  for (const auto& [key, value] : root.properties) extras[key] = tinygltf::Value(value);
+  target.extras = tinygltf::Value(extras);
+}
+
 }  // namespace
 
 GltfFile::GltfFile() : model_(std::make_unique<tinygltf::Model>()) {}
@@ -196,7 +216,10 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   // The tree from the scene's roots; a node is taken once, whatever the file says.
   std::vector<int> roots;
   const int sceneIndex = model->defaultScene >= 0 ? model->defaultScene : 0;
-  if (static_cast<std::size_t>(sceneIndex) < model->scenes.size()) roots = model->scenes[static_cast<std::size_t>(sceneIndex)].nodes;
+  if (static_cast<std::size_t>(sceneIndex) < model->scenes.size()) {
+    roots = model->scenes[static_cast<std::size_t>(sceneIndex)].nodes;
+    ReadRootProperties(model->scenes[static_cast<std::size_t>(sceneIndex)], scene.Root());
+  }
   std::set<int> taken;
   std::map<SceneNode::Handle, int> nodeOf;
   std::vector<std::pair<int, SceneNode*>> pending;
@@ -309,6 +332,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   const bool hasDefault = model.defaultScene >= 0 && static_cast<std::size_t>(model.defaultScene) < model.scenes.size();
   const int sceneIndex = hasDefault ? model.defaultScene : 0;
   model.scenes[static_cast<std::size_t>(sceneIndex)].nodes = roots;
+  WriteRootProperties(scene.Root(), model.scenes[static_cast<std::size_t>(sceneIndex)]);
   model.defaultScene = sceneIndex;
 
   WriteTransformTracks(model, buffer, changed);

@@ -26,6 +26,14 @@ util::xml::Element MakeMasterNodes(core::InstanceHandle instance) {
   return std::move(masters);
 }
 
+void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element>& masters) {
+  for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {
+    util::xml::Tag master("masternode");
+    master.AddChild(tree.GetChild("RGT_Plugin", i));
+    masters.push_back(std::move(master));
+  }
+}
+
 namespace {
 
 std::string PluginName(const Element& master) { return master.GetChild("RGT_Plugin").GetChild("name").GetText(); }

@@ -18,6 +18,10 @@ util::xml::Element MakeNodeTag(const std::string& instanceName, const std::strin
 // "masternodes" as the instance fills it.
 util::xml::Element MakeMasterNodes(core::InstanceHandle instance);
 
+// Adds a master element for each tool of the scene root's "RGT": the tools
+// that have no node of their own, so that those below them find them.
+void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element>& masters);
+
 // The "RGT" element of the tools that master elements describe: compressed
 // states unpacked, repeats of one tool (from merging a file twice) dropped,
 // children placed below their parents in the order of "childindex".

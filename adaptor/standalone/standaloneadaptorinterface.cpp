@@ -171,6 +171,15 @@ void StandaloneAdaptorInterface::WriteNodeTags(core::InstanceHandle instance) {
   }
 }
 
+void StandaloneAdaptorInterface::WriteSceneTag(const util::xml::Element& toolsWithoutNodes) {
+  auto& properties = scene_.Root().properties;
+  if (toolsWithoutNodes.children.empty()) {
+    properties.erase(kTagProperty);
+  } else {
+    properties[kTagProperty] = toolsWithoutNodes.Write("", "");
+  }
+}
+
 void StandaloneAdaptorInterface::GatherScene() {
   gatherRecords_.clear();
   std::vector<util::xml::Element> masters;
@@ -179,6 +188,10 @@ void StandaloneAdaptorInterface::GatherScene() {
     if (tag == host.properties.end() || tag->second.empty()) return;
     util::xml::Element parsed;
     parsed.ParseText(tag->second);
+    if (host.isRoot) {
+      AddRootTools(parsed, masters);
+      return;
+    }
     for (std::size_t i = 0, n = parsed.CountChildren("masternode"); i < n; ++i) {
       masters.push_back(parsed.GetChild("masternode", i));
     }
@@ -200,6 +213,7 @@ void StandaloneAdaptorInterface::GatherScene() {
         "Gather error", box::kCritical);
   }
   for (auto& [host, tag] : gatherRecords_) host->properties[kTagProperty].clear();
+  scene_.Root().properties.erase(kTagProperty);
   gatherRecords_.clear();
 }
 

@@ -46,6 +46,9 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   }
   core::CoreNode* FindNode(core::InstanceHandle instance, std::string nodeName) override;
   void WriteNodeTags(core::InstanceHandle instance) override;
+  // Keeps the element of the tools without nodes (their "RGT") on the
+  // scene's root for a save; a gathering loads them with the others.
+  void WriteSceneTag(const util::xml::Element& toolsWithoutNodes);
   void GatherScene() override;
   void GetAllNodes(core::NodeList& list) override;
   void GetInstanceNodes(core::InstanceHandle instance, core::NodeList& list) override;

@@ -45,6 +45,7 @@ bool Session::Open(const std::string& path, std::string& error) {
 
 bool Session::Save(const std::string& path, std::string& error) {
   tools.WriteNodeTags();
+  host.WriteSceneTag(tools.SaveToolTreeForScene());
   const bool saved = file_.Save(path, host.GetScene(), &error);
   host.GetScene().Walk([](SceneNode& node) { node.properties.erase("RGT_tag"); });
   return saved;

@@ -2,19 +2,78 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <filesystem>
+
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "adaptor/standalone/standalonenode.h"
 #include "core/messagebox.h"
+#include "tests/core/scopedenv.h"
 #include "tests/core/testtools.h"
+#include "util/base64.h"
+#include "util/xml/tag.h"
 
 namespace vuk::rgw::core {
 namespace {
 
 using adaptor::standalone::GltfFile;
+using adaptor::standalone::SceneNode;
 using adaptor::standalone::StandaloneAdaptorInterface;
+using adaptor::standalone::StandaloneNode;
 using testing_support::TestTool;
 
 TestTool& Tool(InstanceReference& item) { return *static_cast<TestTool*>(item.instance->GetTool()); }
+
+// A tool that makes no node: a count kept in its saved bytes.
+class CounterTool : public CCamera, public CInterface::Callback {
+ public:
+  using CCamera::CCamera;
+  std::int32_t BuildConfig() override {
+    iface->BeginConfig();
+    iface->AddSpinner("Rate", "Counts per second", &rate, 0, 100, 1, 0, false, 0, this);
+    iface->EndConfig();
+    return 0;
+  }
+  std::int32_t Save() override {
+    iface->SetSaveData(&count, sizeof count);
+    return 0;
+  }
+  std::int32_t Load() override {
+    std::int32_t length = 0;
+    const std::uint8_t* bytes = iface->GetSaveData(&length);
+    if (!bytes || length != sizeof count) return 1;
+    std::memcpy(&count, bytes, sizeof count);
+    return 0;
+  }
+  void Changed(std::string) override {}
+
+  double rate = 1;
+  std::int32_t count = 0;
+};
+
+class CounterToolPlugin : public CCameraPlugin {
+ public:
+  CCamera* CreateObject(CCamera::CreateParam& param) override { return new CounterTool(param); }
+  std::string GetName() override { return "Counter"; }
+  std::string GetTitle() override { return "Counter"; }
+  std::string GetCategory() override { return "Accessory"; }
+};
+
+const ToolTable& Tools() {
+  static const ToolTable table = [] {
+    ToolTable entries = testing_support::TestTools();
+    entries[1] = []() -> CCameraPlugin* { return new CounterToolPlugin; };
+    return entries;
+  }();
+  return table;
+}
+
+CoreNode* NodeOf(InstanceReference& item, const std::string& name) {
+  return static_cast<CoreNode*>(item.instance->FindNode(name));
+}
+
+SceneNode* HostOf(CNode* node) { return static_cast<StandaloneNode*>(node)->GetHostNode(); }
 
 // A scene file with the host and the tool tree that go with it.
 struct Scene {
@@ -23,6 +82,7 @@ struct Scene {
   // `untagged` loses its tag first, as if it had gone.
   void Save(const std::string& path, const std::string& untagged = "") {
     tools.WriteNodeTags();
+    host.WriteSceneTag(tools.SaveToolTreeForScene());
     host.GetScene().Walk([&](adaptor::standalone::SceneNode& node) {
       if (node.hostName == untagged) node.properties.erase("RGT_tag");
     });
@@ -39,9 +99,28 @@ struct Scene {
   }
   InstanceReference& Top(std::size_t index) { return static_cast<InstanceReference&>(*tools.Root().GetChild(index)); }
 
-  LibraryManager library{testing_support::TestTools()};
+  LibraryManager library{Tools()};
   StandaloneAdaptorInterface host;
   InstanceManager tools{&host, &library};
+};
+
+// Two tools whose nodes hang on each other and on a plain scene object:
+// the first's target on the floor, the first's camera and the second's
+// camera on the first's target.
+struct LinkedTools {
+  explicit LinkedTools(Scene& scene)
+      : first(scene.tools.Create("TestTool")),
+        second(scene.tools.Create("TestTool")),
+        floor(scene.host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kEmpty, "Floor")) {
+    StandaloneNode floorNode(&scene.host, floor);
+    CoreNode* target = static_cast<CoreNode*>(first->instance->FindNode("Target"));
+    target->SetParent(&floorNode);
+    static_cast<CoreNode*>(first->instance->FindNode("Camera"))->SetParent(target);
+    static_cast<CoreNode*>(second->instance->FindNode("Camera"))->SetParent(target);
+  }
+  InstanceReference* first;
+  InstanceReference* second;
+  SceneNode* floor;
 };
 
 class ToolsInScenes : public testing::Test {
@@ -179,6 +258,173 @@ TEST_F(ToolsInScenes, AFileMergedTwiceKeepsOneTool) {
   EXPECT_EQ(scene.tools.AllInstances()[0]->InstanceName(), "TestTool_01");
   // The second copy's nodes were never claimed, and the user hears of them.
   EXPECT_TRUE(boxShown);
+}
+
+// A node's parent is saved by its name in the tool, with the other tool's
+// name when it lies in another, and not at all when it is a plain object.
+TEST_F(ToolsInScenes, NodeInformationNamesParentsAndKeepsMeshes) {
+  Scene scene;
+  LinkedTools tools(scene);
+  struct Case {
+    InstanceReference* tool;
+    std::size_t node;
+    const char* external;
+    const char* parent;
+  };
+  for (const Case& expected : {Case{tools.first, 0, "", ""}, Case{tools.first, 1, "", "Target"},
+                               Case{tools.second, 0, "", ""}, Case{tools.second, 1, "TestTool_01", "Target"}}) {
+    const util::xml::Element info = expected.tool->Serialize(0).GetChild("nodeinfo").GetChild("node", expected.node);
+    SCOPED_TRACE(info.Write("", ""));
+    EXPECT_EQ(info.GetChild("parent").GetAttribute("external"), expected.external);
+    EXPECT_EQ(info.GetChild("parent").GetText(), expected.parent);
+  }
+  const util::xml::Element nodes = tools.first->Serialize(0).GetChild("nodeinfo");
+  util::CMesh mesh;
+  ASSERT_TRUE(ReadMeshElement(nodes.GetChild("node", 0).GetChild("mesh"), mesh));
+  const util::CMesh_Box box(0.5, 0.5, 0.5);
+  EXPECT_EQ(mesh.vertices, box.vertices);
+  EXPECT_EQ(mesh.faces, box.faces);
+  EXPECT_EQ(mesh.textureFaces, box.textureFaces);
+  // A camera has no mesh form.
+  EXPECT_TRUE(nodes.GetChild("node", 1).GetChild("mesh").IsEmpty());
+}
+
+TEST(MeshElement, ADamagedOneLeavesTheMeshAlone) {
+  util::CMesh mesh;
+  ASSERT_TRUE(ReadMeshElement(MeshElement(util::CMesh_Box(1, 1, 1)), mesh));
+  // A corner that isn't there.
+  util::CMesh broken = mesh;
+  broken.faces[4] = 8;
+  util::CMesh kept;
+  EXPECT_FALSE(ReadMeshElement(MeshElement(broken), kept));
+  EXPECT_TRUE(kept.faces.empty());
+  // Vertices cut short.
+  util::xml::Tag damaged("mesh");
+  damaged.AddChild(util::xml::TagWithData("vertices", "AAAA"));
+  EXPECT_FALSE(ReadMeshElement(damaged, kept));
+  EXPECT_TRUE(kept.vertices.empty());
+}
+
+// Tools saved as a model come back with new nodes, linked as they were:
+// a link to a tool made later in the load waits for that tool.
+TEST_F(ToolsInScenes, LoadedToolsTakeTheirSavedParentsAndMeshes) {
+  Scene scene;
+  LinkedTools tools(scene);
+  util::CMesh bigger = util::CMesh_Box(2, 2, 2);
+  CSnapshot_Mesh* look = tools.first->instance->GetMeshSnapshot(NodeOf(*tools.first, "Target"), 0);
+  look->SetMesh(bigger);
+  tools.first->instance->ReleaseMeshSnapshot(look);
+
+  util::xml::Tag model("RGT");
+  model.AddChild(tools.second->Serialize(0));
+  model.AddChild(tools.first->Serialize(0));
+  ASSERT_EQ(scene.tools.LoadToolTree(model), 2);
+  InstanceReference& secondCopy = scene.Top(2);
+  InstanceReference& firstCopy = scene.Top(3);
+  SceneNode* target = HostOf(NodeOf(firstCopy, "Target"));
+  EXPECT_EQ(HostOf(NodeOf(firstCopy, "Camera"))->parent, target);
+  // Below the copy of the first tool, not the first tool that has its saved name.
+  EXPECT_EQ(HostOf(NodeOf(secondCopy, "Camera"))->parent, target);
+  EXPECT_EQ(target->mesh.vertices, bigger.vertices);
+  // A plain object isn't part of the model.
+  EXPECT_TRUE(target->parent->isRoot);
+}
+
+TEST_F(ToolsInScenes, ACloneKeepsItsSourcesOutsideParentAndCopiesOtherToolsBelow) {
+  Scene scene;
+  LinkedTools tools(scene);
+  InstanceReference* copy = scene.tools.Clone(tools.first);
+  ASSERT_NE(copy, nullptr);
+  SceneNode* target = HostOf(NodeOf(*copy, "Target"));
+  EXPECT_EQ(target->parent, tools.floor);
+  ASSERT_EQ(target->children.size(), 2u);
+  EXPECT_EQ(target->children[0], HostOf(NodeOf(*copy, "Camera")));
+  SceneNode* copied = target->children[1];
+  EXPECT_EQ(copied->hostName, "TestTool_02_Camera_copy");
+  // The other tool's node stays where it was, and the copy is nobody's.
+  EXPECT_EQ(HostOf(NodeOf(*tools.second, "Camera"))->parent, HostOf(NodeOf(*tools.first, "Target")));
+  EXPECT_EQ(scene.host.FindOwnedOver(copied), nullptr);
+  scene.host.Undo();
+  EXPECT_FALSE(copied->IsInScene());
+  EXPECT_EQ(HostOf(NodeOf(*tools.first, "Target"))->children.size(), 2u);
+}
+
+// Tools without nodes travel with the scene's root, and those with nodes
+// below them find them again.
+TEST_F(ToolsInScenes, AToolWithoutNodesSurvivesTheSceneFile) {
+  {
+    Scene scene;
+    InstanceReference* counter = scene.tools.Create("Counter");
+    ASSERT_NE(counter, nullptr);
+    static_cast<CounterTool*>(counter->instance->GetTool())->count = 42;
+    scene.tools.Create("TestTool", "", counter);
+    scene.tools.Create("TestTool");
+    scene.Save(Path("no_nodes.gltf"));
+    // The scene holds no tags after the save.
+    EXPECT_EQ(scene.host.GetScene().Root().properties.count("RGT_tag"), 0u);
+  }
+  Scene scene;
+  scene.Load(Path("no_nodes.gltf"));
+  ASSERT_EQ(scene.tools.AllInstances().size(), 3u);
+  InstanceReference* counter = scene.tools.Find("Counter_01");
+  ASSERT_NE(counter, nullptr);
+  EXPECT_EQ(static_cast<CounterTool*>(counter->instance->GetTool())->count, 42);
+  ASSERT_EQ(counter->GetChildCount(), 1u);
+  EXPECT_EQ(static_cast<InstanceReference*>(counter->GetChild(0))->GetLabel(), "TestTool_01");
+  EXPECT_EQ(scene.host.GetScene().Root().properties.count("RGT_tag"), 0u);
+}
+
+// A loaded tool keeps the tool's own values as "Factory Settings" and
+// "Start Profile" beside the saved values it runs with.
+TEST_F(ToolsInScenes, ALoadedToolMakesTheFactoryAndStartProfiles) {
+  const std::string home = testing::TempDir() + "/loaded_profiles";
+  std::filesystem::remove_all(home);
+  testing_support::ScopedEnv dataHome("XDG_DATA_HOME", home.c_str());
+  util::xml::Element saved;
+  {
+    Scene scene;
+    InstanceReference* item = scene.tools.Create("Counter");
+    static_cast<CounterTool*>(item->instance->GetTool())->rate = 7;
+    saved = item->Serialize(InstanceReference::kFullContent);
+  }
+  Scene scene;
+  ASSERT_EQ(scene.tools.LoadToolTree(saved), 1);
+  EXPECT_EQ(static_cast<CounterTool*>(scene.Top(0).instance->GetTool())->rate, 7);
+  Plugin* plugin = scene.library.FindTool("Counter");
+  for (XMLFileManager* manager : {&plugin->ConfigProfiles(), &plugin->InputProfiles()}) {
+    for (const char* name : {Plugin::kFactorySettings, Plugin::kStartProfile}) {
+      EXPECT_NE(manager->Find(name), nullptr) << name;
+    }
+    EXPECT_TRUE(manager->IsReadOnly(Plugin::kFactorySettings));
+  }
+  const util::xml::Element* factory = plugin->ConfigProfiles().Find(Plugin::kFactorySettings);
+  ASSERT_NE(factory, nullptr);
+  util::Bytes rate;
+  ASSERT_TRUE(util::Base64::Decode(factory->GetChild("item").GetText(), rate));
+  ASSERT_EQ(rate.size(), sizeof(double));
+  double value = 0;
+  std::memcpy(&value, rate.data(), sizeof value);
+  EXPECT_EQ(value, 1.0);
+}
+
+TEST_F(ToolsInScenes, AToolWithAnOlderProfileWarnsOnLoad) {
+  Scene scene;
+  util::xml::Element saved = scene.tools.Create("TestTool")->Serialize(0);
+  for (auto& child : saved.children) {
+    if (child->name == "name") child->children.clear();
+    if (child->name == "configprofile") {
+      child->ParseText("<configprofile version=\"1.0\" name=\"Old\"><spinner id=\"0\">4</spinner></configprofile>");
+    }
+  }
+  CatchBox();
+  ASSERT_EQ(scene.tools.LoadToolTree(saved), 1);
+  EXPECT_EQ(Tool(scene.Top(1)).speed, 4);
+  EXPECT_EQ(box, "Quoll Rigworks|48|This profile has been saved in an older version of Test Tool. Some old settings "
+                 "might not work well in the current version. Use it with caution.");
+  // A current profile brings no box.
+  box.clear();
+  ASSERT_EQ(scene.tools.LoadToolTree(scene.Top(1).Serialize(0)), 1);
+  EXPECT_EQ(box, "");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <tuple>
 
 #include "scenes/samplescene.h"
@@ -81,6 +82,25 @@ TEST(GltfFile, WhatTheHostDoesNotKnowComesBackUnchanged) {
   EXPECT_NE(written.find("KHR_materials_unlit"), std::string::npos);
   EXPECT_NE(written.find("\"Paint\""), std::string::npos);
   EXPECT_NE(written.find("\"owner\": \"me\""), std::string::npos) << written;
+}
+
+// The root's strings are the glTF scene's string extras; the others stay.
+TEST(GltfFile, TheRootsStringsAreTheScenesExtras) {
+  const std::string source = Temp("scene_extras.gltf");
+  std::ofstream(source) << R"({"asset":{"version":"2.0"},"scene":0,
+    "scenes":[{"nodes":[0],"extras":{"RGT_tag":"<RGT/>","author":"me","level":3}}],"nodes":[{"name":"Car"}]})";
+  Scene scene;
+  GltfFile file;
+  std::string error;
+  ASSERT_TRUE(file.Load(source, scene, &error)) << error;
+  EXPECT_EQ(scene.Root().properties, (std::map<std::string, std::string>{{"RGT_tag", "<RGT/>"}, {"author", "me"}}));
+  scene.Root().properties.erase("RGT_tag");
+  scene.Root().properties["note"] = "kept";
+  ASSERT_TRUE(file.Save(Temp("scene_extras_out.gltf"), scene, &error)) << error;
+  Scene loaded;
+  ASSERT_TRUE(GltfFile().Load(Temp("scene_extras_out.gltf"), loaded, &error)) << error;
+  EXPECT_EQ(loaded.Root().properties, (std::map<std::string, std::string>{{"author", "me"}, {"note", "kept"}}));
+  EXPECT_NE(Read(Temp("scene_extras_out.gltf")).find("\"level\": 3"), std::string::npos);
 }
 
 TEST(GltfFile, SteppedAndCubicAnimationsBecomeKeys) {

@@ -135,6 +135,23 @@ TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
   scene.Walk([](SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
 }
 
+// Tools without nodes ride on the root; a tool with nodes below one finds it.
+TEST_F(Standalone, GatherTakesTheToolsOfTheRoot) {
+  util::xml::Element withoutNodes;
+  adaptor.WriteSceneTag(withoutNodes);
+  EXPECT_EQ(scene.Root().properties.count("RGT_tag"), 0u);
+  withoutNodes.ParseText("<RGT>" + PluginText("Parent") + "</RGT>");
+  adaptor.WriteSceneTag(withoutNodes);
+  scene.CreateNode(ObjectKind::kEmpty, "A")->properties["RGT_tag"] = TagText("First", "Parent", 0);
+  CatchGather();
+  adaptor.GatherScene();
+  EXPECT_EQ(loaded, "<RGT><RGT_Plugin version=\"2.5\"><type>TestTool</type><name>Parent</name>" + PluginText("First") +
+                        "</RGT_Plugin></RGT>");
+  // The root is nobody's node to claim.
+  EXPECT_EQ(box.substr(box.find("\n\n")), "\n\nA\n");
+  EXPECT_EQ(scene.Root().properties.count("RGT_tag"), 0u);
+}
+
 TEST_F(Standalone, GatherKeepsTagsWithoutALoaderAndHandsOnAnEmptyTreeWithoutTags) {
   SceneNode* a = scene.CreateNode(ObjectKind::kEmpty, "A");
   a->properties["RGT_tag"] = "<RGT_tag><name>T</name></RGT_tag>";
