@@ -120,14 +120,17 @@ std::string BindingOf(const unidevice::Property& channel) {
   return words.empty() ? "unbound" : words;
 }
 
-// One "channel: binding" per channel, joined on one line.
+// What a tool's bound channels are bound to: "1 channel of Tool_01: Position
+// to Up and Down keys".
 std::string Bindings(const rgw::core::Instance& instance) {
   std::vector<std::string> bindings;
   for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) {
     const unidevice::Property& channel = *instance.Inputs().Get(i);
-    bindings.push_back(channel.name + " to " + BindingOf(channel));
+    const std::string words = BindingWords(channel.config);
+    if (!words.empty()) bindings.push_back(channel.name + " to " + words);
   }
-  return Listed(bindings);
+  return Counted(bindings.size(), "channel") + " of " + instance.InstanceName() +
+         (bindings.empty() ? "" : ": " + Listed(bindings));
 }
 
 // Makes the tool named by --tool, when there is one, and links its nodes.
@@ -437,8 +440,7 @@ int BindCommand(const Arguments& args) {
     }
   }
   item->instance->ApplyInputProfile(*profile);
-  return SaveAndSay(session, options.Get("out"),
-                    "bound the channels of " + item->instance->InstanceName() + ": " + Bindings(*item->instance));
+  return SaveAndSay(session, options.Get("out"), "bound " + Bindings(*item->instance));
 }
 
 }  // namespace vuk::app
