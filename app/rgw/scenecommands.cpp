@@ -260,7 +260,7 @@ int SceneCommand(const Arguments& args) {
         // Where the node goes over its keys, in its parent's frame.
         const auto& from = keys.front().position;
         const auto& to = keys.back().position;
-        std::printf("  %zu keys, %.3f s to %.3f s, local (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)", keys.size(),
+        std::printf("  %s, %.3f s to %.3f s, local (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)", Counted(keys.size(), "key").c_str(),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), from.x, from.y, from.z, to.x, to.y,
                     to.z);
@@ -272,8 +272,8 @@ int SceneCommand(const Arguments& args) {
   }
   for (const rgw::core::Instance* instance : session.tools.AllInstances()) {
     const std::vector<rgw::core::Instance::Channel> channels = instance->Channels();
-    std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->InstanceName().c_str(),
-                instance->GetToolPlugin()->GetName().c_str(), channels.size(), instance->RecordedTracks().size());
+    std::printf("tool %s (%s): %s, %s\n", instance->InstanceName().c_str(), instance->GetToolPlugin()->GetName().c_str(),
+                Counted(channels.size(), "channel").c_str(), Counted(instance->RecordedTracks().size(), "recorded track").c_str());
     // The channels that are bound or hold a take: what a later run will read.
     for (std::size_t i = 0; i < channels.size(); ++i) {
       const auto& channel = channels[i];
@@ -282,8 +282,8 @@ int SceneCommand(const Arguments& args) {
       if (!channel.boundTo.empty()) std::printf(" bound to %s", BindingOf(*instance->Inputs().Get(i)).c_str());
       if (channel.take) {
         const auto& samples = channel.take->records;
-        std::printf("%s take of %zu samples, %.3f s to %.3f s", channel.boundTo.empty() ? "" : ",", samples.size(),
-                    samples.front().time, samples.back().time);
+        std::printf("%s take of %s, %.3f s to %.3f s", channel.boundTo.empty() ? "" : ",",
+                    Counted(samples.size(), "sample").c_str(), samples.front().time, samples.back().time);
       }
       std::printf("\n");
     }
