@@ -43,6 +43,15 @@ bool Number(std::string cell, const Dialect& dialect, double& value) {
   return !cell.empty() && failure == std::errc() && stop == end;
 }
 
+// The channels a header may name, for a header that names another.
+std::string ChannelNames(const Instance& instance) {
+  std::string names;
+  for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) {
+    names += (names.empty() ? "" : ", ") + instance.Inputs().Get(i)->name;
+  }
+  return names.empty() ? "none" : names;
+}
+
 }  // namespace
 
 bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* error) {
@@ -60,7 +69,9 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
   const std::vector<std::string> header = Cells(line, dialect);
   if (header.empty() || header[0] != "time") return fail(1, "the first column must be \"time\"");
   for (std::size_t c = 1; c < header.size(); ++c) {
-    if (!instance.Inputs().Find(header[c])) return fail(1, "the tool has no channel \"" + header[c] + "\"");
+    if (!instance.Inputs().Find(header[c])) {
+      return fail(1, "the tool has no channel \"" + header[c] + "\"; its channels are " + ChannelNames(instance));
+    }
   }
   // Everything is read before the tracks change.
   std::vector<std::vector<double>> rows;

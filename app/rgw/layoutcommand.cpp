@@ -35,12 +35,13 @@ int Render(vuk::gui::Component& root, const std::string& png, int width, int hei
   if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
   window->show();
   QApplication::processEvents();
-  const bool saved = window->grab().toImage().save(QString::fromStdString(png));
+  const QImage picture = window->grab().toImage();
   delete window;
-  if (!saved) {
+  if (!picture.save(QString::fromStdString(png))) {
     std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
     return 1;
   }
+  std::printf("drew the window, %d by %d pixels, written to %s\n", picture.width(), picture.height(), png.c_str());
   return 0;
 }
 

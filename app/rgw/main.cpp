@@ -27,11 +27,12 @@ int Help(int code) {
   std::fprintf(code == 0 ? stdout : stderr,
                "usage: rgw COMMAND [ARGUMENTS]\n"
                "  tools [NAME]           the tools that can be made; with a name, that tool's\n"
-               "                         nodes, channels, values and profiles\n"
+               "                         nodes, channels with their bindings, values and profiles\n"
                "  scene show FILE        what a scene file holds\n"
                "  scene demo OUT         writes a small demo scene\n"
-               "  create FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]...\n"
-               "                         makes a tool in a scene and saves it there\n"
+               "  create FILE --tool NAME --out OUT [--link TOOLNODE=SCENENODE]... [--keep-offset]\n"
+               "                         makes a tool in a scene and saves it there; a linked\n"
+               "                         node goes onto its scene node unless --keep-offset\n"
                "  run FILE --out OUT [--tool NAME ...] [--from S] [--to S]\n"
                "                         simulates the scene's tools and writes the keys\n"
                "  set FILE --instance NAME --value LABEL=NUMBER --out OUT\n"
@@ -43,7 +44,8 @@ int Help(int code) {
                "                         renders a window to a picture\n"
                "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
                "otherwise the file's own.\n"
-               "Each command takes --help; --version says which rgw this is.\n");
+               "Each command takes --help and ends with a line saying what it did;\n"
+               "--version says which rgw this is. The log is in the user folder (see README).\n");
   return code;
 }
 

@@ -6,8 +6,10 @@
 #include <map>
 #include <optional>
 
+#include "app/rgw/bindingwords.h"
 #include "app/rgw/commands.h"
 #include "app/rgw/session.h"
+#include "app/rgw/wording.h"
 #include "core/prmfile.h"
 #include "core/takefile.h"
 #include "scenes/samplescene.h"
@@ -38,11 +40,12 @@ const char* KindName(ObjectKind kind) {
   return "?";
 }
 
-// "--name value" options after the file; repeated ones are kept in order.
 // A command's arguments: the scene file, then "--name value" pairs of the
-// options the command knows.
+// options the command knows and "--name" alone for its flags; repeated
+// options are kept in order.
 struct Options {
-  explicit Options(std::initializer_list<const char*> knownOptions) : known(knownOptions.begin(), knownOptions.end()) {}
+  explicit Options(std::initializer_list<const char*> knownOptions, std::initializer_list<const char*> knownFlags = {})
+      : known(knownOptions.begin(), knownOptions.end()), flags(knownFlags.begin(), knownFlags.end()) {}
 
   // Nothing to go on; else the usage asked for, or what is wrong with the
   // arguments (exit 2): an unknown option, a value or a required option missing.
@@ -50,28 +53,37 @@ struct Options {
     if (WantsHelp(args)) return Usage(args, usage);
     if (args.empty() || args[0].rfind("--", 0) == 0) return Misuse("the scene file comes first", usage);
     file = args[0];
-    for (std::size_t i = 1; i < args.size(); i += 2) {
+    for (std::size_t i = 1; i < args.size(); ++i) {
       if (args[i].rfind("--", 0) != 0) return Misuse("\"" + args[i] + "\" is not an option", usage);
       const std::string name = args[i].substr(2);
-      if (std::find(known.begin(), known.end(), name) == known.end()) return Misuse("unknown option " + args[i], usage);
+      if (Knows(flags, name)) {
+        values.emplace(name, "");
+        continue;
+      }
+      if (!Knows(known, name)) return Misuse("unknown option " + args[i], usage);
       if (i + 1 >= args.size()) return Misuse(args[i] + " wants a value", usage);
-      values.emplace(name, args[i + 1]);
+      values.emplace(name, args[++i]);
     }
     for (const char* name : required) {
-      if (!values.count(name)) return Misuse(std::string("--") + name + " is missing", usage);
+      if (!Has(name)) return Misuse(std::string("--") + name + " is missing", usage);
     }
     return std::nullopt;
   }
+  bool Has(const std::string& name) const { return values.count(name) != 0; }
   std::string Get(const std::string& name, const std::string& fallback = "") const {
     const auto found = values.find(name);
     return found == values.end() ? fallback : found->second;
   }
 
   std::vector<std::string> known;
+  std::vector<std::string> flags;
   std::string file;
   std::multimap<std::string, std::string> values;
 
  private:
+  static bool Knows(const std::vector<std::string>& names, const std::string& name) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  }
   static int Misuse(const std::string& problem, const char* usage) {
     std::fprintf(stderr, "rgw: %s\n%s", problem.c_str(), usage);
     return 2;
@@ -106,12 +118,41 @@ std::optional<int> OpenScene(const Options& options, Session& session) {
   return std::nullopt;
 }
 
+std::vector<std::string> ToolNames(const rgw::core::LibraryManager& library) {
+  std::vector<std::string> names;
+  for (const rgw::core::Plugin* tool : library.AllTools()) names.push_back(tool->ToolName());
+  return names;
+}
+
+std::string NoSuchTool(const rgw::core::LibraryManager& library, const std::string& toolName) {
+  return "no tool is called \"" + toolName + "\"; the tools are " + Listed(ToolNames(library));
+}
+
+// A channel's binding in words, "unbound" for none.
+std::string BindingOf(const unidevice::Property& channel) {
+  const std::string words = BindingWords(channel.config);
+  return words.empty() ? "unbound" : words;
+}
+
+// What a tool's bound channels are bound to: "1 channel of Tool_01: Position
+// to Up and Down keys".
+std::string Bindings(const rgw::core::Instance& instance) {
+  std::vector<std::string> bindings;
+  for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) {
+    const unidevice::Property& channel = *instance.Inputs().Get(i);
+    const std::string words = BindingWords(channel.config);
+    if (!words.empty()) bindings.push_back(channel.name + " to " + words);
+  }
+  return Counted(bindings.size(), "channel") + " of " + instance.InstanceName() +
+         (bindings.empty() ? "" : ": " + Listed(bindings));
+}
+
 // Makes the tool named by --tool, when there is one, and links its nodes.
 int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
   made = nullptr;
   const std::string toolName = options.Get("tool");
   if (toolName.empty()) return 0;
-  if (!session.library.FindTool(toolName)) return Fail("no tool is called \"" + toolName + "\"; 'rgw tools' lists them");
+  if (!session.library.FindTool(toolName)) return Fail(NoSuchTool(session.library, toolName));
   rgw::core::InstanceReference* item = session.tools.Create(toolName, options.Get("name"));
   if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
   made = item->instance.get();
@@ -120,9 +161,24 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
     const std::size_t equals = it->second.find('=');
     if (equals == std::string::npos) return Fail("--link wants TOOLNODE=SCENENODE, not \"" + it->second + "\"");
     std::string error;
-    if (!session.Link(*made, it->second.substr(0, equals), it->second.substr(equals + 1), error)) return Fail(error);
+    if (!session.Link(*made, it->second.substr(0, equals), it->second.substr(equals + 1), options.Has("keep-offset"),
+                      error)) {
+      return Fail(error);
+    }
   }
   return 0;
+}
+
+// What the links of a made tool did: ", with TargetMesh on Car".
+std::string Linked(const Options& options) {
+  std::vector<std::string> links;
+  const auto given = options.values.equal_range("link");
+  for (auto it = given.first; it != given.second; ++it) {
+    std::string link = it->second;
+    link.replace(link.find('='), 1, options.Has("keep-offset") ? " linked below " : " on ");
+    links.push_back(link);
+  }
+  return links.empty() ? "" : ", with " + Listed(links);
 }
 
 // Parses a command's options, opens its scene and finds the tool named by
@@ -133,14 +189,18 @@ std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initi
   if (const auto code = options.Read(args, usage, required)) return code;
   if (const auto code = OpenScene(options, session)) return code;
   item = session.tools.Find(options.Get("instance"));
-  if (!item) return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"");
-  return std::nullopt;
+  if (item) return std::nullopt;
+  std::vector<std::string> names;
+  for (const rgw::core::Instance* instance : session.tools.AllInstances()) names.push_back(instance->InstanceName());
+  return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; its tools are " + Listed(names));
 }
 
-std::string Joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-  return text.empty() ? "(none)" : text;
+// Saves the command's scene and says what the command did.
+int SaveAndSay(Session& session, const std::string& out, const std::string& done) {
+  std::string error;
+  if (!session.Save(out, error)) return Fail(error);
+  std::printf("%s, written to %s\n", done.c_str(), out.c_str());
+  return 0;
 }
 
 // What the other commands take for a tool: node names for --link, channel
@@ -148,23 +208,26 @@ std::string Joined(const std::vector<std::string>& names) {
 int DescribeTool(const std::string& toolName) {
   Session session;
   rgw::core::Plugin* tool = session.library.FindTool(toolName);
-  if (!tool) return Fail("no tool is called \"" + toolName + "\"; 'rgw tools' lists them");
+  if (!tool) return Fail(NoSuchTool(session.library, toolName));
   rgw::core::InstanceReference* item = session.tools.Create(toolName);
   if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
   const rgw::core::Instance& instance = *item->instance;
   std::printf("%s: %s (%s)\n", tool->ToolName().c_str(), tool->plugin->GetTitle().c_str(),
               tool->plugin->GetCategory().c_str());
-  std::printf("nodes: %s\n", Joined(instance.NodeNames()).c_str());
-  std::vector<std::string> channels;
-  for (const auto& channel : instance.Channels()) channels.push_back(channel.name);
-  std::printf("channels: %s\n", Joined(channels).c_str());
-  std::printf("values:\n");
-  for (const auto& value : instance.Values()) {
+  std::printf("nodes: %s\n", Listed(instance.NodeNames()).c_str());
+  std::printf("channels:%s\n", instance.Inputs().Count() ? "" : " none");
+  for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) {
+    const unidevice::Property& channel = *instance.Inputs().Get(i);
+    std::printf("  %s: %s\n", channel.name.c_str(), BindingOf(channel).c_str());
+  }
+  const std::vector<rgw::core::Instance::Value> values = instance.Values();
+  std::printf("values:%s\n", values.empty() ? " none" : "");
+  for (const auto& value : values) {
     std::printf("  %s = %g (%s %g to %g)\n", value.label.c_str(), value.value, value.whole ? "whole" : "from",
                 value.minimum, value.maximum);
   }
-  std::printf("config profiles: %s\n", Joined(tool->ConfigProfiles().Names()).c_str());
-  std::printf("input profiles: %s\n", Joined(tool->InputProfiles().Names()).c_str());
+  std::printf("config profiles: %s\n", Listed(tool->ConfigProfiles().Names()).c_str());
+  std::printf("input profiles: %s\n", Listed(tool->InputProfiles().Names()).c_str());
   return 0;
 }
 
@@ -177,9 +240,8 @@ int ToolsCommand(const Arguments& args) {
         "       rgw tools NAME     one tool: its nodes, channels, values with their ranges, and profiles\n");
   }
   if (args.size() == 1) return DescribeTool(args[0]);
-  rgw::core::LibraryManager library(rgw::addon::BuiltInTools());
-  library.ScanPluginFolders();
-  for (const rgw::core::Plugin* tool : library.AllTools()) {
+  Session session;
+  for (const rgw::core::Plugin* tool : session.library.AllTools()) {
     std::printf("%-20s %-24s %s\n", tool->ToolName().c_str(), tool->plugin->GetTitle().c_str(),
                 tool->plugin->GetCategory().c_str());
   }
@@ -195,7 +257,7 @@ int SceneCommand(const Arguments& args) {
   std::string error;
   if (args[0] == "demo") {
     vuk::scenes::BuildSampleScene(session.host.GetScene());
-    return session.Save(args[1], error) ? 0 : Fail(error);
+    return SaveAndSay(session, args[1], "made the demo scene");
   }
   if (args[0] != "show") return Usage(args, usage);
   if (!session.Open(args[1], error)) return Fail(error);
@@ -211,7 +273,7 @@ int SceneCommand(const Arguments& args) {
         // Where the node goes over its keys, in its parent's frame.
         const auto& from = keys.front().position;
         const auto& to = keys.back().position;
-        std::printf("  %zu keys, %.3f s to %.3f s, local (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)", keys.size(),
+        std::printf("  %s, %.3f s to %.3f s, local (%.3f, %.3f, %.3f) to (%.3f, %.3f, %.3f)", Counted(keys.size(), "key").c_str(),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
                     rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), from.x, from.y, from.z, to.x, to.y,
                     to.z);
@@ -227,17 +289,18 @@ int SceneCommand(const Arguments& args) {
   }
   for (const rgw::core::Instance* instance : session.tools.AllInstances()) {
     const std::vector<rgw::core::Instance::Channel> channels = instance->Channels();
-    std::printf("tool %s (%s): %zu channels, %zu recorded tracks\n", instance->InstanceName().c_str(),
-                instance->GetToolPlugin()->GetName().c_str(), channels.size(), instance->RecordedTracks().size());
+    std::printf("tool %s (%s): %s, %s\n", instance->InstanceName().c_str(), instance->GetToolPlugin()->GetName().c_str(),
+                Counted(channels.size(), "channel").c_str(), Counted(instance->RecordedTracks().size(), "recorded track").c_str());
     // The channels that are bound or hold a take: what a later run will read.
-    for (const auto& channel : channels) {
+    for (std::size_t i = 0; i < channels.size(); ++i) {
+      const auto& channel = channels[i];
       if (channel.boundTo.empty() && !channel.take) continue;
       std::printf("  channel %s:", channel.name.c_str());
-      if (!channel.boundTo.empty()) std::printf(" bound to \"%s\"", channel.boundTo.c_str());
+      if (!channel.boundTo.empty()) std::printf(" bound to %s", BindingOf(*instance->Inputs().Get(i)).c_str());
       if (channel.take) {
         const auto& samples = channel.take->records;
-        std::printf("%s take of %zu samples, %.3f s to %.3f s", channel.boundTo.empty() ? "" : ",", samples.size(),
-                    samples.front().time, samples.back().time);
+        std::printf("%s take of %s, %.3f s to %.3f s", channel.boundTo.empty() ? "" : ",",
+                    Counted(samples.size(), "sample").c_str(), samples.front().time, samples.back().time);
       }
       std::printf("\n");
     }
@@ -247,29 +310,27 @@ int SceneCommand(const Arguments& args) {
 
 int CreateCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]...\n"
+      "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]... [--keep-offset]\n"
       "       rgw create FILE --prm MODEL.prm --out OUT\n"
-      "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n";
-  Options options{"tool", "name", "link", "prm", "out", "fps"};
+      "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n"
+      "  A linked node goes onto its scene node; with --keep-offset it stays where it stands.\n";
+  Options options{{"tool", "name", "link", "prm", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
-  const bool fromModel = options.values.count("prm") != 0;
-  if (fromModel == (options.values.count("tool") != 0)) return Fail("give either --tool or --prm");
+  const bool fromModel = options.Has("prm");
+  if (fromModel == options.Has("tool")) return Fail("give either --tool or --prm");
   Session session;
   std::string error;
   if (const auto code = OpenScene(options, session)) return *code;
   if (fromModel) {
     vuk::util::xml::Element tree;
-    if (!rgw::core::LoadPrmFile(options.Get("prm"), tree, &error)) return Fail(error);
+    if (!rgw::core::LoadPrmFile(options.Get("prm"), tree, &error)) return Fail(ModelProblem(options.Get("prm"), error));
     const int made = session.tools.LoadToolTree(tree);
-    if (!session.Save(options.Get("out"), error)) return Fail(error);
-    std::fprintf(stderr, "rgw: made %d tools from %s in %s\n", made, options.Get("prm").c_str(), options.Get("out").c_str());
-    return 0;
+    return SaveAndSay(session, options.Get("out"),
+                      "made " + Counted(static_cast<std::size_t>(made), "tool") + " from " + options.Get("prm"));
   }
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
-  if (!session.Save(options.Get("out"), error)) return Fail(error);
-  std::fprintf(stderr, "rgw: made %s in %s\n", made->InstanceName().c_str(), options.Get("out").c_str());
-  return 0;
+  return SaveAndSay(session, options.Get("out"), "made " + made->InstanceName() + Linked(options));
 }
 
 int ModelCommand(const Arguments& args) {
@@ -281,21 +342,24 @@ int ModelCommand(const Arguments& args) {
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
   std::string error;
-  return rgw::core::SavePrmFile(options.Get("out"), item->Serialize(0), &error) ? 0 : Fail(error);
+  if (!rgw::core::SavePrmFile(options.Get("out"), item->Serialize(0), &error)) return Fail(error);
+  std::printf("saved %s as the pre-rigged model %s\n", item->instance->InstanceName().c_str(), options.Get("out").c_str());
+  return 0;
 }
 
 int RunCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]...] [--from S] [--to S] [--fps N]\n"
+      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]... [--keep-offset]] [--from S] [--to S]\n"
+      "               [--fps N]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default from 0 to the end of the scene's keys or of the tools' takes, whichever is later,\n"
       "  and writes the scene with the keys, at the scene's frame rate or N frames per second.\n";
-  Options options{"tool", "name", "link", "from", "to", "out", "fps"};
+  Options options{{"tool", "name", "link", "from", "to", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
   double from = 0, to = 0;
   if (!ReadNumber(options.Get("from", "0"), from, error)) return Fail("--from: " + error);
-  if (options.values.count("to") && !ReadNumber(options.Get("to"), to, error)) return Fail("--to: " + error);
+  if (options.Has("to") && !ReadNumber(options.Get("to"), to, error)) return Fail("--to: " + error);
   // Key times in a scene file start at zero.
   if (from < 0) return Fail("--from " + options.Get("from") + ": a run starts at 0 s or later");
   Session session;
@@ -303,13 +367,14 @@ int RunCommand(const Arguments& args) {
   rgw::core::Instance* made = nullptr;
   if (const int failed = CreateTool(session, options, made)) return failed;
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
-  if (!options.values.count("to")) to = session.DefaultEnd();
+  if (!options.Has("to")) to = session.DefaultEnd();
   if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
   session.Resimulate(from, to);
-  if (!session.Save(options.Get("out"), error)) return Fail(error);
-  std::fprintf(stderr, "rgw: %zu tools simulated over %.3f s to %.3f s, written to %s\n",
-               session.tools.CheckedInstances().size(), from, to, options.Get("out").c_str());
-  return 0;
+  char range[64];
+  std::snprintf(range, sizeof range, " simulated over %.3f s to %.3f s: ", from, to);
+  return SaveAndSay(session, options.Get("out"),
+                    Counted(session.tools.CheckedInstances().size(), "tool") + range +
+                        Counted(session.ToolKeyCount(), "key") + " on their nodes");
 }
 
 int SetCommand(const Arguments& args) {
@@ -321,16 +386,25 @@ int SetCommand(const Arguments& args) {
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "value", "out"}, options, session, item)) return *code;
+  rgw::core::Instance& instance = *item->instance;
+  std::vector<std::string> labels;
+  for (const auto& value : instance.Values()) labels.push_back(value.label);
   std::string error;
+  std::vector<std::string> changes;
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
     const std::size_t equals = it->second.find('=');
     if (equals == std::string::npos) return Fail("--value wants LABEL=NUMBER, not \"" + it->second + "\"");
+    const std::string label = it->second.substr(0, equals);
+    if (std::find(labels.begin(), labels.end(), label) == labels.end()) {
+      return Fail(instance.InstanceName() + " has no value \"" + label + "\"; its values are " + Listed(labels));
+    }
     double value = 0;
     if (!ReadNumber(it->second.substr(equals + 1), value, error)) return Fail(error);
-    if (!item->instance->SetValue(it->second.substr(0, equals), value, error)) return Fail(error);
+    if (!instance.SetValue(label, value, error)) return Fail(error);
+    changes.push_back(label + " to " + it->second.substr(equals + 1));
   }
-  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
+  return SaveAndSay(session, options.Get("out"), "set " + Listed(changes) + " on " + instance.InstanceName());
 }
 
 int TakeCommand(const Arguments& args) {
@@ -342,10 +416,18 @@ int TakeCommand(const Arguments& args) {
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return *code;
-  rgw::core::Instance* instance = item->instance.get();
+  rgw::core::Instance& instance = *item->instance;
   std::string error;
-  if (!rgw::core::ImportTakeCsv(options.Get("csv"), *instance, &error)) return Fail(error);
-  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
+  if (!rgw::core::ImportTakeCsv(options.Get("csv"), instance, &error)) return Fail(error);
+  std::size_t channels = 0, samples = 0;
+  for (const auto& channel : instance.Channels()) {
+    if (!channel.take) continue;
+    ++channels;
+    samples = std::max(samples, channel.take->records.size());
+  }
+  return SaveAndSay(session, options.Get("out"),
+                    instance.InstanceName() + " holds a take of " + Counted(samples, "sample") + " on " +
+                        Counted(channels, "channel") + " from " + options.Get("csv"));
 }
 
 int BindCommand(const Arguments& args) {
@@ -357,22 +439,26 @@ int BindCommand(const Arguments& args) {
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return *code;
-  std::string error;
   const std::string& given = options.Get("profile");
   vuk::util::xml::Element file;
   const vuk::util::xml::Element* profile = nullptr;
   if (std::filesystem::exists(given)) {
-    if (file.Parse(given) != vuk::util::xml::kParsed || file.name != "unidevice") return Fail(given + ": not an input profile");
+    const vuk::util::xml::ParseResult parsed = file.Parse(given);
+    if (parsed != vuk::util::xml::kParsed) return Fail(given + ": " + XmlProblem(parsed));
+    if (file.name != "unidevice") return Fail(given + ": not an input profile");
     profile = &file.GetChild("profile");
   } else {
     // Not a file: a profile the tool has by that name, a factory one or the user's.
     const std::string toolName = item->instance->GetToolPlugin()->GetName();
     rgw::core::Plugin* tool = session.library.FindTool(toolName);
     profile = tool ? tool->InputProfiles().Find(given) : nullptr;
-    if (!profile) return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName);
+    if (!profile) {
+      return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName + "; its profiles are " +
+                  Listed(tool ? tool->InputProfiles().Names() : std::vector<std::string>()));
+    }
   }
   item->instance->ApplyInputProfile(*profile);
-  return session.Save(options.Get("out"), error) ? 0 : Fail(error);
+  return SaveAndSay(session, options.Get("out"), "bound " + Bindings(*item->instance));
 }
 
 }  // namespace vuk::app

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "adaptor/standalone/standalonenode.h"
+#include "app/rgw/wording.h"
 #include "core/resimulator.h"
 
 namespace vuk::app {
@@ -24,10 +25,17 @@ void ShowProgress(const rgw::core::Resimulator& resimulator, double fps, std::in
                static_cast<int>(current), static_cast<int>(last), left / 60, left % 60);
 }
 
+// The embedded host speaks the core's interface version, so the start gives
+// the libraries and the tool tree.
+rgw::core::CoreImplementation& Started(rgw::core::CoreImplementation& core,
+                                       rgw::adaptor::standalone::StandaloneAdaptorInterface& host) {
+  core.Start(&host, rgw::addon::BuiltInTools());
+  return core;
+}
+
 }  // namespace
 
-Session::Session() {
-  library.ScanPluginFolders();
+Session::Session() : library(*Started(core, host).GetLibraries()), tools(*core.GetInstances()) {
   host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
 }
 
@@ -37,7 +45,10 @@ bool Session::Open(const std::string& path, std::string& error) {
     error = path + (std::filesystem::exists(path, ignored) ? ": not a scene file" : ": no such file");
     return false;
   }
-  if (!file_.Load(path, host.GetScene(), &error)) return false;
+  if (!file_.Load(path, host.GetScene(), &error)) {
+    error = GltfProblem(path, error);
+    return false;
+  }
   path_ = path;
   host.GatherScene();
   return true;
@@ -52,17 +63,24 @@ bool Session::Save(const std::string& path, std::string& error) {
 }
 
 bool Session::Link(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
-                   std::string& error) {
+                   bool keepOffset, std::string& error) {
   auto* node = static_cast<rgw::core::CoreNode*>(instance.FindNode(toolNode));
   SceneNode* target = nullptr;
   host.GetScene().Walk([&](SceneNode& candidate) {
     if (!target && !candidate.isRoot && candidate.hostName == sceneNode) target = &candidate;
   });
-  if (!node) error = "the tool has no node \"" + toolNode + "\"";
+  if (!node) error = instance.InstanceName() + " has no node \"" + toolNode + "\"; its nodes are " + Listed(instance.NodeNames());
   if (node && !target) error = path_ + ": no node \"" + sceneNode + "\"";
   if (!node || !target) return false;
   rgw::adaptor::standalone::StandaloneNode wrapper(&host, target);
   node->SetParent(&wrapper);
+  if (keepOffset) return true;
+  // On the scene node: keys from before would place it elsewhere.
+  const double now = host.GetTime();
+  node->InvalidateFrom(0);
+  rgw::CSnapshot* snapshot = node->GetSnapshot(now);
+  snapshot->SetLocalTransform(rgw::Matrix());
+  node->ReleaseSnapshot(snapshot);
   return true;
 }
 
@@ -80,6 +98,18 @@ double Session::DefaultEnd() {
     }
   }
   return end < 0 ? host.GetAnimationRange().second : end;
+}
+
+std::size_t Session::ToolKeyCount() {
+  std::size_t count = 0;
+  for (rgw::core::Instance* instance : tools.AllInstances()) {
+    rgw::core::NodeVector nodes;
+    host.GetInstanceNodes(instance, nodes);
+    for (rgw::core::CoreNode* node : nodes.nodes) {
+      count += static_cast<rgw::adaptor::standalone::StandaloneNode*>(node)->GetHostNode()->track.Keys().size();
+    }
+  }
+  return count;
 }
 
 void Session::Resimulate(double from, double to) {

@@ -1,12 +1,14 @@
 #pragma once
-// A scene file opened with its tools: the embedded host, the tool library
-// and the tool tree, loaded from the file's tags and saved back into them.
+// A scene file opened with its tools: the embedded host with the core started
+// on it as a host starts it (log, settings, devices, tool libraries), and the
+// tool tree, loaded from the file's tags and saved back into them.
 
 #include <memory>
 #include <string>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "core/coreimplementation.h"
 #include "core/instancemanager.h"
 #include "core/librarymanager.h"
 #include "plugins/tools.h"
@@ -16,24 +18,31 @@ namespace vuk::app {
 class Session {
  public:
   Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
   // Reads the scene and rebuilds the tools its tags describe.
   bool Open(const std::string& path, std::string& error);
   // Writes the scene with every tool's tags; the tags don't stay in the scene.
   bool Save(const std::string& path, std::string& error);
-  // Links a tool's node below a scene node, keeping where it stands.
+  // Links a tool's node below a scene node: onto it, or where it stands when
+  // the offset is kept.
   bool Link(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
-            std::string& error);
+            bool keepOffset, std::string& error);
   // Simulates every checked tool over the range, with a progress bar.
   void Resimulate(double from, double to);
   // The end of the scene's keys or of the tools' takes, whichever is later;
   // the end of the scene's range when there are neither.
   double DefaultEnd();
   const rgw::adaptor::standalone::GltfFile& File() const { return file_; }
+  // The keys on the nodes of every tool.
+  std::size_t ToolKeyCount();
 
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
-  // The compiled-in tools and those of the plugin folders.
-  rgw::core::LibraryManager library{rgw::addon::BuiltInTools()};
-  rgw::core::InstanceManager tools{&host, &library};
+  // Stops before the host goes: the tools leave the scene first.
+  rgw::core::CoreImplementation core;
+  // The core's compiled-in tools and those of the plugin folders.
+  const rgw::core::LibraryManager& library;
+  rgw::core::InstanceManager& tools;
 
  private:
   rgw::adaptor::standalone::GltfFile file_;

@@ -259,7 +259,7 @@ TEST_F(InstanceRun, TracksOfOlderFilesGoByTheirOrder) {
 TEST_F(InstanceRun, BadTakeFilesAreRefusedWithTheLineAndNothingChanges) {
   const std::pair<const char*, const char*> files[] = {
       {"Steer,Gas\n1,2\n", ": line 1: the first column must be \"time\""},
-      {"time,Brake\n0,1\n", ": line 1: the tool has no channel \"Brake\""},
+      {"time,Brake\n0,1\n", ": line 1: the tool has no channel \"Brake\"; its channels are Steer, Gas, Spinner: Speed"},
       {"time,Steer\n0,0.5\n0.1,x\n", ": line 3: \"x\" is not a number"},
       {"time,Steer,Gas\n0,1\n", ": line 2: 2 values where the header has 3"}};
   const std::string path = testing::TempDir() + "/bad_take.csv";

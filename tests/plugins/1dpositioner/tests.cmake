@@ -19,7 +19,7 @@ foreach(arguments IN LISTS job_steps)
 endforeach()
 add_test(NAME rgw_job_result COMMAND rgw scene show ${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf)
 set_tests_properties(rgw_job_result PROPERTIES FIXTURES_REQUIRED ${previous} PASS_REGULAR_EXPRESSION
-  "RelativeCage \\(helper\\)  60 keys, 0.033 s to 2.000 s, local \\(0.000, 0.000, 0.000\\) to \\(0.000, 0.000, -0.299\\).*channel Position: bound to \"TrinaryEmulator: Emulated axis 1\", take of 61 samples")
+  "RelativeCage \\(helper\\)  60 keys, 0.033 s to 2.000 s, local \\(0.000, 0.000, 0.000\\) to \\(0.000, 0.000, -0.299\\).*channel Position: bound to Up and Down keys, take of 61 samples")
 add_test(NAME rgw_job_again_is_the_same COMMAND ${CMAKE_COMMAND} -E compare_files
   ${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf ${CMAKE_CURRENT_BINARY_DIR}/job_again.gltf)
 set_tests_properties(rgw_job_again_is_the_same PROPERTIES FIXTURES_REQUIRED ${previous})
