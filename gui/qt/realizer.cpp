@@ -357,6 +357,11 @@ QWidget* MakeTree(Tree& tree, QWidget* parent) {
 
 QWidget* MakeLabel(Label& label, QWidget* parent) {
   auto* widget = new QLabel(parent);
+  // A label never takes input, so being disabled, as a section title is,
+  // leaves it in the window's ink rather than greyed out.
+  QPalette palette = widget->palette();
+  palette.setColor(QPalette::Disabled, QPalette::WindowText, palette.color(QPalette::Active, QPalette::WindowText));
+  widget->setPalette(palette);
   widget->setWordWrap(label.wrap);
   widget->setOpenExternalLinks(label.hyperlinks);
   widget->setTextFormat(label.hyperlinks ? Qt::RichText : Qt::PlainText);

@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QImage>
 #include <QLabel>
 #include <algorithm>
+#include <cstdlib>
 #include <ostream>
 #include <memory>
 #include <string>
@@ -61,6 +63,48 @@ INSTANTIATE_TEST_SUITE_P(Windows, VersionTexts,
                          testing::Values(FilledText{"rgw_about", "Version 2.3.45 (build 2345)"},
                                          FilledText{"rgw_update", "Current version: 2.3.45"},
                                          FilledText{"rgw_main", "Quoll Rigworks v2.3.45 x64"}));
+
+// The colour of the pixel that stands out most from the widget's corner,
+// which is its ground: the ink of its text.
+std::string Ink(QWidget& widget) {
+  const QImage image = widget.grab().toImage();
+  const QColor ground = image.pixelColor(0, 0);
+  QColor ink = ground;
+  int farthest = -1;
+  for (int y = 0; y < image.height(); ++y) {
+    for (int x = 0; x < image.width(); ++x) {
+      const QColor c = image.pixelColor(x, y);
+      const int distance =
+          std::abs(c.red() - ground.red()) + std::abs(c.green() - ground.green()) + std::abs(c.blue() - ground.blue());
+      if (distance > farthest) {
+        farthest = distance;
+        ink = c;
+      }
+    }
+  }
+  return ink.name().toStdString();
+}
+
+class SectionTitle : public testing::TestWithParam<const char*> {};
+
+// A section title is a label that takes no input; it reads in the ink of the
+// window's other texts, on light grounds and dark.
+TEST_P(SectionTitle, ReadsInTheWindowsInk) {
+  util::xml::Element element;
+  ASSERT_EQ(element.ParseText(std::string("<dialog>") + GetParam() +
+                              "<label id=\"1\" label=\"Suspension\" enabled=\"no\"/>"
+                              "<label id=\"2\" label=\"Suspension\"/></dialog>"),
+            util::xml::kParsed);
+  auto root = BuildComponent(element);
+  auto window = Show(*root);
+  const QList<QLabel*> labels = window->findChildren<QLabel*>();
+  ASSERT_EQ(labels.size(), 2);
+  EXPECT_FALSE(labels[0]->isEnabled());
+  EXPECT_EQ(Ink(*labels[0]), Ink(*labels[1]));
+}
+
+INSTANTIATE_TEST_SUITE_P(Grounds, SectionTitle,
+                         testing::Values("", "<background type=\"color\" r=\"40\" g=\"44\" b=\"52\" a=\"255\"/>"));
 
 }  // namespace
 }  // namespace vuk::gui
