@@ -40,7 +40,6 @@ int Render(vuk::gui::Component& root, const std::string& png, int width, int hei
     std::fprintf(stderr, "rgw: the layout's root has nothing to show\n");
     return 1;
   }
-  window->adjustSize();
   if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
   window->show();
   QApplication::processEvents();

@@ -5,6 +5,8 @@
 #include <QApplication>
 #include <QImage>
 #include <QLabel>
+#include <QLayout>
+#include <QMenuBar>
 #include <algorithm>
 #include <cstdlib>
 #include <ostream>
@@ -25,10 +27,9 @@ std::unique_ptr<Component> Load(const std::string& name, const Placeholders& tex
   return root;
 }
 
-// Realised and shown at the size it asks for, as the command line renders it.
+// Realised and shown at the size it opens at, as the command line renders it.
 std::unique_ptr<QWidget> Show(Component& root) {
   std::unique_ptr<QWidget> window(component::qt::Realize(root));
-  window->adjustSize();
   window->show();
   QApplication::processEvents();
   return window;
@@ -105,6 +106,63 @@ TEST_P(SectionTitle, ReadsInTheWindowsInk) {
 
 INSTANTIATE_TEST_SUITE_P(Grounds, SectionTitle,
                          testing::Values("", "<background type=\"color\" r=\"40\" g=\"44\" b=\"52\" a=\"255\"/>"));
+
+// The boxes' items of a widget, with its menu bar: the rows that it lays out.
+std::vector<QWidget*> Rows(const QWidget& widget) {
+  std::vector<QWidget*> rows;
+  QLayout* layout = widget.layout();
+  if (!layout) return rows;
+  if (layout->menuBar()) rows.push_back(layout->menuBar());
+  for (int i = 0; i < layout->count(); ++i) {
+    QWidget* row = layout->itemAt(i)->widget();
+    if (row && row->isVisible()) rows.push_back(row);
+  }
+  return rows;
+}
+
+void ExpectNoOverlap(const QWidget& widget) {
+  const std::vector<QWidget*> rows = Rows(widget);
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    for (std::size_t j = i + 1; j < rows.size(); ++j) {
+      EXPECT_FALSE(rows[i]->geometry().intersects(rows[j]->geometry()))
+          << rows[i]->metaObject()->className() << " " << rows[i]->objectName().toStdString() << " at "
+          << rows[i]->geometry().y() << " meets " << rows[j]->metaObject()->className() << " at "
+          << rows[j]->geometry().y();
+    }
+  }
+  for (const QWidget* child : widget.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+    ExpectNoOverlap(*child);
+  }
+}
+
+struct Layout {
+  const char* name;
+  bool smallest;  // shrunk to the least the window allows
+};
+
+void PrintTo(const Layout& layout, std::ostream* out) { *out << layout.name << (layout.smallest ? " smallest" : ""); }
+
+class WindowRows : public testing::TestWithParam<Layout> {};
+
+TEST_P(WindowRows, NeverOverlap) {
+  auto root = Load(GetParam().name);
+  ASSERT_NE(root, nullptr);
+  auto window = Show(*root);
+  if (GetParam().smallest) {
+    window->resize(1, 1);
+    QApplication::processEvents();
+  }
+  ExpectNoOverlap(*window);
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, WindowRows,
+                         testing::Values(Layout{"rgw_main", false}, Layout{"rgw_main", true},
+                                         Layout{"rgw_about", true}, Layout{"rgw_update", true},
+                                         Layout{"rgw_config", true}, Layout{"rgw_inputs", true},
+                                         Layout{"rgw_resimulate", true}),
+                         [](const testing::TestParamInfo<Layout>& info) {
+                           return std::string(info.param.name) + (info.param.smallest ? "_smallest" : "_shown");
+                         });
 
 }  // namespace
 }  // namespace vuk::gui
