@@ -403,7 +403,11 @@ QWidget* MakeContainer(StdComponent& component, QWidget* parent) {
     BoxOf(component, widget, false, WishesOf(component));
     // A window opens at the size it wishes for, or larger where its rows
     // need more; a text that wraps sets its height by its width.
-    if (!parent) widget->resize(widget->sizeHint().expandedTo(QSize(dialog->desiredWidth, dialog->desiredHeight)));
+    if (!parent) {
+      // Laid out now, so that the window has its minimum before it is shown.
+      widget->layout()->activate();
+      widget->resize(widget->sizeHint().expandedTo(QSize(dialog->desiredWidth, dialog->desiredHeight)));
+    }
     return widget;
   }
   if (auto* list = dynamic_cast<List*>(&component)) {
