@@ -43,7 +43,24 @@ std::string& DataRootSlot() {
   return root;
 }
 
+void Replace(std::string& text, const Placeholders& texts) {
+  for (const auto& [placeholder, filled] : texts) {
+    if (placeholder.empty()) continue;
+    for (std::size_t at = text.find(placeholder); at != std::string::npos;
+         at = text.find(placeholder, at + filled.size())) {
+      text.replace(at, placeholder.size(), filled);
+    }
+  }
+}
+
 }  // namespace
+
+void FillPlaceholders(util::xml::Element& element, const Placeholders& texts) {
+  // A text element keeps its text in its name.
+  if (element.kind == util::xml::Element::kText) Replace(element.name, texts);
+  for (auto& attribute : element.attributes) Replace(attribute.second, texts);
+  for (auto& child : element.children) FillPlaceholders(*child, texts);
+}
 
 std::string DataRoot() { return DataRootSlot(); }
 
@@ -63,13 +80,14 @@ std::unique_ptr<Component> BuildComponent(const util::xml::Element& element) {
   return component;
 }
 
-std::unique_ptr<Component> LoadLayout(const std::string& path, std::string* error) {
+std::unique_ptr<Component> LoadLayout(const std::string& path, std::string* error, const Placeholders& texts) {
   util::xml::Element element;
   const util::xml::ParseResult result = element.Parse(path);
   if (result != util::xml::kParsed) {
     if (error) *error = path + ": the layout can't be read (parse result " + std::to_string(result) + ")";
     return nullptr;
   }
+  FillPlaceholders(element, texts);
   std::unique_ptr<Component> root = BuildComponent(element);
   if (!root) {
     if (error) *error = path + ": \"" + element.name + "\" is not a component";

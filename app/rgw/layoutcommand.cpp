@@ -24,6 +24,15 @@ int LayoutUsage(const Arguments& args) {
                "       rgw layout page --png OUT [--width W] [--height H]\n");
 }
 
+// The texts the program fills into its windows: the version, and as the
+// build the version's integer form (major x 1000 + minor x 100 + patch), the
+// number the version check reports.
+vuk::gui::Placeholders ProgramTexts() {
+  int major = 0, minor = 0, patch = 0;
+  std::sscanf(RGW_VERSION, "%d.%d.%d", &major, &minor, &patch);
+  return {{"%VERSION%", RGW_VERSION}, {"%BUILD%", std::to_string(major * 1000 + minor * 100 + patch)}};
+}
+
 // Shows the tree and writes its picture.
 int Render(vuk::gui::Component& root, const std::string& png, int width, int height) {
   QWidget* window = vuk::gui::component::qt::Realize(root);
@@ -31,7 +40,6 @@ int Render(vuk::gui::Component& root, const std::string& png, int width, int hei
     std::fprintf(stderr, "rgw: the layout's root has nothing to show\n");
     return 1;
   }
-  window->adjustSize();
   if (width > 0 || height > 0) window->resize(width > 0 ? width : window->width(), height > 0 ? height : window->height());
   window->show();
   QApplication::processEvents();
@@ -69,6 +77,7 @@ int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
     std::fprintf(stderr, "rgw: %s: the layout can't be read\n", file.c_str());
     return 1;
   }
+  vuk::gui::FillPlaceholders(layout, ProgramTexts());
   vuk::app::SamplePage page;
   if (samplePage) {
     // The page goes into the window's list 210, as the configuration window places it.

@@ -25,6 +25,7 @@
 #include "gui/component/containers.h"
 #include "gui/component/controls.h"
 #include "gui/component/tree.h"
+#include "gui/qt/boxlayout.h"
 #include "gui/qt/widgets.h"
 
 namespace vuk::gui::component::qt {
@@ -101,8 +102,11 @@ void ApplyBackground(const StdComponent& component, QWidget* widget) {
 void ApplyCommon(const StdComponent& component, QWidget* widget) {
   widget->setToolTip(Text(component.tooltip));
   widget->setEnabled(component.enabled);
-  widget->setMinimumSize(std::max(component.minWidth, component.desiredWidth > 0 ? component.desiredWidth : 0),
-                         std::max(component.minHeight, component.desiredHeight > 0 ? component.desiredHeight : 0));
+  // A box takes its minimum from its rows and its wishes.
+  if (!dynamic_cast<BoxLayout*>(widget->layout())) {
+    widget->setMinimumSize(std::max(component.minWidth, component.desiredWidth > 0 ? component.desiredWidth : 0),
+                           std::max(component.minHeight, component.desiredHeight > 0 ? component.desiredHeight : 0));
+  }
   widget->setMaximumSize(component.maxWidth, component.maxHeight);
   if (component.width > 0) widget->setFixedWidth(component.width);
   if (component.height > 0) widget->setFixedHeight(component.height);
@@ -135,10 +139,16 @@ void AddChildren(Component& component, QWidget* holder, QBoxLayout* layout) {
   }
 }
 
-QWidget* BoxOf(StdComponent& component, QWidget* widget, bool horizontal) {
+// The sizes that the file wishes for a container; a fixed size is its least.
+BoxLayout::Wishes WishesOf(const StdComponent& component) {
+  return {QSize(std::max(component.minWidth, component.width), std::max(component.minHeight, component.height)),
+          QSize(component.desiredWidth, component.desiredHeight)};
+}
+
+QWidget* BoxOf(StdComponent& component, QWidget* widget, bool horizontal, const BoxLayout::Wishes& wishes) {
   // The ground first, so that the children are made with its colours.
   ApplyBackground(component, widget);
-  auto* layout = new QBoxLayout(horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, widget);
+  auto* layout = new BoxLayout(horizontal ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom, widget, wishes);
   layout->setContentsMargins(MarginsOf(component.padding));
   layout->setSpacing(4);
   AddChildren(component, widget, layout);
@@ -357,6 +367,11 @@ QWidget* MakeTree(Tree& tree, QWidget* parent) {
 
 QWidget* MakeLabel(Label& label, QWidget* parent) {
   auto* widget = new QLabel(parent);
+  // A label never takes input, so being disabled, as a section title is,
+  // leaves it in the window's ink rather than greyed out.
+  QPalette palette = widget->palette();
+  palette.setColor(QPalette::Disabled, QPalette::WindowText, palette.color(QPalette::Active, QPalette::WindowText));
+  widget->setPalette(palette);
   widget->setWordWrap(label.wrap);
   widget->setOpenExternalLinks(label.hyperlinks);
   widget->setTextFormat(label.hyperlinks ? Qt::RichText : Qt::PlainText);
@@ -385,24 +400,37 @@ QWidget* MakeContainer(StdComponent& component, QWidget* parent) {
     if (!icon.isNull()) widget->setWindowIcon(icon);
     if (dialog->left || dialog->top) widget->move(dialog->left, dialog->top);
     Follow(*dialog, widget, [dialog](QWidget* w) { w->setWindowTitle(Text(dialog->label)); });
-    return BoxOf(component, widget, false);
+    BoxOf(component, widget, false, WishesOf(component));
+    // A window opens at the size it wishes for, or larger where its rows
+    // need more; a text that wraps sets its height by its width.
+    if (!parent) {
+      // Laid out now, so that the window has its minimum before it is shown.
+      widget->layout()->activate();
+      widget->resize(widget->sizeHint().expandedTo(QSize(dialog->desiredWidth, dialog->desiredHeight)));
+    }
+    return widget;
   }
-  if (auto* list = dynamic_cast<List*>(&component)) return BoxOf(component, new QWidget(parent), list->horizontal);
+  if (auto* list = dynamic_cast<List*>(&component)) {
+    return BoxOf(component, new QWidget(parent), list->horizontal, WishesOf(component));
+  }
   if (auto* border = dynamic_cast<Border*>(&component)) {
     auto* frame = new QFrame(parent);
     if (border->style == "thin" || border->style == "normal") frame->setFrameStyle(QFrame::Box | QFrame::Plain);
     if (border->style == "sunken") frame->setFrameStyle(QFrame::Panel | QFrame::Sunken);
     if (border->style == "raised") frame->setFrameStyle(QFrame::Panel | QFrame::Raised);
-    BoxOf(component, frame, false);
+    BoxOf(component, frame, false, WishesOf(component));
     frame->layout()->setContentsMargins(MarginsOf(component.padding) + MarginsOf(component.margin));
     return frame;
   }
-  if (dynamic_cast<Group*>(&component)) return BoxOf(component, new QGroupBox(Text(component.label), parent), false);
+  if (dynamic_cast<Group*>(&component)) {
+    return BoxOf(component, new QGroupBox(Text(component.label), parent), false, WishesOf(component));
+  }
   if (dynamic_cast<Scroll*>(&component)) {
     auto* area = new QScrollArea(parent);
     area->setWidgetResizable(true);
     area->setFrameShape(QFrame::NoFrame);
-    area->setWidget(BoxOf(component, new QWidget(area), false));
+    // The sizes are the area's: what it holds may be larger and scrolls.
+    area->setWidget(BoxOf(component, new QWidget(area), false, {}));
     return area;
   }
   if (dynamic_cast<Separator*>(&component)) {

@@ -93,6 +93,19 @@ TEST(Builder, LookupsGoFromTheRootDepthFirst) {
   EXPECT_EQ(label->ResolvePath(label->imagePath), "/tools/car/images/a.png");
 }
 
+TEST(Builder, PlaceholdersAreFilledInAttributesAndTexts) {
+  util::xml::Element element;
+  ASSERT_EQ(element.ParseText("<list label=\"%A% and %A%\"><label tooltip=\"%B%\"><tooltip>v%A%</tooltip></label>"
+                              "</list>"),
+            util::xml::kParsed);
+  // A text that holds its own placeholder is filled once, not again and again.
+  FillPlaceholders(element, {{"%A%", "<%A%>"}, {"%B%", "b"}, {"", "never"}});
+  EXPECT_EQ(element.GetAttribute("label"), "<%A%> and <%A%>");
+  const util::xml::Element& label = element.GetChild("label");
+  EXPECT_EQ(label.GetAttribute("tooltip"), "b");
+  EXPECT_EQ(label.GetChild("tooltip").GetText(), "v<%A%>");
+}
+
 TEST(Builder, ShippedLayoutsBuild) {
   // The command line shows the other shipped layouts.
   for (const char* name : {"rgw_update_subsection", "rgw_main_updatebar", "rgw_popout_product"}) {
