@@ -1,8 +1,10 @@
 #include "core/coreimplementation.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "core/corelog.h"
+#include "core/messagebox.h"
 #include "core/paths.h"
 
 namespace vuk::rgw::core {
@@ -21,6 +23,8 @@ CoreImplementation::~CoreImplementation() {
   for (core::Instance* instance : core::Instance::All()) {
     if (instance->driver) instance->driver->RemoveDevice(instance);
   }
+  // Its settings end with it: boxes are no longer silenced by them.
+  SetSilentMode(false);
   if (started_) CoreLog::Instance().Info("core stopped");
 }
 
@@ -54,6 +58,7 @@ CoreInterface* CoreImplementation::Start(AdaptorInterface* adaptor, const ToolTa
 
   std::string error;
   if (!settings_.Load(settingsPath_, &error)) log.Warning(error);
+  ApplySettings();
   // Next: the tool menus of the main window.
 
   started_ = true;
@@ -75,7 +80,17 @@ void CoreImplementation::PrepareAdaptorFolder(AdaptorInterface* adaptor) {
   if (error) CoreLog::Instance().Warning(defaults + ": can't be copied to " + settingsPath_ + " (" + error.message() + ")");
 }
 
-void CoreImplementation::SaveSettings() {
+void CoreImplementation::ApplySettings() {
+  SetSilentMode(settings_.GetBool(setting::kSilentMode));
+  // The settings page offers 0 to 9 seconds; a hand-edited file may hold more.
+  constexpr std::int32_t kLongestCountdown = 9;
+  if (recorder_) {
+    recorder_->countdownSeconds = std::clamp(settings_.GetInt(setting::kCountdownSeconds), 0, kLongestCountdown);
+  }
+}
+
+void CoreImplementation::SettingsChanged() {
+  ApplySettings();
   if (!started_) return;
   std::string error;
   if (!settings_.Save(settingsPath_, &error)) CoreLog::Instance().Error(error);
@@ -83,22 +98,22 @@ void CoreImplementation::SaveSettings() {
 
 void CoreImplementation::SetDouble(std::int32_t id, double value) {
   settings_.SetDouble(id, value);
-  SaveSettings();
+  SettingsChanged();
 }
 
 void CoreImplementation::SetString(std::int32_t id, const std::string& value) {
   settings_.SetString(id, value);
-  SaveSettings();
+  SettingsChanged();
 }
 
 void CoreImplementation::SetInt(std::int32_t id, std::int32_t value) {
   settings_.SetInt(id, value);
-  SaveSettings();
+  SettingsChanged();
 }
 
 void CoreImplementation::SetBool(std::int32_t id, bool value) {
   settings_.SetBool(id, value);
-  SaveSettings();
+  SettingsChanged();
 }
 
 Setting* CoreImplementation::GetSetting(std::int32_t id) { return settings_.GetSetting(id); }

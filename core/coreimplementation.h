@@ -67,7 +67,11 @@ class CoreImplementation : public CoreInterface, public AdaptorManager, public u
   void PrepareAdaptorFolder(AdaptorInterface* adaptor);
   // The tree item of that instance name; null before the start or when none has it.
   InstanceReference* FindItem(const std::string& instanceName);
-  void SaveSettings();
+  // Hands the settings to the parts that follow them: the recorder's
+  // countdown and the silent mode of the message boxes.
+  void ApplySettings();
+  // Applies the settings and writes them at once.
+  void SettingsChanged();
 
   MainConfigSettings settings_;
   std::unique_ptr<LibraryManager> libraries_;

@@ -159,8 +159,9 @@ void Instance::Start(double time, Run run) {
 void Instance::Step(double time) {
   if (run_ == Run::kRecording) {
     for (std::size_t i = 0; i < recordedTracks_.size() && i < inputs_.Count(); ++i) {
-      const unidevice::Control* control = inputs_.Get(i)->source;
-      recordedTracks_[i].Set(time, control ? control->value : 0.0);
+      // As the control reports it: a two-key axis makes its value from its keys.
+      unidevice::Control* control = inputs_.Get(i)->source;
+      recordedTracks_[i].Set(time, control ? control->GetValue() : 0.0);
     }
   } else if (run_ == Run::kResimulating) {
     for (std::size_t i = 0; i < temporaryControls_.size() && i < recordedTracks_.size(); ++i) {

@@ -11,6 +11,7 @@ template class CVariableModUndo<util::AVar_Latest<int>>;
 template class CVariableModUndo<util::AVar_Latest<unsigned char>>;
 template class CVariableModUndo<util::AVar_Linear<double>>;
 template class CVariableModUndo<util::AVar_Nearest<bool>>;
+template class CVariableModUndo<util::AVar_Nearest<double>>;
 template class CVariableModUndo<util::AVar_Nearest<util::QTransform<double>>>;
 template class CVariableModUndo<util::AVar_Nearest<util::Quat<double>>>;
 template class CVariableModUndo<util::AVar_Nearest<util::Vector3<double>>>;

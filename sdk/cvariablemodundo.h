@@ -50,6 +50,7 @@ extern template class CVariableModUndo<util::AVar_Latest<int>>;
 extern template class CVariableModUndo<util::AVar_Latest<unsigned char>>;
 extern template class CVariableModUndo<util::AVar_Linear<double>>;
 extern template class CVariableModUndo<util::AVar_Nearest<bool>>;
+extern template class CVariableModUndo<util::AVar_Nearest<double>>;
 extern template class CVariableModUndo<util::AVar_Nearest<util::QTransform<double>>>;
 extern template class CVariableModUndo<util::AVar_Nearest<util::Quat<double>>>;
 extern template class CVariableModUndo<util::AVar_Nearest<util::Vector3<double>>>;

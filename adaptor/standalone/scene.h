@@ -33,8 +33,9 @@ class Scene {
   void SetParent(SceneNode* node, SceneNode* newParent, Tick keepAt);
   void Rename(SceneNode* node, const std::string& hostName);
 
-  // A write at a tick: a key when key recording is on or the node has keys,
-  // otherwise the pose at all times.
+  // A write at a tick: a key when key recording is on. Otherwise no key: the
+  // pose at all times for a node without keys, and the live pose for one
+  // with keys (see TransformTrack).
   void WriteLocal(SceneNode* node, Tick tick, const util::Matrix<double>& local);
   void WriteWorld(SceneNode* node, Tick tick, const util::Matrix<double>& world);
   void InvalidateFrom(SceneNode* node, Tick tick);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <iostream>
 
 #include "adaptor/standalone/standalonenode.h"
 #include "adaptor/standalone/scenetags.h"
@@ -397,9 +396,7 @@ void StandaloneAdaptorInterface::ConnectConfig(gui::Component*) {
 
 std::int32_t StandaloneAdaptorInterface::ShowMessageBox(const std::string& text, const std::string& caption,
                                                         std::int32_t style) {
-  if (messageBox_) return messageBox_(text, caption, style);
-  std::cerr << caption << ": " << text << std::endl;
-  return box::kOk;
+  return core::ShowMessageBoxThrough(messageBox_, text, caption, style);
 }
 
 std::int32_t StandaloneAdaptorInterface::ShowError(std::string text, std::string caption) {

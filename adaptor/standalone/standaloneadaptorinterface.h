@@ -11,6 +11,7 @@
 
 #include "adaptor/standalone/scene.h"
 #include "core/adaptorinterface.h"
+#include "core/messagebox.h"
 #include "util/messagenode.h"
 
 namespace vuk::rgw::adaptor::standalone {
@@ -19,10 +20,9 @@ class StandaloneNode;
 
 class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::MessageNode {
  public:
-  // Shows a message; answers OK 0, Cancel 1, Yes 2, No 3. Without a window
-  // the text goes to standard error and the answer is OK.
-  using MessageBoxSink = std::function<std::int32_t(const std::string& text, const std::string& caption,
-                                                    std::int32_t style)>;
+  // Shows a message; answers OK 0, Cancel 1, Yes 2, No 3. Without a window,
+  // or in silent mode, the box is only logged and the answer is 1.
+  using MessageBoxSink = core::MessageBoxSink;
   // Takes the element "RGT" that a scene's tags describe.
   using SceneLoader = std::function<void(const util::xml::Element& tree)>;
 

@@ -2,8 +2,12 @@
 // A node's transform as a function of time: keys of position, rotation and
 // scale at ticks, linear between keys for position and scale, spherical for
 // rotation, held before the first and after the last. Without keys the
-// static pose holds at all times.
+// static pose holds at all times. Beside the keys stands the live pose: the
+// last one set or evaluated, with its tick. A pose set outside a recording
+// moves the node there without a key; past the last key it stays until the
+// track is evaluated before that key again.
 
+#include <optional>
 #include <vector>
 
 #include "adaptor/standalone/ticks.h"
@@ -27,12 +31,15 @@ struct TransformKey {
 
 class TransformTrack {
  public:
+  // The live pose at its own tick, and past the last key while it lies past
+  // it too; otherwise the keys' pose, which becomes the live one.
   util::Matrix<double> Evaluate(Tick tick) const;
-  // Sets the key at that tick, replacing one there. Appending after the last
-  // key is the per-frame case and costs amortised constant time.
+  // Sets the key at that tick, replacing one there, and makes it the live
+  // pose. Appending after the last key is the per-frame case and costs
+  // amortised constant time.
   void SetKey(const TransformKey& key);
-  // Without keys: the static pose. With keys: the key at that tick, made
-  // when missing, so that a write always lands where it was asked.
+  // Without keys: the static pose. With keys: the live pose at that tick;
+  // no key is written.
   void SetPose(Tick tick, const util::Matrix<double>& matrix);
   // Removes every key at or after the tick.
   void RemoveFrom(Tick tick);
@@ -42,16 +49,23 @@ class TransformTrack {
   const TransformKey* FindKey(Tick tick) const;
 
   const std::vector<TransformKey>& Keys() const { return keys_; }
-  void SetKeys(std::vector<TransformKey> keys) { keys_ = std::move(keys); }
+  void SetKeys(std::vector<TransformKey> keys) {
+    keys_ = std::move(keys);
+    live_.reset();
+  }
   const TransformKey& StaticPose() const { return static_; }
   void SetStaticPose(const TransformKey& pose) { static_ = pose; }
   void Reserve(std::size_t keys) { keys_.reserve(keys); }
 
  private:
   std::vector<TransformKey>::const_iterator LowerBound(Tick tick) const;
+  // The keys' pose at the tick.
+  TransformKey Interpolate(Tick tick) const;
 
   std::vector<TransformKey> keys_;
   TransformKey static_;
+  // An evaluation cache as much as a state: none after the keys changed.
+  mutable std::optional<TransformKey> live_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -65,7 +65,7 @@ void C1DPositionerObject::CRelativeCageNode::Update(double time) {
 void C1DPositionerObject::Start(double time) {
   // A run never steps its start frame again: that frame's state and the
   // cage's key there are where the run goes on from.
-  history.RewindTo(time, channel);
+  history.RewindTo(time, channel, *iface);
   ring.Fill(cageNode.Read(time));
   helpers.Start(cageNode.handle);
 }

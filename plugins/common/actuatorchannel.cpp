@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <limits>
+#include <type_traits>
 
 #include "plugins/common/filterresponse.h"
+#include "sdk/cvariablemodundo.h"
 
 namespace vuk::rgw::addon {
 
@@ -51,9 +53,12 @@ void ActuatorHistory::Record(double t, const ActuatorChannel& channel) {
   storedState_.Set(t, channel.storedState);
 }
 
-void ActuatorHistory::RewindTo(double t, ActuatorChannel& channel) {
+void ActuatorHistory::RewindTo(double t, ActuatorChannel& channel, CInterface& tool) {
   const double after = std::nextafter(t, std::numeric_limits<double>::infinity());
-  ForEach(*this, [after](const char*, auto& history) { history.RemoveFrom(after); });
+  ForEach(*this, [after, &tool](const char*, auto& history) {
+    tool.PushUndo(new CVariableModUndo<std::decay_t<decltype(history)>>(&history));
+    history.RemoveFrom(after);
+  });
   channel.Reset();
   if (IsEmpty()) return;
   channel.output = output_.records.back().value;

@@ -5,6 +5,7 @@
 // earlier frame.
 
 #include "plugins/common/inputchannel.h"
+#include "sdk/cinterface.h"
 #include "util/avar.h"
 #include "util/datachunk.h"
 
@@ -37,7 +38,8 @@ class ActuatorHistory {
   // Forgets the frames after t and puts the channel back as it stood after
   // the frame at t: at rest when no frame is left. Runs step the times a
   // recording stepped, so a run from t finds that frame's record at exactly t.
-  void RewindTo(double t, ActuatorChannel& channel);
+  // The forgotten frames go to the undo of `tool`: undoing the run brings them back.
+  void RewindTo(double t, ActuatorChannel& channel, CInterface& tool);
   void SaveTo(util::DataChunk& chunk) const;
   // False when an entry is missing or damaged; the history is then empty.
   bool LoadFrom(const util::DataChunk& chunk);

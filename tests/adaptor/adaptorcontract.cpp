@@ -202,6 +202,47 @@ TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
   node->ReleaseSnapshot(restored);
 }
 
+// Outside a recording a write moves the node live and writes no key: the
+// written pose shows at its time, and past the last key at any later time,
+// until a read at an earlier time brings the keys' pose back.
+TEST_P(AdaptorContract, AWriteOutsideARecordingIsLiveAndWritesNoKey) {
+  TestInstance tool("Cam01");
+  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
+  const auto write = [node](double time, double x) {
+    CSnapshot* snapshot = node->GetSnapshot(time);
+    util::Matrix<double> pose;
+    pose.SetTranslation({x, 0, 0});
+    snapshot->SetWorldTransform(pose);
+    node->ReleaseSnapshot(snapshot);
+  };
+  const auto read = [node](double time) {
+    CSnapshot* snapshot = node->GetSnapshot(time);
+    const double x = snapshot->GetWorldTransform().GetTranslation().x;
+    node->ReleaseSnapshot(snapshot);
+    return x;
+  };
+  // Without keys the pose holds at all times.
+  write(0.2, -3.0);
+  EXPECT_NEAR(read(0.9), -3.0, 1e-9);
+
+  adaptor->BeginUndo("Record");
+  adaptor->BeginRecording();
+  for (int frame = 0; frame <= 10; ++frame) write(frame / 10.0, frame);
+  adaptor->EndRecording();
+  adaptor->EndUndo();
+
+  write(0.45, 42.0);
+  EXPECT_NEAR(read(0.45), 42.0, 1e-9);
+  EXPECT_NEAR(read(0.3), 3.0, 1e-9);
+  EXPECT_NEAR(read(0.45), 4.5, 1e-9);  // no key at 0.45
+
+  write(1.5, 7.0);
+  EXPECT_NEAR(read(1.5), 7.0, 1e-9);
+  EXPECT_NEAR(read(2.5), 7.0, 1e-9);  // a fresh live value stays past the last key
+  EXPECT_NEAR(read(0.3), 3.0, 1e-9);
+  EXPECT_NEAR(read(1.5), 10.0, 1e-9);  // back to the last key: no key at 1.5
+}
+
 TEST_P(AdaptorContract, SnapshotsComeFromAPool) {
   TestInstance tool("Cam01");
   CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);

@@ -7,6 +7,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelog.h"
+#include "core/messagebox.h"
 #include "tests/core/scopedenv.h"
 #include "tests/core/testtools.h"
 
@@ -158,6 +159,40 @@ TEST_F(CoreStart, ToolsAreMadeFoundRenamedClonedAndDeletedByName) {
   core.RemoveAll();
   core.SaveToolTree(tree);
   EXPECT_EQ(tree.CountChildren("RGT_Plugin"), 0u);
+}
+
+TEST_F(CoreStart, TheCountdownAndTheSilentModeFollowTheSettings) {
+  CoreImplementation core;
+  ASSERT_NE(core.Start(&adaptor, testing_support::TestTools()), nullptr);
+  EXPECT_EQ(core.GetRecorder()->countdownSeconds, 5);  // the installed defaults' 100
+  for (const auto& [set, counted] : {std::pair{0, 0}, {7, 7}, {40, 9}, {-2, 0}}) {
+    core.SetInt(100, set);
+    EXPECT_EQ(core.GetRecorder()->countdownSeconds, counted) << set;
+  }
+
+  std::vector<std::string> shown;
+  const auto answerYes = [&shown](const std::string& text, const std::string&, std::int32_t) {
+    shown.push_back(text);
+    return box::kYes;
+  };
+  SetMessageBoxSink(answerYes);
+  adaptor.SetMessageBoxSink(answerYes);
+  EXPECT_EQ(ShowMessageBox("asked", "Core", box::kYesNo), box::kYes);
+  EXPECT_EQ(adaptor.ShowError("told", "Host"), box::kYes);
+  core.SetBool(102, true);
+  // Suppressed boxes answer as a closed box does; a forced one still shows.
+  EXPECT_EQ(ShowMessageBox("suppressed", "Core", box::kYesNo), 1);
+  EXPECT_EQ(adaptor.ShowError("suppressed", "Host"), 1);
+  EXPECT_EQ(ShowMessageBox("forced", "Core", box::kYesNo, true), box::kYes);
+  EXPECT_EQ(shown, (std::vector<std::string>{"asked", "told", "forced"}));
+  EXPECT_NE(Log().find("box \"Core\": suppressed"), std::string::npos);
+
+  // With no one to answer, a box gives 1 too.
+  core.SetBool(102, false);
+  SetMessageBoxSink(nullptr);
+  adaptor.SetMessageBoxSink(nullptr);
+  EXPECT_EQ(ShowMessageBox("unanswered", "Core", box::kYesNo), 1);
+  EXPECT_EQ(adaptor.ShowError("unanswered", "Host"), 1);
 }
 
 // The core's recorder runs a resimulation of the tools it holds.

@@ -9,6 +9,7 @@
 #include "tests/unidevice/testdevice.h"
 #include "unidevice/driverlist.h"
 #include "unidevice/dummydriver.h"
+#include "unidevice/emulatedtrinarydevice.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -147,6 +148,35 @@ TEST_F(InstanceRun, AResimulationFeedsTheRecordedValuesThroughTheShaping) {
   EXPECT_EQ(tool->steered, (std::vector<double>{1.0, 3.0, 5.0}));
   // The real control is back.
   EXPECT_EQ(tool->steer->source, pad->GetControl(0));
+}
+
+// Two keys on one axis, as the keyboard profile binds them: the take holds
+// the keys pressed, and its resimulation steers as the live run did.
+TEST_F(InstanceRun, ATwoKeyAxisRecordsAndReplaysTheKeysPressed) {
+  unidevice::EmulatedTControl keys(pad->GetControl(0), pad->GetControl(2));
+  tool->steer->Bind(&keys);
+  const std::vector<std::pair<double, double>> pressed = {{1, 0}, {0, 0}, {0, 1}, {1, 1}};
+  host.BeginUndo("Record");
+  instance->Start(0.0, Instance::Run::kRecording);
+  for (std::size_t k = 0; k < pressed.size(); ++k) {
+    pad->Press(0, pressed[k].first);
+    pad->Press(2, pressed[k].second);
+    instance->Step(k * 0.5);
+  }
+  instance->Stop(2.0);
+  host.EndUndo();
+  const std::vector<double> live = {1, 0, -1, 0};
+  EXPECT_EQ(tool->steered, live);
+  for (std::size_t k = 0; k < live.size(); ++k) EXPECT_EQ(Track(0).Get(k * 0.5), live[k]) << k;
+
+  tool->steered.clear();
+  pad->Press(0, 0.0);
+  pad->Press(2, 0.0);
+  instance->Start(0.0, Instance::Run::kResimulating);
+  for (std::size_t k = 0; k < live.size(); ++k) instance->Step(k * 0.5);
+  instance->Stop(2.0);
+  EXPECT_EQ(tool->steered, live);
+  EXPECT_EQ(tool->steer->source, &keys);
 }
 
 TEST_F(InstanceRun, ASpinnerInputAddsTheChannelToTheSpinner) {

@@ -42,9 +42,14 @@ std::vector<std::string> BuiltInToolNames() {
   return names;
 }
 
+// A spinner's channel adds to the spinner's value every frame.
+bool IsSpinnerChannel(ToolHarness& harness, std::size_t channel) {
+  return harness.Instance().Inputs().Get(channel)->name.rfind("Spinner: ", 0) == 0;
+}
+
 // Each node keyed along a path of its own, each channel a wave of its own.
-// A spinner's channel adds to the spinner's value every frame: it gets a
-// nudge that comes back, just past the dead zone, so the setting stays sane.
+// A spinner's channel gets a nudge that comes back, just past the dead zone,
+// so the setting stays sane.
 void RecordFixedTake(ToolHarness& harness) {
   const std::vector<CNode*> nodes = harness.ToolNodes();
   for (std::size_t n = 0; n < nodes.size(); ++n) {
@@ -54,11 +59,20 @@ void RecordFixedTake(ToolHarness& harness) {
       harness.Transform(nodes[n], harness.TimeOf(k))->SetWorldTransform(pose);
     }
   }
-  const unidevice::PropertyHandler& inputs = harness.Instance().Inputs();
-  harness.Record(0, kTakeFrames, [&inputs](std::size_t channel, int k) {
-    if (inputs.Get(channel)->name.rfind("Spinner: ", 0) == 0) return k % 2 ? 0.15 : -0.15;
+  harness.Record(0, kTakeFrames, [&harness](std::size_t channel, int k) {
+    if (IsSpinnerChannel(harness, channel)) return k % 2 ? 0.15 : -0.15;
     return 0.8 * std::sin(0.1 * k + channel);
   });
+}
+
+// The recorded tracks, byte for byte.
+std::vector<Bytes> TrackBytes(ToolHarness& harness) {
+  std::vector<Bytes> tracks;
+  for (const auto& track : harness.Instance().RecordedTracks()) {
+    tracks.emplace_back(track.GetSaveSize());
+    track.Save(tracks.back().data(), static_cast<std::uint32_t>(tracks.back().size()));
+  }
+  return tracks;
 }
 
 class ToolContract : public testing::TestWithParam<std::string> {
@@ -135,6 +149,27 @@ TEST_P(ToolContract, TheSameTakeGivesThePinnedKeysOnThePinnedChannels) {
     channels.push_back(harness.Instance().Inputs().Get(i)->name);
   }
   EXPECT_EQ(channels, pinned->second.channels);
+}
+
+// A second take from the middle of the first cuts the first's tracks and the
+// tool's histories there; one undo brings back all of the first take.
+TEST_P(ToolContract, UndoingATakeOverAnEarlierOneBringsTheEarlierBackWhole) {
+  RecordFixedTake(harness);
+  const Bytes saved = harness.Save();
+  const std::vector<Bytes> tracks = TrackBytes(harness);
+  const std::uint64_t keys = harness.HashOfKeys();
+  // Spinner channels rest, so that the spinners keep their values.
+  harness.Record(kTakeFrames / 2, kTakeFrames + 10, [this](std::size_t channel, int k) {
+    return IsSpinnerChannel(harness, channel) ? 0.0 : -0.6 * std::cos(0.2 * k + channel);
+  });
+  if (!tracks.empty()) {
+    ASSERT_NE(TrackBytes(harness), tracks);
+  }
+  ASSERT_NE(harness.HashOfKeys(), keys);
+  ASSERT_TRUE(harness.host.Undo());
+  EXPECT_EQ(harness.Save(), saved);
+  EXPECT_EQ(TrackBytes(harness), tracks);
+  EXPECT_EQ(harness.HashOfKeys(), keys);
 }
 
 // Fixtures are tests/plugins/<tool folder>/savedata*.bin.

@@ -62,6 +62,29 @@ TEST_F(Keys, NoneAreWrittenOutsideATakeButTheStaticPoseMoves) {
   EXPECT_EQ(node->World(0).GetTranslation().x, 5.0);
 }
 
+TEST_F(Keys, OutsideATakeAKeyedNodeMovesLiveAndKeepsItsKeys) {
+  scene.WriteWorld(node, 0, Pose({0, 0, 0}));
+  scene.WriteWorld(node, 4800, Pose({10, 0, 0}));
+  scene.animate = false;
+  const std::vector<TransformKey> keys = node->track.Keys();
+  // Within the keys the live pose shows at its tick only.
+  scene.WriteWorld(node, 2400, Pose({42, 0, 0}));
+  EXPECT_EQ(node->World(2400).GetTranslation().x, 42.0);
+  EXPECT_NEAR(node->World(1200).GetTranslation().x, 2.5, 1e-12);
+  EXPECT_NEAR(node->World(2400).GetTranslation().x, 5.0, 1e-12);
+  // Past the last key it stays there, until an earlier tick is shown.
+  scene.WriteWorld(node, 9600, Pose({7, 0, 0}));
+  EXPECT_EQ(node->World(9600).GetTranslation().x, 7.0);
+  EXPECT_EQ(node->World(12000).GetTranslation().x, 7.0);
+  EXPECT_NEAR(node->World(2400).GetTranslation().x, 5.0, 1e-12);
+  EXPECT_EQ(node->World(9600).GetTranslation().x, 10.0);
+  EXPECT_EQ(node->track.Keys(), keys);
+  // Keys that change drop the live pose.
+  scene.WriteWorld(node, 9600, Pose({7, 0, 0}));
+  scene.InvalidateFrom(node, 4800);
+  EXPECT_EQ(node->World(9600).GetTranslation().x, 0.0);
+}
+
 TEST(Scene, ChildWorldFollowsItsParent) {
   Scene scene;
   SceneNode* parent = scene.CreateNode(ObjectKind::kEmpty, "Parent");

@@ -103,10 +103,10 @@ TEST_F(Positioner, ReadsTheFieldsOfItsVersion100Data) {
   EXPECT_EQ(tool.channel.maximum, 2.0);
   EXPECT_EQ(tool.channel.changeLimit, 0.5);
   ActuatorChannel state("Position", 0.3, 2.0);
-  tool.history.RewindTo(2.5 / 30, state);
+  tool.history.RewindTo(2.5 / 30, state, harness.Instance());
   EXPECT_EQ(state.output, 0.2);
   EXPECT_EQ(state.lastState, 0);
-  tool.history.RewindTo(1.5 / 30, state);
+  tool.history.RewindTo(1.5 / 30, state, harness.Instance());
   EXPECT_EQ(state.lastState, 1);
 }
 

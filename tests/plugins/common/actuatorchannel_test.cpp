@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "tests/plugins/toolharness.h"
+
 namespace vuk::rgw::addon {
 namespace {
 
@@ -65,9 +67,16 @@ TEST(ActuatorChannel, TwoFilterStagesTowardsTheMaximum) {
   EXPECT_DOUBLE_EQ(channel.output, 0.25 + (1.75 - 0.25) * 0.25);
 }
 
+// The histories of a tool on the embedded host, whose undo takes what a rewind forgets.
+class ActuatorHistoryOfATool : public testing::Test {
+ protected:
+  testing_support::ToolHarness harness{"1DPositioner"};
+  CInterface& tool = harness.Instance();
+};
+
 // A run rewound to a frame, which it keeps, and run again from the next one
 // gives what it gave.
-TEST(ActuatorHistory, RewindRepeatsTheRun) {
+TEST_F(ActuatorHistoryOfATool, RewindRepeatsTheRun) {
   ActuatorChannel channel("Position", 0.3, 2.0);
   channel.keepState = true;
   channel.changeLimit = 3;
@@ -80,7 +89,7 @@ TEST(ActuatorHistory, RewindRepeatsTheRun) {
     history.Record(i * 0.04, channel);
     first.push_back(channel.output);
   }
-  history.RewindTo(4 * 0.04, channel);
+  history.RewindTo(4 * 0.04, channel, tool);
   for (std::size_t i = 5; i < raws.size(); ++i) {
     channel.raw = raws[i];
     channel.Feed(0.04);
@@ -88,13 +97,13 @@ TEST(ActuatorHistory, RewindRepeatsTheRun) {
     EXPECT_EQ(channel.output, first[i]) << "frame " << i;
   }
   // Rewound to before the first frame, the channel is at rest.
-  history.RewindTo(-0.04, channel);
+  history.RewindTo(-0.04, channel, tool);
   EXPECT_TRUE(history.IsEmpty());
   EXPECT_EQ(channel.output, 0.0);
   EXPECT_EQ(channel.storedState, 0);
 }
 
-TEST(ActuatorHistory, SavesAndLoadsEveryFrame) {
+TEST_F(ActuatorHistoryOfATool, SavesAndLoadsEveryFrame) {
   ActuatorChannel channel("Position", 0.3, 2.0);
   ActuatorHistory history;
   for (int i = 0; i < 20; ++i) {
@@ -111,9 +120,9 @@ TEST(ActuatorHistory, SavesAndLoadsEveryFrame) {
   EXPECT_EQ(again.Flatten(), saved.Flatten());
 
   ActuatorChannel restored("Position", 0.3, 2.0);
-  loaded.RewindTo(10 * 0.04, restored);
+  loaded.RewindTo(10 * 0.04, restored, tool);
   ActuatorChannel expected("Position", 0.3, 2.0);
-  history.RewindTo(10 * 0.04, expected);
+  history.RewindTo(10 * 0.04, expected, tool);
   EXPECT_EQ(restored.output, expected.output);
   EXPECT_EQ(restored.stage, expected.stage);
 }
