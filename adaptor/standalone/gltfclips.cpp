@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <limits>
 #include <set>
 
@@ -74,9 +75,15 @@ struct NodeCurves {
   Curve translation, rotation, scale;
 };
 
+// Key times beyond 2^53 ticks (some 59,000 years) are refused: below it
+// every tick is exact in a double, and the difference of two ticks, which
+// interpolation takes, can't overflow.
+constexpr double kMaxKeyTicks = 9007199254740992.0;
+
 // The ticks of a sampler: exact when we wrote them beside the times, else
 // the nearest tick of each float time.
-bool ReadTicks(AccessorReader& reader, const tinygltf::AnimationSampler& sampler, std::vector<Tick>& ticks) {
+bool ReadTicks(AccessorReader& reader, const tinygltf::AnimationSampler& sampler, std::vector<Tick>& ticks,
+               std::string& problem) {
   std::vector<double> times;
   if (!reader.Floats(sampler.input, 1, times)) return false;
   std::vector<std::uint32_t> exact;
@@ -86,14 +93,25 @@ bool ReadTicks(AccessorReader& reader, const tinygltf::AnimationSampler& sampler
     return true;
   }
   ticks.resize(times.size());
-  for (std::size_t i = 0; i < times.size(); ++i) ticks[i] = static_cast<Tick>(std::llround(times[i] * kTicksPerSecond));
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    const double tick = std::round(times[i] * kTicksPerSecond);
+    if (!(std::fabs(tick) <= kMaxKeyTicks)) {
+      problem = "accessor " + std::to_string(sampler.input) + " holds a key time that is no number of seconds within the tick range";
+      return false;
+    }
+    ticks[i] = static_cast<Tick>(tick);
+  }
   return true;
 }
 
-bool ReadCurve(AccessorReader& reader, const tinygltf::AnimationSampler& sampler, Curve& curve) {
+bool ReadCurve(AccessorReader& reader, const tinygltf::AnimationSampler& sampler, Curve& curve, std::string& problem) {
   std::vector<double> values;
-  if (!ReadTicks(reader, sampler, curve.ticks) ||
+  if (!ReadTicks(reader, sampler, curve.ticks, problem) ||
       !reader.Floats(sampler.output, static_cast<int>(curve.components), values)) {
+    return false;
+  }
+  if (!std::all_of(values.begin(), values.end(), [](double v) { return std::isfinite(v); })) {
+    problem = "accessor " + std::to_string(sampler.output) + " holds a value that is not a finite number";
     return false;
   }
   curve.step = sampler.interpolation == "STEP";
@@ -108,7 +126,11 @@ bool ReadCurve(AccessorReader& reader, const tinygltf::AnimationSampler& sampler
     values = std::move(middle);
   }
   curve.values = std::move(values);
-  return curve.values.size() >= curve.ticks.size() * n && std::is_sorted(curve.ticks.begin(), curve.ticks.end());
+  if (curve.values.size() < curve.ticks.size() * n || !std::is_sorted(curve.ticks.begin(), curve.ticks.end())) {
+    problem = "its keys are out of order or lack values";
+    return false;
+  }
+  return true;
 }
 
 void MergeKeys(const NodeCurves& curves, TransformTrack& track) {
@@ -222,11 +244,8 @@ bool ReadTransformTracks(const tinygltf::Model& model, std::vector<TransformTrac
                      : channel.target_path == "rotation"  ? node.rotation
                                                           : node.scale;
       curve.components = &curve == &node.rotation ? 4 : 3;
-      problem.clear();
-      if (!ReadCurve(reader, animation.samplers[static_cast<std::size_t>(channel.sampler)], curve)) {
-        if (problem.empty()) {
-          problem = "animation of node " + std::to_string(channel.target_node) + " has keys out of order or missing values";
-        }
+      if (!ReadCurve(reader, animation.samplers[static_cast<std::size_t>(channel.sampler)], curve, problem)) {
+        problem = NodePlace(model, static_cast<std::size_t>(channel.target_node)) + ", " + channel.target_path + " keys: " + problem;
         return false;
       }
     }
@@ -251,7 +270,8 @@ std::int32_t FrameRateOf(const tinygltf::Model& model) {
   for (const tinygltf::Animation& animation : model.animations) {
     for (const tinygltf::AnimationSampler& sampler : animation.samplers) {
       std::vector<double> input;
-      if (reader.Floats(sampler.input, 1, input)) times.insert(input.begin(), input.end());
+      if (!reader.Floats(sampler.input, 1, input)) continue;
+      std::copy_if(input.begin(), input.end(), std::inserter(times, times.end()), [](double t) { return std::isfinite(t); });
     }
   }
   if (times.empty()) return kDefaultFrameRate;

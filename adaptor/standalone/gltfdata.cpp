@@ -13,7 +13,7 @@ bool AccessorReader::Floats(int index, int components, std::vector<double>& out)
   if (accessor->componentType != TINYGLTF_COMPONENT_TYPE_FLOAT) return Fail("accessor " + std::to_string(index) + " is not of floats");
   const std::uint8_t* base = nullptr;
   std::size_t stride = 0;
-  if (!Locate(*accessor, 4 * static_cast<std::size_t>(components), base, stride)) return false;
+  if (!Locate(index, 4 * static_cast<std::size_t>(components), base, stride)) return false;
   out.resize(accessor->count * static_cast<std::size_t>(components));
   for (std::size_t i = 0; i < accessor->count; ++i) {
     for (int c = 0; c < components; ++c) {
@@ -35,7 +35,7 @@ bool AccessorReader::Unsigned(int index, std::vector<std::uint32_t>& out) {
   if (size == 0) return Fail("index accessor " + std::to_string(index) + " has an unsupported component type");
   const std::uint8_t* base = nullptr;
   std::size_t stride = 0;
-  if (!Locate(*accessor, size, base, stride)) return false;
+  if (!Locate(index, size, base, stride)) return false;
   out.resize(accessor->count);
   for (std::size_t i = 0; i < accessor->count; ++i) {
     std::uint32_t value = 0;
@@ -69,22 +69,88 @@ const tinygltf::Accessor* AccessorReader::Find(int index, int components) {
   return &accessor;
 }
 
-bool AccessorReader::Locate(const tinygltf::Accessor& accessor, std::size_t elementSize, const std::uint8_t*& base,
-                            std::size_t& stride) {
-  if (accessor.bufferView < 0 || static_cast<std::size_t>(accessor.bufferView) >= model_.bufferViews.size()) {
-    return Fail("an accessor has no buffer view");
+bool AccessorReader::Locate(int index, std::size_t elementSize, const std::uint8_t*& base, std::size_t& stride) {
+  return FindElements(model_, index, elementSize, base, stride, problem_);
+}
+
+namespace {
+
+// Whether `count` elements of `size` bytes, `stride` apart from `offset`,
+// fit in `room` bytes; asked so that no sum or product can wrap.
+bool Fits(std::size_t room, std::size_t offset, std::size_t count, std::size_t stride, std::size_t size) {
+  if (offset > room) return false;
+  if (count == 0) return true;
+  if (size > room - offset) return false;
+  return count - 1 <= (room - offset - size) / stride;
+}
+
+bool CheckView(const tinygltf::Model& model, int index, std::string& problem) {
+  const std::string place = "buffer view " + std::to_string(index);
+  if (index < 0 || static_cast<std::size_t>(index) >= model.bufferViews.size()) {
+    problem = place + " does not exist";
+    return false;
   }
-  const tinygltf::BufferView& view = model_.bufferViews[static_cast<std::size_t>(accessor.bufferView)];
-  if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model_.buffers.size()) {
-    return Fail("a buffer view names no buffer");
+  const tinygltf::BufferView& view = model.bufferViews[static_cast<std::size_t>(index)];
+  if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model.buffers.size()) {
+    problem = place + " names no buffer";
+    return false;
   }
-  const std::vector<unsigned char>& data = model_.buffers[static_cast<std::size_t>(view.buffer)].data;
+  const std::size_t room = model.buffers[static_cast<std::size_t>(view.buffer)].data.size();
+  if (!Fits(room, view.byteOffset, 1, 1, view.byteLength)) {
+    problem = place + ": byteOffset and byteLength run past buffer " + std::to_string(view.buffer);
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool FindElements(const tinygltf::Model& model, int index, std::size_t elementSize, const std::uint8_t*& base,
+                  std::size_t& stride, std::string& problem) {
+  const tinygltf::Accessor& accessor = model.accessors[static_cast<std::size_t>(index)];
+  const std::string place = "accessor " + std::to_string(index);
+  if (accessor.bufferView < 0) {
+    problem = place + " has no buffer view";
+    return false;
+  }
+  if (!CheckView(model, accessor.bufferView, problem)) return false;
+  const tinygltf::BufferView& view = model.bufferViews[static_cast<std::size_t>(accessor.bufferView)];
   stride = view.byteStride ? view.byteStride : elementSize;
-  const std::size_t need = accessor.count == 0 ? 0 : accessor.byteOffset + stride * (accessor.count - 1) + elementSize;
-  if (stride < elementSize || view.byteOffset + view.byteLength > data.size() || need > view.byteLength) {
-    return Fail("an accessor runs past its buffer");
+  if (stride < elementSize) {
+    problem = place + ": byteStride of buffer view " + std::to_string(accessor.bufferView) + " is shorter than an element";
+    return false;
   }
-  base = data.data() + view.byteOffset + accessor.byteOffset;
+  if (!Fits(view.byteLength, accessor.byteOffset, accessor.count, stride, elementSize)) {
+    problem = place + ": byteOffset and count run past its buffer view " + std::to_string(accessor.bufferView);
+    return false;
+  }
+  base = model.buffers[static_cast<std::size_t>(view.buffer)].data.data() + view.byteOffset + accessor.byteOffset;
+  return true;
+}
+
+bool CheckDataBounds(const tinygltf::Model& model, std::string& problem) {
+  std::size_t viewBytes = 0;
+  for (std::size_t v = 0; v < model.bufferViews.size(); ++v) {
+    if (!CheckView(model, static_cast<int>(v), problem)) return false;
+    viewBytes += model.bufferViews[v].byteLength;
+    if (viewBytes > kMaxViewBytes) {
+      problem = "buffer view " + std::to_string(v) + ": the views together span more bytes than this program copies";
+      return false;
+    }
+  }
+  for (std::size_t a = 0; a < model.accessors.size(); ++a) {
+    const tinygltf::Accessor& accessor = model.accessors[a];
+    if (accessor.bufferView < 0) continue;
+    const int element = tinygltf::GetComponentSizeInBytes(static_cast<std::uint32_t>(accessor.componentType)) *
+                        tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type));
+    if (element <= 0) {
+      problem = "accessor " + std::to_string(a) + ": componentType is not one of glTF's";
+      return false;
+    }
+    const std::uint8_t* base = nullptr;
+    std::size_t stride = 0;
+    if (!FindElements(model, static_cast<int>(a), static_cast<std::size_t>(element), base, stride, problem)) return false;
+  }
   return true;
 }
 
@@ -136,6 +202,13 @@ int AppendUnsigned(tinygltf::Model& model, int buffer, const std::vector<std::ui
   accessor.type = TINYGLTF_TYPE_SCALAR;
   accessor.count = values.size();
   return AppendAccessor(model, std::move(accessor));
+}
+
+std::string NodePlace(const tinygltf::Model& model, std::size_t index) {
+  constexpr std::size_t kShown = 40;
+  const std::string& name = model.nodes[index].name;
+  if (name.empty()) return "node " + std::to_string(index);
+  return "node \"" + name.substr(0, kShown) + (name.size() > kShown ? "...\"" : "\"");
 }
 
 int IndexIn(const tinygltf::Value& extras, const char* name) {

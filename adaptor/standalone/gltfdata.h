@@ -27,18 +27,35 @@ class AccessorReader {
  private:
   bool Fail(const std::string& text);
   const tinygltf::Accessor* Find(int index, int components);
-  bool Locate(const tinygltf::Accessor& accessor, std::size_t elementSize, const std::uint8_t*& base,
-              std::size_t& stride);
+  bool Locate(int index, std::size_t elementSize, const std::uint8_t*& base, std::size_t& stride);
 
   const tinygltf::Model& model_;
   std::string& problem_;
 };
+
+// Saving copies every buffer view on its own; views that overlap could
+// otherwise make a small file ask for terabytes.
+constexpr std::size_t kMaxViewBytes = std::size_t(1) << 30;
+
+// Every buffer view inside its buffer, every accessor inside its view, and
+// the views together within kMaxViewBytes; the problem names the first
+// that is not, by its place and field.
+bool CheckDataBounds(const tinygltf::Model& model, std::string& problem);
+
+// Where an existing accessor's elements of `elementSize` bytes start, and
+// their stride, after checking that all of them lie inside its buffer.
+bool FindElements(const tinygltf::Model& model, int index, std::size_t elementSize, const std::uint8_t*& base,
+                  std::size_t& stride, std::string& problem);
 
 // Appends to the buffer, aligned to four, and answers the new accessor.
 // `type` is a tinygltf type (TINYGLTF_TYPE_VEC3...); bounds are written when
 // asked (positions and animation inputs need them).
 int AppendFloats(tinygltf::Model& model, int buffer, const std::vector<float>& values, int type, bool bounds);
 int AppendUnsigned(tinygltf::Model& model, int buffer, const std::vector<std::uint32_t>& values);
+
+// A node as messages name it: node "Arm", or node 3 when it has no name;
+// a long name is cut.
+std::string NodePlace(const tinygltf::Model& model, std::size_t index);
 
 // The whole-number member of an extras object, where our extras name an
 // accessor: -1, or null to renumber, when it is missing.

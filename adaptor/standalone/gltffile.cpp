@@ -4,12 +4,15 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fstream>
+#include <cstring>
+#include <string_view>
 #include <set>
 
 #include "adaptor/standalone/gltfclips.h"
 #include "adaptor/standalone/gltfdata.h"
+#include "adaptor/standalone/gltfjson.h"
 #include "adaptor/standalone/gltfprune.h"
+#include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfuris.h"
 #include "util/base64.h"
 
@@ -24,10 +27,99 @@ constexpr int kTriangles = 4;
 constexpr const char* kHelper = "rgw_helper";
 constexpr const char* kLights = "KHR_lights_punctual";
 
-bool IsBinaryFile(const std::string& path) {
-  char magic[4] = {};
-  std::ifstream(path, std::ios::binary).read(magic, 4);
-  return std::string(magic, 4) == "glTF";
+bool IsBinary(const std::vector<unsigned char>& bytes) {
+  return bytes.size() >= 4 && std::equal(bytes.begin(), bytes.begin() + 4, "glTF");
+}
+
+// The JSON the parser will read: all of a text file, or the first chunk of
+// a binary one where its header holds; a header that doesn't the parser
+// refuses by itself.
+std::string_view JsonText(const std::vector<unsigned char>& bytes, bool binary) {
+  const auto* text = reinterpret_cast<const char*>(bytes.data());
+  if (!binary) return {text, bytes.size()};
+  constexpr std::size_t kHeader = 20;
+  std::uint32_t length = 0;
+  if (bytes.size() < kHeader) return {};
+  std::memcpy(&length, text + 12, 4);
+  return length <= bytes.size() - kHeader ? std::string_view(text + kHeader, length) : std::string_view();
+}
+
+// The library's message as the user may see it: a data URI keeps only its
+// header and long lines are cut, so that no payload, and nothing a
+// stranger's file put in a name, is repeated at length.
+std::string Shortened(const std::string& message) {
+  constexpr std::size_t kLine = 160;
+  std::string unpacked;
+  for (std::size_t i = 0; i < message.size(); ++i) {
+    const std::size_t end = std::min(message.find_first_of(" \n'\"", i), message.size());
+    const std::size_t comma = message.find(',', i);
+    if (message.compare(i, 5, "data:") == 0 && comma < end) {
+      unpacked += message.substr(i, comma + 1 - i) + "...";
+      i = end - 1;
+    } else {
+      unpacked += message[i];
+    }
+  }
+  std::string text;
+  std::size_t column = 0;
+  for (char c : unpacked) {
+    column = c == '\n' ? 0 : column + 1;
+    if (column <= kLine) text += c;
+    if (column == kLine + 1) text += "...";
+  }
+  return text;
+}
+
+// The index fields the parser keeps as they are: -1 or an item that exists.
+bool IsIndexOf(int index, std::size_t count) {
+  return index == -1 || (index >= 0 && static_cast<std::size_t>(index) < count);
+}
+
+// What glTF forbids in a node and this program could neither read nor
+// write back as it was; refused, with the node and the member named.
+bool CheckNodes(const tinygltf::Model& model, std::string& problem) {
+  for (std::size_t i = 0; i < model.nodes.size(); ++i) {
+    const tinygltf::Node& node = model.nodes[i];
+    auto refuse = [&](const std::string& what) {
+      problem = NodePlace(model, i) + ": " + what;
+      return false;
+    };
+    if (!IsIndexOf(node.mesh, model.meshes.size())) return refuse("\"mesh\" names a missing mesh");
+    if (!IsIndexOf(node.camera, model.cameras.size())) return refuse("\"camera\" names a missing camera");
+    if (!IsIndexOf(node.skin, model.skins.size())) return refuse("\"skin\" names a missing skin");
+    for (int child : node.children) {
+      if (child < 0 || static_cast<std::size_t>(child) >= model.nodes.size()) return refuse("\"children\" names a missing node");
+    }
+    const std::pair<const char*, std::pair<const std::vector<double>*, std::size_t>> sized[] = {
+        {"translation", {&node.translation, 3}}, {"rotation", {&node.rotation, 4}}, {"scale", {&node.scale, 3}},
+        {"matrix", {&node.matrix, 16}}};
+    for (const auto& [member, values] : sized) {
+      if (!values.first->empty() && values.first->size() != values.second) {
+        return refuse("\"" + std::string(member) + "\" must hold " + std::to_string(values.second) + " numbers");
+      }
+    }
+  }
+  return true;
+}
+
+// The scene the file shows, which must exist when there are nodes to show.
+bool FindScene(const tinygltf::Model& model, int& index, std::string& problem) {
+  index = model.defaultScene >= 0 ? model.defaultScene : 0;
+  if (model.scenes.empty() && model.defaultScene < 0) {
+    if (!model.nodes.empty()) problem = "the file has nodes but no scene to show them";
+    return model.nodes.empty();
+  }
+  if (static_cast<std::size_t>(index) >= model.scenes.size()) {
+    problem = "\"scene\" names a missing scene";
+    return false;
+  }
+  for (int root : model.scenes[static_cast<std::size_t>(index)].nodes) {
+    if (root < 0 || static_cast<std::size_t>(root) >= model.nodes.size()) {
+      problem = "scene " + std::to_string(index) + ": \"nodes\" names a missing node";
+      return false;
+    }
+  }
+  return true;
 }
 
 bool HasBinaryExtension(const std::string& path) {
@@ -190,24 +282,47 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     if (error) *error = path + ": " + problem;
     return false;
   };
+  std::vector<unsigned char> bytes;
+  std::string problem;
+  if (!ReadRegularFile(path, bytes, problem)) return fail(problem);
+  if (bytes.empty()) return fail("the file is empty");
+  const bool binary = IsBinary(bytes);
+  JsonFacts facts;
+  if (!ScanJson(JsonText(bytes, binary), facts, problem)) return fail(problem);
+  SceneFolder folder(std::filesystem::absolute(path).parent_path());
+  for (std::size_t b = 0; b < facts.bufferUris.size(); ++b) {
+    const std::string& uri = facts.bufferUris[b];
+    if (!uri.empty() && !IsDataUri(uri) && !folder.Allow(uri, problem)) {
+      return fail("buffer " + std::to_string(b) + ": \"uri\" " + problem);
+    }
+  }
+
   auto model = std::make_unique<tinygltf::Model>();
   tinygltf::TinyGLTF loader;
   loader.SetImageLoader(KeepImage, nullptr);
+  loader.SetFsCallbacks(folder.Callbacks());
   std::string err, warn;
-  const bool read = IsBinaryFile(path) ? loader.LoadBinaryFromFile(model.get(), &err, &warn, path)
-                                       : loader.LoadASCIIFromFile(model.get(), &err, &warn, path);
-  if (!read) return fail(err.empty() ? "not a glTF file" : err);
+  bool read = false;
+  // The library throws what it can't allocate; nothing of it goes further.
+  try {
+    const auto size = static_cast<unsigned int>(bytes.size());
+    read = binary ? loader.LoadBinaryFromMemory(model.get(), &err, &warn, bytes.data(), size, folder.Path())
+                  : loader.LoadASCIIFromString(model.get(), &err, &warn, reinterpret_cast<const char*>(bytes.data()), size,
+                                               folder.Path());
+  } catch (const std::exception& thrown) {
+    err = thrown.what();
+  }
+  if (!read) return fail(err.empty() ? "not a glTF file" : Shortened(err));
 
   // Everything is read and checked before the scene changes.
-  std::string problem;
+  int sceneIndex = 0;
+  if (!CheckDataBounds(*model, problem) || !CheckNodes(*model, problem) || !FindScene(*model, sceneIndex, problem)) {
+    return fail(problem);
+  }
   AccessorReader reader(*model, problem);
   const std::size_t count = model->nodes.size();
   std::vector<util::CMesh> meshes(count);
   for (std::size_t i = 0; i < count; ++i) {
-    const int meshIndex = model->nodes[i].mesh;
-    if (meshIndex >= 0 && static_cast<std::size_t>(meshIndex) >= model->meshes.size()) {
-      return fail("node " + std::to_string(i) + " names a missing mesh");
-    }
     if (!ReadShape(*model, model->nodes[i], reader, meshes[i])) return fail(problem);
   }
   std::vector<TransformTrack> tracks;
@@ -215,7 +330,6 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
 
   // The tree from the scene's roots; a node is taken once, whatever the file says.
   std::vector<int> roots;
-  const int sceneIndex = model->defaultScene >= 0 ? model->defaultScene : 0;
   if (static_cast<std::size_t>(sceneIndex) < model->scenes.size()) {
     roots = model->scenes[static_cast<std::size_t>(sceneIndex)].nodes;
     ReadRootProperties(model->scenes[static_cast<std::size_t>(sceneIndex)], scene.Root());
@@ -228,7 +342,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   while (!pending.empty()) {
     const auto [index, parent] = pending.back();
     pending.pop_back();
-    if (index < 0 || static_cast<std::size_t>(index) >= count || !taken.insert(index).second) continue;
+    if (!taken.insert(index).second) continue;
     const tinygltf::Node& source = model->nodes[static_cast<std::size_t>(index)];
     const tinygltf::Value::Object extras =
         source.extras.IsObject() ? source.extras.Get<tinygltf::Value::Object>() : tinygltf::Value::Object();

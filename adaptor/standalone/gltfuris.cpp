@@ -18,20 +18,6 @@ bool HasScheme(const std::string& uri) {
   return std::isalpha(static_cast<unsigned char>(uri[0])) != 0;
 }
 
-std::string Decoded(const std::string& uri) {
-  std::string text;
-  for (std::size_t i = 0; i < uri.size(); ++i) {
-    auto hex = [&](std::size_t at) { return at < uri.size() && std::isxdigit(static_cast<unsigned char>(uri[at])); };
-    if (uri[i] == '%' && hex(i + 1) && hex(i + 2)) {
-      text += static_cast<char>(std::stoi(uri.substr(i + 1, 2), nullptr, 16));
-      i += 2;
-    } else {
-      text += uri[i];
-    }
-  }
-  return text;
-}
-
 std::string Encoded(const std::string& path) {
   static const std::string kKept = "-._~/!$&'()*+,;=:@";
   std::string uri;
@@ -51,8 +37,22 @@ std::string Encoded(const std::string& path) {
 
 bool IsDataUri(const std::string& uri) { return uri.rfind("data:", 0) == 0; }
 
+std::string DecodedUri(const std::string& uri) {
+  std::string text;
+  for (std::size_t i = 0; i < uri.size(); ++i) {
+    auto hex = [&](std::size_t at) { return at < uri.size() && std::isxdigit(static_cast<unsigned char>(uri[at])); };
+    if (uri[i] == '%' && hex(i + 1) && hex(i + 2)) {
+      text += static_cast<char>(std::stoi(uri.substr(i + 1, 2), nullptr, 16));
+      i += 2;
+    } else {
+      text += uri[i];
+    }
+  }
+  return text;
+}
+
 std::string RebaseUri(const std::string& uri, const std::filesystem::path& from, const std::filesystem::path& to) {
-  const std::filesystem::path target(Decoded(uri));
+  const std::filesystem::path target(DecodedUri(uri));
   if (uri.empty() || HasScheme(uri) || target.is_absolute()) return uri;
   const std::filesystem::path base = std::filesystem::absolute(from).lexically_normal();
   const std::filesystem::path destination = std::filesystem::absolute(to).lexically_normal();

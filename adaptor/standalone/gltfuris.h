@@ -9,6 +9,8 @@
 namespace vuk::rgw::adaptor::standalone {
 
 bool IsDataUri(const std::string& uri);
+// The path a relative URI names: its %XX escapes decoded.
+std::string DecodedUri(const std::string& uri);
 
 // The URI, relative to the folder `from`, as seen from the folder `to`. Data
 // URIs, URIs with a scheme and absolute paths stay as they are.

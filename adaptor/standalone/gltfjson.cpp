@@ -1,0 +1,198 @@
+#include "adaptor/standalone/gltfjson.h"
+
+#include <cctype>
+#include <cmath>
+#include <cstdlib>
+
+namespace vuk::rgw::adaptor::standalone {
+
+namespace {
+
+enum class Kind { kObject, kArray, kString, kNumber, kLiteral };
+
+const char* Named(Kind kind) {
+  switch (kind) {
+    case Kind::kObject: return "an object";
+    case Kind::kArray: return "an array";
+    case Kind::kString: return "a string";
+    default: return "a number";
+  }
+}
+
+// Members the parser would drop silently when of another kind; the
+// elements of those that are arrays are numbers.
+struct MemberRule {
+  const char* collection;
+  const char* member;
+  Kind kind;
+};
+constexpr MemberRule kRules[] = {
+    {"nodes", "name", Kind::kString},        {"nodes", "mesh", Kind::kNumber},     {"nodes", "camera", Kind::kNumber},
+    {"nodes", "skin", Kind::kNumber},        {"nodes", "children", Kind::kArray},  {"nodes", "translation", Kind::kArray},
+    {"nodes", "rotation", Kind::kArray},     {"nodes", "scale", Kind::kArray},     {"nodes", "matrix", Kind::kArray},
+    {"nodes", "weights", Kind::kArray},      {"nodes", "extensions", Kind::kObject}, {"scenes", "nodes", Kind::kArray},
+    {"scenes", "name", Kind::kString},
+};
+
+const MemberRule* RuleFor(const std::string& collection, const std::string& member) {
+  for (const MemberRule& rule : kRules) {
+    if (collection == rule.collection && member == rule.member) return &rule;
+  }
+  return nullptr;
+}
+
+// Keys of a place are cut, so that a message never carries a stranger's essay.
+constexpr std::size_t kKeyShown = 40;
+
+class Scanner {
+ public:
+  Scanner(std::string_view text, JsonFacts& facts, std::string& problem)
+      : text_(text), facts_(facts), problem_(problem) {}
+
+  bool Run() {
+    while (at_ < text_.size()) {
+      const char c = text_[at_];
+      if (c == '"') {
+        std::string string = String();
+        if (InKey()) {
+          levels_.back().key = std::move(string);
+        } else if (!Value(Kind::kString, string)) {
+          return false;
+        }
+      } else if (c == '{' || c == '[') {
+        if (!Value(c == '{' ? Kind::kObject : Kind::kArray)) return false;
+        levels_.push_back({c == '{', {}, 0, true});
+        if (levels_.size() > kMaxJsonDepth) return Fail("the JSON nests deeper than " + std::to_string(kMaxJsonDepth) + " levels");
+        ++at_;
+      } else if (c == '-' || std::isdigit(static_cast<unsigned char>(c))) {
+        if (!Number()) return false;
+      } else if (std::isalpha(static_cast<unsigned char>(c))) {
+        while (at_ < text_.size() && std::isalpha(static_cast<unsigned char>(text_[at_]))) ++at_;
+        if (!Value(Kind::kLiteral)) return false;
+      } else {
+        Punctuation(c);
+        ++at_;
+      }
+    }
+    return true;
+  }
+
+ private:
+  struct Level {
+    bool object;
+    std::string key;        // the member being read, in an object
+    std::size_t index;      // the element being read, in an array
+    bool expectKey;
+  };
+
+  bool Fail(const std::string& text) {
+    problem_ = text;
+    return false;
+  }
+
+  bool InKey() const { return !levels_.empty() && levels_.back().object && levels_.back().expectKey; }
+
+  void Punctuation(char c) {
+    if (levels_.empty()) return;
+    if (c == '}' || c == ']') levels_.pop_back();
+    if (c == ',') {
+      ++levels_.back().index;
+      levels_.back().expectKey = true;
+    }
+    if (c == ':') levels_.back().expectKey = false;
+  }
+
+  // Where the value being read stands, as "nodes[3].scale[1]".
+  std::string Place() const {
+    std::string place;
+    for (std::size_t i = 0; i < levels_.size(); ++i) {
+      const Level& level = levels_[i];
+      if (!level.object) {
+        place += "[" + std::to_string(level.index) + "]";
+      } else {
+        place += (i ? "." : "") + level.key.substr(0, kKeyShown);
+      }
+    }
+    return place.empty() ? "the file" : place;
+  }
+
+  // A value of the kind at the current place: checked against the rules,
+  // and a buffer's URI noted.
+  bool Value(Kind kind, const std::string& string = {}) {
+    const std::size_t depth = levels_.size();
+    if (depth == 1 && levels_[0].key == "scene" && kind != Kind::kNumber) {
+      return Fail(Place() + " must be " + Named(Kind::kNumber));
+    }
+    if (depth < 3 || !levels_[0].object || levels_[1].object || !levels_[2].object) return true;
+    if (depth == 3 && kind == Kind::kString && levels_[0].key == "buffers" && levels_[2].key == "uri") {
+      if (facts_.bufferUris.size() <= levels_[1].index) facts_.bufferUris.resize(levels_[1].index + 1);
+      facts_.bufferUris[levels_[1].index] = string;
+    }
+    const MemberRule* rule = RuleFor(levels_[0].key, levels_[2].key);
+    if (!rule) return true;
+    if (depth == 3 && kind != rule->kind) return Fail(Place() + " must be " + Named(rule->kind));
+    if (depth == 4 && rule->kind == Kind::kArray && kind != Kind::kNumber) {
+      return Fail(Place() + " must be " + Named(Kind::kNumber));
+    }
+    return true;
+  }
+
+  bool Number() {
+    const std::size_t start = at_;
+    while (at_ < text_.size() && std::string_view("0123456789+-.eE").find(text_[at_]) != std::string_view::npos) ++at_;
+    const std::string token(text_.substr(start, at_ - start));
+    if (!std::isfinite(std::strtod(token.c_str(), nullptr))) return Fail(Place() + " holds a number too large for a double");
+    return Value(Kind::kNumber);
+  }
+
+  // The string starting at the quote, its escapes decoded; the parser
+  // decodes them too, so a key spelled with escapes is the same key.
+  std::string String() {
+    std::string text;
+    for (++at_; at_ < text_.size(); ++at_) {
+      const char c = text_[at_];
+      if (c == '"') break;
+      if (c != '\\' || at_ + 1 >= text_.size()) {
+        text += c;
+        continue;
+      }
+      const char escaped = text_[++at_];
+      const std::string_view plain("\"\\/bfnrt"), meant("\"\\/\b\f\n\r\t");
+      if (plain.find(escaped) != std::string_view::npos) {
+        text += meant[plain.find(escaped)];
+      } else if (escaped == 'u' && at_ + 4 < text_.size()) {
+        AppendUtf8(std::strtoul(std::string(text_.substr(at_ + 1, 4)).c_str(), nullptr, 16), text);
+        at_ += 4;
+      }
+    }
+    ++at_;
+    return text;
+  }
+
+  static void AppendUtf8(unsigned long code, std::string& text) {
+    if (code < 0x80) {
+      text += static_cast<char>(code);
+    } else if (code < 0x800) {
+      text += static_cast<char>(0xC0 | (code >> 6));
+      text += static_cast<char>(0x80 | (code & 0x3F));
+    } else {
+      text += static_cast<char>(0xE0 | (code >> 12));
+      text += static_cast<char>(0x80 | ((code >> 6) & 0x3F));
+      text += static_cast<char>(0x80 | (code & 0x3F));
+    }
+  }
+
+  std::string_view text_;
+  JsonFacts& facts_;
+  std::string& problem_;
+  std::size_t at_ = 0;
+  std::vector<Level> levels_;
+};
+
+}  // namespace
+
+bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem) {
+  return Scanner(text, facts, problem).Run();
+}
+
+}  // namespace vuk::rgw::adaptor::standalone

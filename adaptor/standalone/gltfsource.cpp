@@ -1,0 +1,137 @@
+#include "adaptor/standalone/gltfsource.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <tiny_gltf.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "adaptor/standalone/gltfuris.h"
+
+namespace vuk::rgw::adaptor::standalone {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// Closes the descriptor however the read ends.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() {
+    if (fd_ >= 0) close(fd_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Get() const { return fd_; }
+
+ private:
+  int fd_;
+};
+
+bool IsInside(const fs::path& file, const fs::path& folder) {
+  const auto [inFolder, inFile] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
+  return inFolder == folder.end() && inFile != file.end();
+}
+
+}  // namespace
+
+bool ReadRegularFile(const fs::path& path, std::vector<unsigned char>& bytes, std::string& problem) {
+  std::error_code error;
+  const fs::path real = fs::canonical(path, error);
+  if (error) {
+    problem = "can't be read (" + error.message() + ")";
+    return false;
+  }
+  // Not waiting on a FIFO and not following a link swapped in since the
+  // path was resolved.
+  const Descriptor file(open(real.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (file.Get() < 0 || fstat(file.Get(), &status) != 0) {
+    problem = "can't be read";
+    return false;
+  }
+  if (!S_ISREG(status.st_mode)) {
+    problem = "is not a regular file";
+    return false;
+  }
+  if (static_cast<std::uintmax_t>(status.st_size) > kMaxSceneFileBytes) {
+    problem = "is larger than this program reads";
+    return false;
+  }
+  bytes.resize(static_cast<std::size_t>(status.st_size));
+  std::size_t done = 0;
+  while (done < bytes.size()) {
+    const ssize_t got = read(file.Get(), bytes.data() + done, bytes.size() - done);
+    if (got <= 0) {
+      problem = "can't be read";
+      return false;
+    }
+    done += static_cast<std::size_t>(got);
+  }
+  return true;
+}
+
+SceneFolder::SceneFolder(const fs::path& folder) {
+  std::error_code error;
+  folder_ = fs::canonical(folder, error);
+  path_ = folder_.string();
+}
+
+bool SceneFolder::Allow(const std::string& uri, std::string& problem) {
+  const fs::path relative(DecodedUri(uri));
+  if (relative.empty() || relative.is_absolute() || relative.has_root_name()) {
+    problem = "is not a path relative to the scene's folder";
+    return false;
+  }
+  std::error_code error;
+  const fs::path real = fs::canonical(folder_ / relative, error);
+  if (error) {
+    problem = "names no file in the scene's folder";
+    return false;
+  }
+  if (folder_.empty() || !IsInside(real, folder_)) {
+    problem = "leads outside the scene's folder";
+    return false;
+  }
+  struct stat status {};
+  if (stat(real.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    problem = "is not a regular file";
+    return false;
+  }
+  allowed_.insert(real);
+  return true;
+}
+
+tinygltf::FsCallbacks SceneFolder::Callbacks() {
+  tinygltf::FsCallbacks callbacks{};
+  callbacks.FileExists = &SceneFolder::Exists;
+  callbacks.ExpandFilePath = &SceneFolder::SamePath;
+  callbacks.ReadWholeFile = &SceneFolder::Read;
+  callbacks.user_data = this;
+  return callbacks;
+}
+
+bool SceneFolder::IsAllowed(const std::string& path) const {
+  std::error_code error;
+  const fs::path real = fs::canonical(path, error);
+  return !error && allowed_.count(real) > 0;
+}
+
+bool SceneFolder::Exists(const std::string& path, void* self) {
+  return static_cast<const SceneFolder*>(self)->IsAllowed(path);
+}
+
+// No "~" or variables: a path in a file means what it says.
+std::string SceneFolder::SamePath(const std::string& path, void*) { return path; }
+
+bool SceneFolder::Read(std::vector<unsigned char>* bytes, std::string* problem, const std::string& path, void* self) {
+  if (!static_cast<const SceneFolder*>(self)->IsAllowed(path)) {
+    *problem = "not a file of the scene";
+    return false;
+  }
+  return ReadRegularFile(path, *bytes, *problem);
+}
+
+}  // namespace vuk::rgw::adaptor::standalone

@@ -1,0 +1,51 @@
+#pragma once
+// The files a scene is read from. A scene may come from a stranger: its
+// buffers are read only from regular files inside its own folder, and its
+// images never, so a file can't make us read, copy out or hang on anything
+// else on the machine.
+
+#include <cstdint>
+#include <filesystem>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tinygltf {
+struct FsCallbacks;
+}
+
+namespace vuk::rgw::adaptor::standalone {
+
+// Larger files are refused rather than read into memory whole.
+constexpr std::uintmax_t kMaxSceneFileBytes = std::uintmax_t(1) << 30;
+
+// A regular file, whole; devices, FIFOs and files over kMaxSceneFileBytes
+// are refused without being waited on.
+bool ReadRegularFile(const std::filesystem::path& path, std::vector<unsigned char>& bytes, std::string& problem);
+
+// The folder of a scene, and the files in it that its buffers may be read from.
+class SceneFolder {
+ public:
+  explicit SceneFolder(const std::filesystem::path& folder);
+
+  // Lets the parser read what the URI names: a relative path, after its
+  // escapes, to a regular file inside the folder, symbolic links followed.
+  // The problem names neither the file's contents nor its size.
+  bool Allow(const std::string& uri, std::string& problem);
+
+  // Callbacks for the parser that read nothing but the allowed files.
+  tinygltf::FsCallbacks Callbacks();
+  const std::string& Path() const { return path_; }
+
+ private:
+  static bool Exists(const std::string& path, void* self);
+  static std::string SamePath(const std::string& path, void*);
+  static bool Read(std::vector<unsigned char>* bytes, std::string* problem, const std::string& path, void* self);
+  bool IsAllowed(const std::string& path) const;
+
+  std::filesystem::path folder_;
+  std::string path_;
+  std::set<std::filesystem::path> allowed_;
+};
+
+}  // namespace vuk::rgw::adaptor::standalone
