@@ -1,6 +1,9 @@
 #include "adaptor/standalone/gltfjson.h"
 
+#include <algorithm>
 #include <cctype>
+#include <cstdint>
+#include <limits>
 #include <cmath>
 #include <cstdlib>
 
@@ -61,16 +64,17 @@ class Scanner {
         }
       } else if (c == '{' || c == '[') {
         if (!Value(c == '{' ? Kind::kObject : Kind::kArray)) return false;
-        levels_.push_back({c == '{', {}, 0, true});
+        levels_.push_back({c == '{', {}, 0, true, false});
         if (levels_.size() > kMaxJsonDepth) return Fail("the JSON nests deeper than " + std::to_string(kMaxJsonDepth) + " levels");
         ++at_;
       } else if (c == '-' || std::isdigit(static_cast<unsigned char>(c))) {
         if (!Number()) return false;
       } else if (std::isalpha(static_cast<unsigned char>(c))) {
+        const std::size_t start = at_;
         while (at_ < text_.size() && std::isalpha(static_cast<unsigned char>(text_[at_]))) ++at_;
-        if (!Value(Kind::kLiteral)) return false;
+        if (!Value(Kind::kLiteral) || !KeptInExtras(text_.substr(start, at_ - start) != "null", "null")) return false;
       } else {
-        Punctuation(c);
+        if (!Punctuation(c)) return false;
         ++at_;
       }
     }
@@ -83,6 +87,7 @@ class Scanner {
     std::string key;        // the member being read, in an object
     std::size_t index;      // the element being read, in an array
     bool expectKey;
+    bool filled;            // holds a value
   };
 
   bool Fail(const std::string& text) {
@@ -92,14 +97,29 @@ class Scanner {
 
   bool InKey() const { return !levels_.empty() && levels_.back().object && levels_.back().expectKey; }
 
-  void Punctuation(char c) {
-    if (levels_.empty()) return;
-    if (c == '}' || c == ']') levels_.pop_back();
+  bool Punctuation(char c) {
+    if (levels_.empty()) return true;
+    if (c == '}' || c == ']') {
+      const bool filled = levels_.back().filled;
+      levels_.pop_back();
+      return KeptInExtras(filled, "nothing");
+    }
     if (c == ',') {
       ++levels_.back().index;
       levels_.back().expectKey = true;
     }
     if (c == ':') levels_.back().expectKey = false;
+    return true;
+  }
+
+  // The parser drops nulls and empty arrays and objects from extras, and
+  // cuts whole numbers to 32 bits; a file that has them is refused rather
+  // than written back without them.
+  bool KeptInExtras(bool kept, const char* what) {
+    const bool inExtras = std::any_of(levels_.begin(), levels_.end(), [](const Level& level) {
+      return level.object && level.key == "extras";
+    });
+    return kept || !inExtras || Fail(Place() + " holds " + what + ", which extras can't keep");
   }
 
   // Where the value being read stands, as "nodes[3].scale[1]".
@@ -120,6 +140,7 @@ class Scanner {
   // and a buffer's URI noted.
   bool Value(Kind kind, const std::string& string = {}) {
     const std::size_t depth = levels_.size();
+    if (depth > 0) levels_.back().filled = true;
     if (depth == 1 && levels_[0].key == "scene" && kind != Kind::kNumber) {
       return Fail(Place() + " must be " + Named(Kind::kNumber));
     }
@@ -141,8 +162,11 @@ class Scanner {
     const std::size_t start = at_;
     while (at_ < text_.size() && std::string_view("0123456789+-.eE").find(text_[at_]) != std::string_view::npos) ++at_;
     const std::string token(text_.substr(start, at_ - start));
-    if (!std::isfinite(std::strtod(token.c_str(), nullptr))) return Fail(Place() + " holds a number too large for a double");
-    return Value(Kind::kNumber);
+    const double number = std::strtod(token.c_str(), nullptr);
+    if (!std::isfinite(number)) return Fail(Place() + " holds a number too large for a double");
+    const bool whole = token.find_first_of(".eE") == std::string::npos;
+    const bool fits = !whole || (number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max());
+    return Value(Kind::kNumber) && KeptInExtras(fits, "a whole number beyond 32 bits");
   }
 
   // The string starting at the quote, its escapes decoded; the parser

@@ -183,7 +183,7 @@ INSTANTIATE_TEST_SUITE_P(
                   "buffers":[{"byteLength":4,"uri":"data:application/octet-stream;base64,AAAAAA=="}],
                   "bufferViews":[{"buffer":0,"byteLength":4}],
                   "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"VEC3"}]})",
-                "runs past its buffer"},
+                "run past its buffer view 0"},
         BadFile{"missing_mesh.gltf", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"mesh":4}]})",
                 "missing mesh"}));
 
