@@ -1,28 +1,43 @@
 // Reads arbitrary bytes as a scene file, in both forms, then writes what was
 // read: damaged files must give a message, never a crash or a read past
-// their buffers.
-#include <unistd.h>
-
+// their buffers. The input lies alone in a folder of its own, so that a URI
+// in it can reach nothing else on the machine.
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "adaptor/standalone/gltffile.h"
 
+namespace {
+
+const std::filesystem::path& Folder() {
+  static const std::filesystem::path folder = [] {
+    std::string pattern = (std::filesystem::temp_directory_path() / "rgw_fuzz_gltf_XXXXXX").string();
+    if (!mkdtemp(pattern.data())) std::abort();
+    std::atexit([] {
+      std::error_code ignored;
+      std::filesystem::remove_all(Folder(), ignored);
+    });
+    return std::filesystem::path(pattern);
+  }();
+  return folder;
+}
+
+}  // namespace
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vuk::rgw::adaptor::standalone;
-  const std::string base = "/tmp/rgw_fuzz_gltf_" + std::to_string(getpid());
   for (const char* extension : {".gltf", ".glb"}) {
-    const std::string path = base + extension;
-    if (FILE* file = std::fopen(path.c_str(), "wb")) {
-      std::fwrite(data, 1, size, file);
-      std::fclose(file);
-    }
+    const std::filesystem::path input = Folder() / (std::string("scene") + extension);
+    const std::filesystem::path output = Folder() / (std::string("out") + extension);
+    std::ofstream(input, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     Scene scene;
     GltfFile gltf;
-    if (gltf.Load(path, scene)) gltf.Save(base + ".out" + extension, scene);
-    std::remove(path.c_str());
-    std::remove((base + ".out" + extension).c_str());
+    if (gltf.Load(input.string(), scene)) gltf.Save(output.string(), scene);
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator(Folder(), ignored)) std::filesystem::remove_all(entry.path(), ignored);
   }
   return 0;
 }
