@@ -12,17 +12,27 @@
 
 namespace {
 
-const std::filesystem::path& Folder() {
-  static const std::filesystem::path folder = [] {
+// A folder of our own for the run, gone with the process.
+class Scratch {
+ public:
+  Scratch() {
     std::string pattern = (std::filesystem::temp_directory_path() / "rgw_fuzz_gltf_XXXXXX").string();
     if (!mkdtemp(pattern.data())) std::abort();
-    std::atexit([] {
-      std::error_code ignored;
-      std::filesystem::remove_all(Folder(), ignored);
-    });
-    return std::filesystem::path(pattern);
-  }();
-  return folder;
+    folder_ = pattern;
+  }
+  ~Scratch() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+  }
+  const std::filesystem::path& Folder() const { return folder_; }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+const std::filesystem::path& Folder() {
+  static const Scratch scratch;
+  return scratch.Folder();
 }
 
 }  // namespace
