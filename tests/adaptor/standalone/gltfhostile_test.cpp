@@ -67,20 +67,28 @@ std::string WithBuffer(const std::string& uri) {
   return R"({"asset":{"version":"2.0"},"buffers":[{"byteLength":15,"uri":")" + uri + R"("}]})";
 }
 
+using Prepare = std::function<void(const fs::path&)>;
+
+// The case's scene file, in its own folder made ready first.
+fs::path WriteScene(const char* name, const std::string& text, const Prepare& prepare) {
+  const fs::path folder = Folder(name);
+  prepare(folder);
+  const fs::path path = folder / "scene.gltf";
+  std::ofstream(path) << text;
+  return path;
+}
+
 struct Hostile {
   const char* name;
   std::string text;
   const char* problem;
-  std::function<void(const fs::path&)> prepare = [](const fs::path&) {};
+  Prepare prepare = [](const fs::path&) {};
 };
 
 class GltfHostile : public testing::TestWithParam<Hostile> {};
 
 TEST_P(GltfHostile, IsRefusedWithThePlaceNamedAndNothingOfItsData) {
-  const fs::path folder = Folder(GetParam().name);
-  GetParam().prepare(folder);
-  const fs::path path = folder / "scene.gltf";
-  std::ofstream(path) << GetParam().text;
+  const fs::path path = WriteScene(GetParam().name, GetParam().text, GetParam().prepare);
   Scene scene;
   std::string error;
   EXPECT_FALSE(GltfFile().Load(path.string(), scene, &error));
@@ -155,21 +163,24 @@ INSTANTIATE_TEST_SUITE_P(
         Hostile{"device", WithBuffer("%2Fdev%2Fzero"), "is not a path relative to the scene's folder"},
         Hostile{"missing", WithBuffer("nothing.bin"), "buffer 0: \"uri\" names no file in the scene's folder"}));
 
-// Images are never opened, whatever they name: a FIFO would hang the
-// reader, and their URIs come back as they were.
-TEST(GltfHostileImages, AreNeverReadAndKeepTheirUris) {
-  const fs::path folder = Folder("images");
-  ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0);
-  const fs::path path = folder / "scene.gltf";
-  std::ofstream(path) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Box"}],
-    "images":[{"uri":"pipe.png"},{"uri":"../secret.bin"},{"uri":"/etc/passwd"}],"textures":[{"source":0},{"source":1},{"source":2}],
-    "materials":[{"pbrMetallicRoughness":{"baseColorTexture":{"index":0}},"emissiveTexture":{"index":1},"occlusionTexture":{"index":2}}]})";
+// The file as written again after loading; empty when either fails.
+std::string Resaved(const fs::path& path) {
   Scene scene;
   GltfFile file;
   std::string error;
-  ASSERT_TRUE(file.Load(path.string(), scene, &error)) << error;
-  ASSERT_TRUE(file.Save((folder / "out.gltf").string(), scene, &error)) << error;
-  const std::string written = Read(folder / "out.gltf");
+  const fs::path out = path.parent_path() / "out.gltf";
+  const bool done = file.Load(path.string(), scene, &error) && file.Save(out.string(), scene, &error);
+  EXPECT_TRUE(done) << error;
+  return done ? Read(out) : std::string();
+}
+
+// Images are never opened, whatever they name: a FIFO would hang the
+// reader, and their URIs come back as they were.
+TEST(GltfHostileImages, AreNeverReadAndKeepTheirUris) {
+  const std::string written = Resaved(WriteScene("images", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Box"}],
+    "images":[{"uri":"pipe.png"},{"uri":"../secret.bin"},{"uri":"/etc/passwd"}],"textures":[{"source":0},{"source":1},{"source":2}],
+    "materials":[{"pbrMetallicRoughness":{"baseColorTexture":{"index":0}},"emissiveTexture":{"index":1},"occlusionTexture":{"index":2}}]})",
+      [](const fs::path& folder) { ASSERT_EQ(mkfifo((folder / "pipe.png").c_str(), 0600), 0); }));
   for (const char* uri : {"\"pipe.png\"", "\"../secret.bin\"", "\"/etc/passwd\""}) EXPECT_NE(written.find(uri), std::string::npos) << uri;
   EXPECT_EQ(written.find("SECRET"), std::string::npos);
   EXPECT_EQ(written.find("root:"), std::string::npos);
@@ -179,22 +190,13 @@ struct Kept {
   const char* name;
   std::string text;
   const char* member;  // as the written file holds it
-  std::function<void(const fs::path&)> prepare = [](const fs::path&) {};
+  Prepare prepare = [](const fs::path&) {};
 };
 
 class GltfKept : public testing::TestWithParam<Kept> {};
 
 TEST_P(GltfKept, ComesBackInTheWrittenFile) {
-  const fs::path folder = Folder(GetParam().name);
-  GetParam().prepare(folder);
-  const fs::path path = folder / "scene.gltf";
-  std::ofstream(path) << GetParam().text;
-  Scene scene;
-  GltfFile file;
-  std::string error;
-  ASSERT_TRUE(file.Load(path.string(), scene, &error)) << error;
-  ASSERT_TRUE(file.Save((folder / "out.gltf").string(), scene, &error)) << error;
-  const std::string written = Read(folder / "out.gltf");
+  const std::string written = Resaved(WriteScene(GetParam().name, GetParam().text, GetParam().prepare));
   EXPECT_NE(written.find(GetParam().member), std::string::npos) << written;
 }
 
