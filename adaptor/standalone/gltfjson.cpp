@@ -102,7 +102,8 @@ class Scanner {
     if (c == '}' || c == ']') {
       const bool filled = levels_.back().filled;
       levels_.pop_back();
-      return KeptInExtras(filled, "nothing");
+      // Empty extras as a whole say nothing a file without them doesn't.
+      return KeptInExtras(filled || ExtrasDepth() == 1, "nothing");
     }
     if (c == ',') {
       ++levels_.back().index;
@@ -116,10 +117,13 @@ class Scanner {
   // cuts whole numbers to 32 bits; a file that has them is refused rather
   // than written back without them.
   bool KeptInExtras(bool kept, const char* what) {
-    const bool inExtras = std::any_of(levels_.begin(), levels_.end(), [](const Level& level) {
-      return level.object && level.key == "extras";
-    });
-    return kept || !inExtras || Fail(Place() + " holds " + what + ", which extras can't keep");
+    return kept || ExtrasDepth() == 0 || Fail(Place() + " holds " + what + ", which extras can't keep");
+  }
+  // How many levels below the outermost "extras" the value being read is; 0 outside extras.
+  std::size_t ExtrasDepth() const {
+    const auto extras = std::find_if(levels_.begin(), levels_.end(),
+                                     [](const Level& level) { return level.object && level.key == "extras"; });
+    return static_cast<std::size_t>(levels_.end() - extras);
   }
 
   // Where the value being read stands, as "nodes[3].scale[1]".

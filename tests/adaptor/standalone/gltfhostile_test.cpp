@@ -204,6 +204,7 @@ INSTANTIATE_TEST_SUITE_P(
     Members, GltfKept,
     testing::Values(
         Kept{"nested_extras", WithExtras(R"({"rig":{"bones":[1,{"b":2.5}],"id":-2147483648}})"), "\"b\": 2.5"},
+        Kept{"empty_extras", WithExtras("{}"), "\"Arm\""},
         Kept{"deepest_extras", WithExtras(R"({"d":)" + Nested(60) + "}"), "\"d\""},
         Kept{"node_extension", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm","extensions":{"VENDOR_x":{"k":2}}}]})",
              "\"VENDOR_x\""},
