@@ -226,6 +226,12 @@ Element* Element::AddChild(const Element& child) {
   return children.back().get();
 }
 
+Element* Element::AddChild(Element&& child) {
+  if (child.kind <= kEmpty && child.children.empty()) return nullptr;
+  children.push_back(std::make_unique<Element>(std::move(child)));
+  return children.back().get();
+}
+
 ParseResult Element::Parse(const std::string& path) {
   std::string markup;
   const bool read = !path.empty() && path[0] == ':' ? ReadResource(path, markup) : ReadLines(path, markup);
