@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <set>
 
+#include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltfprune.h"
 
 namespace vuk::rgw::adaptor::standalone {
@@ -232,6 +233,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   const bool read = binary ? loader.LoadBinaryFromFile(model.get(), &err, &warn, path)
                            : loader.LoadASCIIFromFile(model.get(), &err, &warn, path);
   if (!read) return fail(err.empty() ? "not a glTF file" : err);
+  if (std::string problem; !RestoreLongExtras(*model, problem)) return fail(problem);
 
   // Everything is read and checked before the scene changes.
   std::string problem;
@@ -498,6 +500,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
     }
   }
   if (!keys.channels.empty()) model.animations.push_back(keys);
+  MoveLongExtrasToBuffer(model, EndsWith(path, ".glb"));
   PruneUnusedData(model);
 
   const std::string temporary = path + ".tmp";
