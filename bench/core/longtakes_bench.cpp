@@ -1,0 +1,202 @@
+// What long takes cost: a scene of 10 tools, each with an hour of input at
+// 30 fps and the histories and keys of that hour simulated, saved and shown
+// again; and the worst recording tick over an hour-long live take.
+//
+// The save reports the bytes of the file and the peak of allocated bytes
+// while it is written (counted by the operators new and delete below). The
+// file stays in the temporary folder, so that `rgw scene show` can be timed
+// on it as well.
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "adaptor/standalone/gltffile.h"
+#include "adaptor/standalone/standaloneadaptorinterface.h"
+#include "core/corelibrary.h"
+#include "core/instancemanager.h"
+#include "core/librarymanager.h"
+#include "core/recordmanager.h"
+#include "core/resimulator.h"
+#include "plugins/tools.h"
+
+namespace {
+
+std::atomic<std::size_t> allocated{0};
+std::atomic<std::size_t> peak{0};
+
+void* Allocate(std::size_t size) {
+  void* block = std::malloc(size ? size : 1);
+  if (!block) throw std::bad_alloc();
+  const std::size_t now = allocated += malloc_usable_size(block);
+  std::size_t seen = peak.load();
+  while (now > seen && !peak.compare_exchange_weak(seen, now)) {
+  }
+  return block;
+}
+
+void Release(void* block) {
+  if (!block) return;
+  allocated -= malloc_usable_size(block);
+  std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* block) noexcept { Release(block); }
+void operator delete[](void* block) noexcept { Release(block); }
+void operator delete(void* block, std::size_t) noexcept { Release(block); }
+void operator delete[](void* block, std::size_t) noexcept { Release(block); }
+
+namespace {
+
+using namespace vuk::rgw;
+
+constexpr int kTools = 10;
+constexpr double kTakeSeconds = 3600;
+
+std::string ScenePath(const char* extension) {
+  return (std::filesystem::temp_directory_path() / ("rgw_bench_long_takes" + std::string(extension))).string();
+}
+
+// The host, the tools and their tree, as the rgw command line holds them.
+struct Session {
+  Session() {
+    host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
+  }
+  adaptor::standalone::StandaloneAdaptorInterface host;
+  core::LibraryManager library{addon::BuiltInTools()};
+  core::InstanceManager tools{&host, &library};
+  adaptor::standalone::GltfFile file;
+};
+
+// The built-in tools in turn, each with an hour of input on every channel,
+// simulated over that hour.
+std::unique_ptr<Session> LongTakes() {
+  auto made = std::make_unique<Session>();
+  const std::vector<core::Plugin*> table = made->library.AllTools();
+  const double fps = made->host.GetFrameRate();
+  const auto frames = static_cast<int>(kTakeSeconds * fps);
+  for (int i = 0; i < kTools; ++i) {
+    core::Instance& tool = *made->tools.Create(table[static_cast<std::size_t>(i) % table.size()]->ToolName())->instance;
+    for (const core::Instance::Channel& channel : tool.Channels()) {
+      vuk::util::AVar_Linear<double>& track = *tool.TrackOf(channel.name);
+      for (int f = 0; f <= frames; ++f) track.Set(f / fps, std::sin(f * 0.01 + i));
+    }
+  }
+  core::Resimulator resimulator(&made->host);
+  resimulator.Start(made->tools.CheckedInstances(), 0.0, kTakeSeconds, core::TimeBase(fps));
+  resimulator.RunToEnd();
+  resimulator.Finish();
+  return made;
+}
+
+bool Save(Session& session, const std::string& path) {
+  session.tools.WriteNodeTags();
+  std::string error;
+  const bool saved = session.file.Save(path, session.host.GetScene(), &error);
+  session.host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { node.properties.erase("RGT_tag"); });
+  return saved;
+}
+
+void BM_SaveLongTakes(benchmark::State& state, const char* extension) {
+  // Made here and gone before the scene is shown: tool names are unique in
+  // the process, and the loaded tools must get theirs back.
+  const std::unique_ptr<Session> session = LongTakes();
+  const std::string path = ScenePath(extension);
+  std::size_t peakBytes = 0;
+  for (auto _ : state) {
+    const std::size_t before = allocated.load();
+    peak = before;
+    if (!Save(*session, path)) state.SkipWithError("the scene could not be saved");
+    peakBytes = std::max(peakBytes, peak.load() - before);
+  }
+  const auto fileBytes = static_cast<double>(std::filesystem::file_size(path));
+  state.counters["file_bytes"] = fileBytes;
+  state.counters["peak_alloc_bytes"] = static_cast<double>(peakBytes);
+  state.counters["peak_per_file_byte"] = static_cast<double>(peakBytes) / fileBytes;
+}
+BENCHMARK_CAPTURE(BM_SaveLongTakes, gltf, ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_SaveLongTakes, glb, ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+// What `rgw scene show` does before it prints: read the file, rebuild the tools.
+void BM_ShowLongTakes(benchmark::State& state, const char* extension) {
+  const std::string path = ScenePath(extension);
+  if (!std::filesystem::exists(path) && !Save(*LongTakes(), path)) state.SkipWithError("no scene to show");
+  double readMs = 0, gatherMs = 0;
+  for (auto _ : state) {
+    Session session;
+    std::string error;
+    const auto start = std::chrono::steady_clock::now();
+    if (!session.file.Load(path, session.host.GetScene(), &error)) state.SkipWithError(error.c_str());
+    const auto read = std::chrono::steady_clock::now();
+    session.host.GatherScene();
+    readMs += std::chrono::duration<double, std::milli>(read - start).count();
+    gatherMs += std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - read).count();
+    if (session.tools.AllInstances().size() != kTools) state.SkipWithError("tools were lost on the way");
+  }
+  // Where the time goes: the file, and the tools taken up from its tags.
+  state.counters["read_ms"] = benchmark::Counter(readMs, benchmark::Counter::kAvgIterations);
+  state.counters["gather_ms"] = benchmark::Counter(gatherMs, benchmark::Counter::kAvgIterations);
+}
+BENCHMARK_CAPTURE(BM_ShowLongTakes, gltf, ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_ShowLongTakes, glb, ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+
+struct Rig : core::InstanceList {
+  explicit Rig(const core::CoreLibrary& library) {
+    for (int i = 0; i < kTools; ++i) {
+      const auto& tool = library.Tools()[static_cast<std::size_t>(i) % library.Tools().size()];
+      instances.push_back(tool->CreateInstance("", &host));
+    }
+  }
+  std::vector<core::Instance*> AllInstances() override {
+    std::vector<core::Instance*> all;
+    for (auto& instance : instances) all.push_back(instance.get());
+    return all;
+  }
+  std::vector<core::Instance*> CheckedInstances() override { return AllInstances(); }
+
+  adaptor::standalone::StandaloneAdaptorInterface host;
+  std::vector<std::unique_ptr<core::Instance>> instances;
+};
+
+// A live take of an hour, one frame a tick as at 30 fps; the worst tick is
+// the frame a user sees stall.
+void BM_WorstRecordingTickLongTake(benchmark::State& state) {
+  static const core::CoreLibrary library(addon::BuiltInTools());
+  for (auto _ : state) {
+    Rig rig(library);
+    core::RecordManager recorder(&rig.host, nullptr, &rig);
+    std::int64_t now = 0;
+    recorder.clock = [&now] { return now; };
+    recorder.processEvents = [] {};
+    recorder.countdownSeconds = 0;
+    rig.host.SetAnimationRange({0, kTakeSeconds});
+    recorder.StartRecording();
+    recorder.Tick(now);
+    double worst = 0;
+    const auto ticks = static_cast<int>(kTakeSeconds * 30);
+    for (int i = 0; i < ticks && recorder.IsRecording(); ++i) {
+      now += i % 3 == 2 ? 34 : 33;
+      const auto start = std::chrono::steady_clock::now();
+      recorder.Tick(now);
+      worst = std::max(worst, std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count());
+    }
+    recorder.StopRecording();
+    state.counters["worst_tick_ms"] = worst;
+  }
+}
+BENCHMARK(BM_WorstRecordingTickLongTake)->Unit(benchmark::kSecond)->Iterations(1);
+
+}  // namespace
