@@ -165,7 +165,7 @@ void StandaloneAdaptorInterface::WriteNodeTags(core::InstanceHandle instance) {
       util::xml::Element masters = MakeMasterNodes(instance);
       // Without the instance's state no node of it is tagged.
       if (masters.children.empty()) return;
-      for (const auto& master : masters.children) tag.AddChild(*master);
+      for (const auto& master : masters.children) tag.AddChild(std::move(*master));
     }
     node->GetHostNode()->properties[kTagProperty] = tag.Write("", "");
   }
@@ -179,10 +179,17 @@ void StandaloneAdaptorInterface::GatherScene() {
     if (tag == host.properties.end() || tag->second.empty()) return;
     util::xml::Element parsed;
     parsed.ParseText(tag->second);
-    for (std::size_t i = 0, n = parsed.CountChildren("masternode"); i < n; ++i) {
-      masters.push_back(parsed.GetChild("masternode", i));
-    }
-    if (!parsed.IsEmpty()) gatherRecords_.emplace_back(&host, std::move(parsed));
+    // The states move on to be built; the record keeps the node's identity.
+    const bool keep = !parsed.IsEmpty();
+    auto& children = parsed.children;
+    children.erase(std::remove_if(children.begin(), children.end(),
+                                  [&](const std::unique_ptr<util::xml::Element>& child) {
+                                    if (child->name != "masternode") return false;
+                                    masters.push_back(std::move(*child));
+                                    return true;
+                                  }),
+                   children.end());
+    if (keep) gatherRecords_.emplace_back(&host, std::move(parsed));
   });
   // Without a loader nothing can take the tools up: the tags stay, so
   // nothing saved is lost.

@@ -288,8 +288,9 @@ std::string& Element::SetAttribute(const std::string& attributeName) {
   return attributes.back().second;
 }
 
-std::string Element::GetText() const {
-  if (children.empty() || children.front()->kind != kText) return std::string();
+const std::string& Element::GetText() const {
+  static const std::string none;
+  if (children.empty() || children.front()->kind != kText) return none;
   return children.front()->name;
 }
 

@@ -64,7 +64,7 @@ class Element {
   // The value slot of an attribute, made when missing.
   std::string& SetAttribute(const std::string& attributeName);
   // The text of the first child, or "" when it isn't text.
-  std::string GetText() const;
+  const std::string& GetText() const;
 
   // The value this element's text holds, read as a standard stream reads it:
   // its own text for a text element, else the text of its first child. The
