@@ -82,11 +82,24 @@ class BitReader {
     return static_cast<std::uint32_t>(buffer_);
   }
 
+  // False when the bits taken ran past the end of the stream.
   bool Consume(std::uint32_t count) {
-    consumed_ += count;
+    Drop(count);
+    return static_cast<std::uint64_t>(next_) * 8 - pending_ <= static_cast<std::uint64_t>(size_) * 8;
+  }
+  // Takes bits that are known to be there.
+  void Drop(std::uint32_t count) {
     buffer_ >>= count;
     pending_ -= count;
-    return consumed_ <= static_cast<std::uint64_t>(size_) * 8;
+  }
+  // Whether the buffer still fills from whole words of the stream: then
+  // every bit a Peek answers is the stream's own.
+  bool InsideStream() const { return next_ + 8 <= size_; }
+  // Peek for InsideStream: the buffer is topped up every time, without a
+  // branch that mispredicts every few codes.
+  std::uint32_t PeekInside() {
+    TakeWord();
+    return static_cast<std::uint32_t>(buffer_);
   }
 
  private:
@@ -94,14 +107,8 @@ class BitReader {
   // stream has them: the bits above those counted are the stream's own next
   // bits, so taking them again later changes nothing.
   void Refill() {
-    if (next_ + 8 <= size_) {
-      const std::uint8_t* p = data_ + next_;
-      const std::uint64_t word = std::uint64_t{p[0]} | std::uint64_t{p[1]} << 8 | std::uint64_t{p[2]} << 16 |
-                                 std::uint64_t{p[3]} << 24 | std::uint64_t{p[4]} << 32 | std::uint64_t{p[5]} << 40 |
-                                 std::uint64_t{p[6]} << 48 | std::uint64_t{p[7]} << 56;
-      buffer_ |= word << pending_;
-      next_ += (63 - pending_) >> 3;
-      pending_ |= 56;
+    if (InsideStream()) {
+      TakeWord();
       return;
     }
     while (pending_ <= 56) {
@@ -112,12 +119,21 @@ class BitReader {
     }
   }
 
+  void TakeWord() {
+    const std::uint8_t* p = data_ + next_;
+    const std::uint64_t word = std::uint64_t{p[0]} | std::uint64_t{p[1]} << 8 | std::uint64_t{p[2]} << 16 |
+                               std::uint64_t{p[3]} << 24 | std::uint64_t{p[4]} << 32 | std::uint64_t{p[5]} << 40 |
+                               std::uint64_t{p[6]} << 48 | std::uint64_t{p[7]} << 56;
+    buffer_ |= word << pending_;
+    next_ += (63 - pending_) >> 3;
+    pending_ |= 56;
+  }
+
   const std::uint8_t* data_;
   std::size_t size_;
   std::size_t next_ = 0;
   std::uint64_t buffer_ = 0;
   std::uint32_t pending_ = 0;
-  std::uint64_t consumed_ = 0;
 };
 
 // For every pattern of the next kBits bits: the symbols whose whole codes
@@ -309,18 +325,24 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
   std::uint32_t produced = 0;
   while (produced < unpackedSize) {
     // Most codes are short: one table lookup answers them, often two at a
-    // time; longer ones go on down the tree from where the table left off.
+    // time. Far from both ends nothing needs checking, and the symbols go
+    // out as one fixed-size store whose extra bytes the next ones overwrite.
+    while (bits.InsideStream() && unpackedSize - produced >= ShortCodeTable::kMaxSymbols) {
+      const ShortCodeTable::Entry& entry = shortCodes[bits.PeekInside()];
+      if (entry.count == 0) break;
+      std::memcpy(out.data() + produced, entry.symbols.data(), ShortCodeTable::kMaxSymbols);
+      bits.Drop(entry.bitCount);
+      produced += entry.count;
+    }
+    if (produced == unpackedSize) break;
+    // Longer codes go on down the tree from where the table left off.
     const ShortCodeTable::Entry& entry = shortCodes[bits.Peek()];
     bool ok = true;
+    std::uint32_t made = 1;
     if (entry.count > 0 && entry.count <= unpackedSize - produced) {
       ok = bits.Consume(entry.bitCount);
-      // A fixed-size copy is one store; the bytes past the count are
-      // overwritten by the next symbols.
-      if (unpackedSize - produced >= ShortCodeTable::kMaxSymbols) {
-        std::memcpy(out.data() + produced, entry.symbols.data(), ShortCodeTable::kMaxSymbols);
-      } else {
-        std::copy_n(entry.symbols.begin(), entry.count, out.begin() + produced);
-      }
+      std::copy_n(entry.symbols.begin(), entry.count, out.begin() + produced);
+      made = entry.count;
     } else if (entry.count > 0) {
       // Near the end: the symbols after the last are only padding bits.
       ok = bits.Consume(entry.firstBitCount);
@@ -341,7 +363,7 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
                           std::to_string(unpackedSize) + " bytes");
       return Unpacked::kDamaged;
     }
-    produced += entry.count > 0 && entry.count <= unpackedSize - produced ? entry.count : 1;
+    produced += made;
   }
   return Unpacked::kUnpacked;
 }

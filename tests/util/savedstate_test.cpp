@@ -494,6 +494,23 @@ TEST(CompressedBlock, RefusedAsPlainOrDamaged) {
   }
 }
 
+// Long streams are decoded several codes at a time; a stream cut short is
+// still found out, however little is missing.
+TEST(CompressedBlock, ALongStreamCutShortIsDamaged) {
+  std::mt19937 random(11);
+  Bytes input(20000);
+  for (auto& byte : input) byte = static_cast<std::uint8_t>("ABCDEFGHabcdefgh0123+/="[random() % 23]);
+  const Bytes block = CompressedBlock::Pack(input);
+  for (std::size_t cut : {std::size_t{1}, std::size_t{2}, std::size_t{9}, block.size() / 2}) {
+    Bytes out;
+    std::string error;
+    EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size() - cut, out, &error), kDamaged) << cut;
+    EXPECT_TRUE(out.empty()) << cut;
+    EXPECT_NE(error.find("code stream ends"), std::string::npos) << error;
+  }
+  EXPECT_EQ(Unpacked(block), input);
+}
+
 TEST(CompressedBlock, TrailingBytesAreIgnoredAndTheLimitIsTheCallersChoice) {
   EXPECT_EQ(Unpacked(Hex(kHeader + "02000000 03000000 6101000000 6202000000 06 FF")), (Bytes{'a', 'b', 'b'}));
   const Bytes block = CompressedBlock::Pack(std::string(1000, 'x'));
