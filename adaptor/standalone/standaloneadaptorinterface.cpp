@@ -7,6 +7,7 @@
 #include "adaptor/standalone/standalonenode.h"
 #include "adaptor/standalone/scenetags.h"
 #include "sdk/cinterface.h"
+#include "util/avar.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -363,10 +364,15 @@ std::int32_t StandaloneAdaptorInterface::BeginRecording() {
 
 std::int32_t StandaloneAdaptorInterface::BeginRecordingInstances(std::vector<core::InstanceHandle> instances) {
   BeginRecording();
-  // Every rig starts its take with a key where it stands.
+  // Every live rig starts its take with a key where it stands; every node
+  // taking part gets room for the keys of the take, so that no frame waits
+  // on a track growing.
   const double now = GetTime();
   for (StandaloneNode* node : nodes_) {
-    if (!node->live || std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
+    if (std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
+    TransformTrack& track = node->GetHostNode()->track;
+    track.Reserve(track.Keys().size() + util::HistoryHorizon());
+    if (!node->live) continue;
     CSnapshot* snapshot = node->GetSnapshot(now);
     snapshot->SetLocalTransform(snapshot->GetLocalTransform());
     node->ReleaseSnapshot(snapshot);
