@@ -237,7 +237,6 @@ Bytes CompressedBlock::Pack(const std::uint8_t* data, std::size_t size) {
                    [](const SymbolCount& a, const SymbolCount& b) { return a.count < b.count; });
 
   Bytes out;
-  out.reserve(kHeaderSize + table.size() * kTableEntrySize + size / 2 + 16);
   ByteWriter writer(out);
   writer.Put(kMagic);
   writer.Put(kVersion);
@@ -261,6 +260,10 @@ Bytes CompressedBlock::Pack(const std::uint8_t* data, std::size_t size) {
     }
   }
 
+  // The stream's exact length is known from the counts: one allocation.
+  std::uint64_t streamBits = 0;
+  for (const SymbolCount& entry : table) streamBits += std::uint64_t{entry.count} * codes[entry.symbol].length;
+  out.reserve(out.size() + static_cast<std::size_t>((streamBits + 7) / 8));
   BitWriter bits(out);
   for (std::size_t i = 0; i < size; ++i) bits.Put(codes[data[i]]);
   bits.Flush();
