@@ -60,7 +60,9 @@ void MoveLongExtrasToBuffer(tinygltf::Model& model, bool binary) {
         continue;
       }
       if (binary && IsLong(it->second)) {
-        const std::string& text = it->second.Get<std::string>();
+        // Taken out, so that it goes when copied: a value assigned over a
+        // long string would keep its storage.
+        const std::string text = std::move(it->second.Get<std::string>());
         while (data.size() % 4) data.push_back(0);
         tinygltf::BufferView blob;
         blob.buffer = 0;
