@@ -26,13 +26,19 @@ std::uint32_t ReadNumber(const std::string& text, std::size_t begin, std::size_t
   return value;
 }
 
-bool StandsForItself(char c) { return c != '&' && c != '<' && (chars::IsAlnum(c) || chars::IsBlank(c) || chars::IsPunct(c)); }
+bool StandsForItself(char c) {
+  return c != '&' && c != '<' && (chars::IsAlnum(c) || chars::IsBlank(c) || chars::IsPunct(c));
+}
 
-const std::array<bool, 256> kPlain = [] {
-  std::array<bool, 256> table{};
-  for (int c = 0; c < 256; ++c) table[static_cast<std::size_t>(c)] = StandsForItself(static_cast<char>(c));
+// Made at first use: text may be written while other statics are made.
+const std::array<bool, 256>& PlainCharacters() {
+  static const std::array<bool, 256> table = [] {
+    std::array<bool, 256> plain{};
+    for (int c = 0; c < 256; ++c) plain[static_cast<std::size_t>(c)] = StandsForItself(static_cast<char>(c));
+    return plain;
+  }();
   return table;
-}();
+}
 
 void EncodeOne(std::string& out, char c) {
   if (c == '&') {
@@ -73,10 +79,11 @@ std::string Decode(std::string text) {
 void EncodeTo(std::string& out, std::string_view text) {
   // Runs of characters that stand for themselves go out in one piece: saved
   // state is mostly long runs of base64 text.
+  const std::array<bool, 256>& plain = PlainCharacters();
   std::size_t run = 0;
   while (run < text.size()) {
     std::size_t end = run;
-    while (end < text.size() && kPlain[static_cast<unsigned char>(text[end])]) ++end;
+    while (end < text.size() && plain[static_cast<unsigned char>(text[end])]) ++end;
     out.append(text, run, end - run);
     if (end == text.size()) return;
     EncodeOne(out, text[end]);

@@ -4,21 +4,13 @@
 #include <tiny_gltf.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/gltfprune.h"
+#include "tests/adaptor/standalone/scenefiles.h"
 
 namespace vuk::rgw::adaptor::standalone {
 namespace {
-
-std::string Temp(const std::string& name) { return testing::TempDir() + "/" + name; }
-
-std::string Read(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 // The JSON of a file: the whole of a text file, the first chunk of a binary one.
 std::string Json(const std::string& path) {
