@@ -311,7 +311,7 @@ util::xml::Element Instance::SaveTracks() const {
     recordedTracks_[i].Save(block.data(), static_cast<std::uint32_t>(block.size()));
     util::xml::TagWithData input("input", util::Base64::Encode(block.data(), block.size()));
     if (i < inputs_.Count()) input.SetAttribute("channel") = inputs_.Get(i)->name;
-    tracks.AddChild(input);
+    tracks.AddChild(std::move(input));
   }
   for (const util::xml::Element& unmatched : unmatchedTracks_) tracks.AddChild(unmatched);
   return std::move(tracks);

@@ -281,12 +281,11 @@ void InstanceManager::EndLoad() {
 }
 
 int InstanceManager::LoadToolTree(const util::xml::Element& given) {
-  util::xml::Element tree = given;
-  if (tree.name != "RGT" && tree.name != "rgw") {
-    util::xml::Tag wrapper("RGT");
-    wrapper.AddChild(given);
-    tree = std::move(wrapper);
-  }
+  // Only a bare "RGT_Plugin" is wrapped; a list is read where it stands.
+  util::xml::Tag wrapper("RGT");
+  const bool bare = given.name != "RGT" && given.name != "rgw";
+  if (bare) wrapper.AddChild(given);
+  const util::xml::Element& tree = bare ? wrapper : given;
   adaptor_->BeginUndo("Creating instance");
   std::vector<InstanceReference*> made;
   for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {

@@ -208,7 +208,12 @@ Element InstanceReference::Serialize(std::uint32_t flags) const {
     }
   }
   if (!(flags & kCompress)) return std::move(plugin);
-  const util::Bytes packed = util::CompressedBlock::Pack(plugin.Write("", ""));
+  // Each form is let go as soon as the next is made: saved state runs to
+  // tens of megabytes a tool.
+  std::string text = plugin.Write("", "");
+  plugin.children.clear();
+  util::Bytes packed = util::CompressedBlock::Pack(text);
+  text = std::string();
   Tag compressed("RGT_Plugin");
   compressed.SetAttribute("compressed") = "1";
   compressed.AddChild(util::xml::Text(util::Base64::Encode(packed)));

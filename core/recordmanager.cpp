@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/devicemanager.h"
+#include "util/avar.h"
 
 namespace vuk::rgw::core {
 
@@ -13,6 +14,13 @@ constexpr int kMostFramesPerTick = 3;
 
 // The host's scale is a whole positive number.
 std::int32_t HostScale(double timeScale) { return std::max<std::int32_t>(1, static_cast<std::int32_t>(timeScale)); }
+
+// Histories and keys make room for the take up to the end of the range, and
+// for ten minutes at least: a frame of the take never waits on one growing.
+void ReserveTake(double from, double to, const TimeBase& base) {
+  constexpr double kLeastSeconds = 600;
+  util::SetHistoryHorizon(static_cast<std::size_t>(std::max(to - from, kLeastSeconds) / base.FrameDuration()) + 1);
+}
 
 }  // namespace
 
@@ -46,6 +54,7 @@ void RecordManager::StartRecording() {
   endTime = adaptor_->GetAnimationRange().second;
   time = startTime;
   frameIndex = Base().FrameAt(time);
+  ReserveTake(startTime, endTime, Base());
   std::vector<Instance*> checked = instances_->CheckedInstances();
   adaptor_->BeginRecordingInstances(HandlesOf(checked));
   BeginInstances(std::move(checked));
@@ -100,6 +109,7 @@ void RecordManager::Tick(std::int64_t nowMs) {
       // Doubling: a range ending at 10 s goes to 20, then 40; one ending at 0 stays.
       endTime = endTime + endTime;
       adaptor_->SetAnimationRange({adaptor_->GetAnimationRange().first, endTime});
+      ReserveTake(time, endTime, base);
     }
     if (time > startTime) StepInstances(base.TimeOf(frameIndex));
   }
@@ -131,6 +141,7 @@ void RecordManager::StopRecording() {
   if (devices_) devices_->Unacquire();
   adaptor_->SetTimeScale(1);
   recording = false;
+  util::SetHistoryHorizon(0);
   adaptor_->EndRecording();
   adaptor_->EndUndo();
 }

@@ -1,5 +1,6 @@
 #include "util/avar.h"
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <limits>
@@ -11,6 +12,8 @@ namespace vuk::util {
 static_assert(sizeof(int) == 4, "int records hold a 32-bit value");
 
 namespace {
+
+std::size_t historyHorizon = 0;
 
 // Writes straight into the caller's buffer, lowest byte first, one field at a
 // time, so the block is the same on every machine and needs no allocation.
@@ -243,6 +246,9 @@ T* AVar<T>::Set(double t, const T& value) {
   // In a sorted history nothing can have a time after the last record's, so
   // the per-frame append skips the search.
   if (records.empty() || t > records.back().time) {
+    if (records.size() == records.capacity() && HistoryHorizon() > 0) {
+      records.reserve(records.size() + std::max(records.size(), HistoryHorizon()));
+    }
     records.push_back(Record{t, value});
     return &records.back().value;
   }
@@ -266,10 +272,12 @@ T* AVar<T>::Set(double t, const T& value) {
 
 template <typename T>
 void AVar<T>::RemoveFrom(double t) {
-  if (records.empty()) return;
-  auto i = static_cast<std::size_t>(FindNearest(t));
-  if (t > records[i].time) ++i;
-  if (i < records.size()) records.resize(i);
+  if (!records.empty()) {
+    auto i = static_cast<std::size_t>(FindNearest(t));
+    if (t > records[i].time) ++i;
+    if (i < records.size()) records.resize(i);
+  }
+  if (records.capacity() < records.size() + HistoryHorizon()) records.reserve(records.size() + HistoryHorizon());
 }
 
 template <typename T>
@@ -290,6 +298,9 @@ template <typename T>
 typename AVar_Latest<T>::Record AVar_Latest<T>::Interpolate(const Record& first, const Record&, double) const {
   return first;
 }
+
+void SetHistoryHorizon(std::size_t records) { historyHorizon = records; }
+std::size_t HistoryHorizon() { return historyHorizon; }
 
 template class AVar<double>;
 template class AVar<int>;

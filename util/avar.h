@@ -60,6 +60,13 @@ struct AVarValueFormat<QTransform<double>> {
   static QTransform<double> Initial() { return {}; }  // no translation, identity rotation
 };
 
+// How many more records a running take is expected to add to each history.
+// Where a take begins (RemoveFrom), and whenever a history has to grow during
+// it, room is made for that many at once: no frame of a take then waits while
+// a long history is moved. Zero outside takes, for ordinary growth.
+void SetHistoryHorizon(std::size_t records);
+std::size_t HistoryHorizon();
+
 // The abstract history; the derived kinds decide the value between records.
 // The order of the virtual operations is part of the tools' binary layout:
 // new ones go after the destructor, never between.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -75,49 +76,102 @@ class BitReader {
  public:
   BitReader(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
 
+  // The next 32 bits at least.
   std::uint32_t Peek() {
+    if (pending_ < 32) Refill();
+    return static_cast<std::uint32_t>(buffer_);
+  }
+
+  // False when the bits taken ran past the end of the stream.
+  bool Consume(std::uint32_t count) {
+    Drop(count);
+    return static_cast<std::uint64_t>(next_) * 8 - pending_ <= static_cast<std::uint64_t>(size_) * 8;
+  }
+  // Takes bits that are known to be there.
+  void Drop(std::uint32_t count) {
+    buffer_ >>= count;
+    pending_ -= count;
+  }
+  // Whether the buffer still fills from whole words of the stream: then
+  // every bit a Peek answers is the stream's own.
+  bool InsideStream() const { return next_ + 8 <= size_; }
+  // Peek for InsideStream: the buffer is topped up every time, without a
+  // branch that mispredicts every few codes.
+  std::uint32_t PeekInside() {
+    TakeWord();
+    return static_cast<std::uint32_t>(buffer_);
+  }
+
+ private:
+  // Tops the buffer up to at least 57 bits. Eight bytes at once where the
+  // stream has them: the bits above those counted are the stream's own next
+  // bits, so taking them again later changes nothing.
+  void Refill() {
+    if (InsideStream()) {
+      TakeWord();
+      return;
+    }
     while (pending_ <= 56) {
       const std::uint64_t byte = next_ < size_ ? data_[next_] : 0;
       buffer_ |= byte << pending_;
       pending_ += 8;
       ++next_;
     }
-    return static_cast<std::uint32_t>(buffer_);
   }
 
-  bool Consume(std::uint32_t count) {
-    consumed_ += count;
-    buffer_ >>= count;
-    pending_ -= count;
-    return consumed_ <= static_cast<std::uint64_t>(size_) * 8;
+  void TakeWord() {
+    const std::uint8_t* p = data_ + next_;
+    const std::uint64_t word = std::uint64_t{p[0]} | std::uint64_t{p[1]} << 8 | std::uint64_t{p[2]} << 16 |
+                               std::uint64_t{p[3]} << 24 | std::uint64_t{p[4]} << 32 | std::uint64_t{p[5]} << 40 |
+                               std::uint64_t{p[6]} << 48 | std::uint64_t{p[7]} << 56;
+    buffer_ |= word << pending_;
+    next_ += (63 - pending_) >> 3;
+    pending_ |= 56;
   }
 
- private:
   const std::uint8_t* data_;
   std::size_t size_;
   std::size_t next_ = 0;
   std::uint64_t buffer_ = 0;
   std::uint32_t pending_ = 0;
-  std::uint64_t consumed_ = 0;
 };
 
-// For every pattern of the next kBits bits: the node a walk from the root
-// reaches, stopping early at a leaf, and the bits that walk used.
+// For every pattern of the next kBits bits: the symbols whose whole codes
+// stand in it, one after the other (two for most text), and the bits they
+// take. A pattern that begins with a longer code holds no symbol, and the
+// node where a walk from the root stops after kBits bits.
 class ShortCodeTable {
  public:
-  static constexpr std::uint32_t kBits = 11;
+  static constexpr std::uint32_t kBits = 12;
+  static constexpr std::size_t kMaxSymbols = 4;
   struct Entry {
-    std::int32_t node;
-    std::uint32_t bitCount;
+    std::array<std::uint8_t, kMaxSymbols> symbols;
+    std::uint8_t count;
+    std::uint8_t firstBitCount;  // of the first symbol alone
+    std::uint8_t bitCount;       // of all symbols, or kBits when there is none
+    std::int32_t node;           // where the walk goes on when there is none
   };
 
   explicit ShortCodeTable(const CodeTree& tree) {
     for (std::uint32_t pattern = 0; pattern < entries_.size(); ++pattern) {
-      Entry entry{tree.Root(), 0};
-      while (entry.bitCount < kBits && tree[entry.node].symbol == kNone) {
-        const bool one = (pattern >> entry.bitCount) & 1u;
-        entry.node = one ? tree[entry.node].second : tree[entry.node].first;
-        ++entry.bitCount;
+      Entry entry{{}, 0, 0, 0, tree.Root()};
+      std::uint32_t used = 0;
+      while (entry.count < kMaxSymbols) {
+        std::int32_t node = tree.Root();
+        std::uint32_t bit = used;
+        while (bit < kBits && tree[node].symbol == kNone) {
+          node = (pattern >> bit) & 1u ? tree[node].second : tree[node].first;
+          ++bit;
+        }
+        if (tree[node].symbol == kNone) {
+          if (entry.count == 0) entry.node = node;
+          if (entry.count == 0) entry.bitCount = static_cast<std::uint8_t>(bit);
+          break;
+        }
+        entry.symbols[entry.count++] = static_cast<std::uint8_t>(tree[node].symbol);
+        if (entry.count == 1) entry.firstBitCount = static_cast<std::uint8_t>(bit);
+        entry.bitCount = static_cast<std::uint8_t>(bit);
+        used = bit;
       }
       entries_[pattern] = entry;
     }
@@ -183,7 +237,6 @@ Bytes CompressedBlock::Pack(const std::uint8_t* data, std::size_t size) {
                    [](const SymbolCount& a, const SymbolCount& b) { return a.count < b.count; });
 
   Bytes out;
-  out.reserve(kHeaderSize + table.size() * kTableEntrySize + size / 2 + 16);
   ByteWriter writer(out);
   writer.Put(kMagic);
   writer.Put(kVersion);
@@ -207,6 +260,10 @@ Bytes CompressedBlock::Pack(const std::uint8_t* data, std::size_t size) {
     }
   }
 
+  // The stream's exact length is known from the counts: one allocation.
+  std::uint64_t streamBits = 0;
+  for (const SymbolCount& entry : table) streamBits += std::uint64_t{entry.count} * codes[entry.symbol].length;
+  out.reserve(out.size() + static_cast<std::size_t>((streamBits + 7) / 8));
   BitWriter bits(out);
   for (std::size_t i = 0; i < size; ++i) bits.Put(codes[data[i]]);
   bits.Flush();
@@ -268,16 +325,40 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
   out.resize(unpackedSize);
   const ShortCodeTable shortCodes(tree);
   BitReader bits(reader.Current(), reader.Remaining());
-  for (std::uint32_t produced = 0; produced < unpackedSize; ++produced) {
-    // Most codes are short: one table lookup answers them; longer ones go on
-    // down the tree from where the table left off.
+  std::uint32_t produced = 0;
+  while (produced < unpackedSize) {
+    // Most codes are short: one table lookup answers them, often two at a
+    // time. Far from both ends nothing needs checking, and the symbols go
+    // out as one fixed-size store whose extra bytes the next ones overwrite.
+    while (bits.InsideStream() && unpackedSize - produced >= ShortCodeTable::kMaxSymbols) {
+      const ShortCodeTable::Entry& entry = shortCodes[bits.PeekInside()];
+      if (entry.count == 0) break;
+      std::memcpy(out.data() + produced, entry.symbols.data(), ShortCodeTable::kMaxSymbols);
+      bits.Drop(entry.bitCount);
+      produced += entry.count;
+    }
+    if (produced == unpackedSize) break;
+    // Longer codes go on down the tree from where the table left off.
     const ShortCodeTable::Entry& entry = shortCodes[bits.Peek()];
-    bool ok = bits.Consume(entry.bitCount);
-    std::int32_t node = entry.node;
-    while (ok && tree[node].symbol == kNone) {
-      const bool one = bits.Peek() & 1u;
-      ok = bits.Consume(1);
-      node = one ? tree[node].second : tree[node].first;
+    bool ok = true;
+    std::uint32_t made = 1;
+    if (entry.count > 0 && entry.count <= unpackedSize - produced) {
+      ok = bits.Consume(entry.bitCount);
+      std::copy_n(entry.symbols.begin(), entry.count, out.begin() + produced);
+      made = entry.count;
+    } else if (entry.count > 0) {
+      // Near the end: the symbols after the last are only padding bits.
+      ok = bits.Consume(entry.firstBitCount);
+      out[produced] = entry.symbols[0];
+    } else {
+      ok = bits.Consume(entry.bitCount);
+      std::int32_t node = entry.node;
+      while (ok && tree[node].symbol == kNone) {
+        const bool one = bits.Peek() & 1u;
+        ok = bits.Consume(1);
+        node = one ? tree[node].second : tree[node].first;
+      }
+      out[produced] = static_cast<std::uint8_t>(tree[node].symbol);
     }
     if (!ok) {
       out.clear();
@@ -285,7 +366,7 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
                           std::to_string(unpackedSize) + " bytes");
       return Unpacked::kDamaged;
     }
-    out[produced] = static_cast<std::uint8_t>(tree[node].symbol);
+    produced += made;
   }
   return Unpacked::kUnpacked;
 }

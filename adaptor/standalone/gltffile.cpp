@@ -8,6 +8,7 @@
 #include <string_view>
 #include <set>
 
+#include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltfclips.h"
 #include "adaptor/standalone/gltfdata.h"
 #include "adaptor/standalone/gltfjson.h"
@@ -269,7 +270,7 @@ void WriteRootProperties(const SceneNode& root, tinygltf::Scene& target) {
     it = it->second.IsString() && !root.properties.count(it->first) ? extras.erase(it) : std::next(it);
   }
   for (const auto& [key, value] : root.properties) extras[key] = tinygltf::Value(value);
-  target.extras = tinygltf::Value(extras);
+  target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(extras);
 }
 
 }  // namespace
@@ -316,7 +317,8 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
 
   // Everything is read and checked before the scene changes.
   int sceneIndex = 0;
-  if (!CheckDataBounds(*model, problem) || !CheckNodes(*model, problem) || !FindScene(*model, sceneIndex, problem)) {
+  if (!CheckDataBounds(*model, problem) || !RestoreLongExtras(*model, problem) || !CheckNodes(*model, problem) ||
+      !FindScene(*model, sceneIndex, problem)) {
     return fail(problem);
   }
   AccessorReader reader(*model, problem);
@@ -450,6 +452,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   model.defaultScene = sceneIndex;
 
   WriteTransformTracks(model, buffer, changed);
+  MoveLongExtrasToBuffer(model, HasBinaryExtension(path));
   PruneUnusedData(model);
   return Write(path, error);
 }

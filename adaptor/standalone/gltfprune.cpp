@@ -1,5 +1,7 @@
 #include "adaptor/standalone/gltfprune.h"
 
+#include "adaptor/standalone/gltfblobs.h"
+
 #include <tiny_gltf.h>
 
 #include <algorithm>
@@ -97,12 +99,22 @@ void ForEachViewReference(tinygltf::Model& model, Visit visit) {
   for (tinygltf::Image& image : model.images) {
     if (image.bufferView >= 0) visit(image.bufferView);
   }
+  ForEachBlobView(model, visit);
 }
 
 // Copies each view's bytes into fresh buffer data, keeping each view's
 // offset modulo four so that the accessors inside stay aligned.
 void PackBuffers(tinygltf::Model& model) {
   std::vector<std::vector<unsigned char>> packed(model.buffers.size());
+  // Sized once: buffers hold megabytes of keys and saved state, and growing
+  // by doubling would hold up to three copies at a time.
+  std::vector<std::size_t> sizes(model.buffers.size(), 0);
+  for (const tinygltf::BufferView& view : model.bufferViews) {
+    if (view.buffer >= 0 && static_cast<std::size_t>(view.buffer) < sizes.size()) {
+      sizes[static_cast<std::size_t>(view.buffer)] += view.byteLength + 3;
+    }
+  }
+  for (std::size_t i = 0; i < packed.size(); ++i) packed[i].reserve(sizes[i]);
   Usage buffers(model.buffers.size());
   for (tinygltf::BufferView& view : model.bufferViews) {
     if (view.buffer < 0 || static_cast<std::size_t>(view.buffer) >= model.buffers.size()) {

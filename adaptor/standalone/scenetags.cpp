@@ -47,9 +47,11 @@ bool Unpack(Element& master) {
     if (plugin.children.size() != 1 || plugin.children[0]->kind != Element::kText) return true;
     util::Bytes packed, text;
     if (!util::Base64::Decode(plugin.children[0]->name, packed) || packed.empty()) return false;
+    plugin.children.clear();  // its text is in `packed` now
     if (util::CompressedBlock::Unpack(packed, text) == util::CompressedBlock::Unpacked::kDamaged) return false;
+    packed = util::Bytes();
     Element unpacked;
-    unpacked.ParseText(std::string(text.begin(), text.end()));
+    unpacked.ParseText(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
     plugin = std::move(unpacked);
     return true;
   }
@@ -67,8 +69,15 @@ void SortByChildIndex(std::vector<Builder*>& builders) {
                    [](const Builder* a, const Builder* b) { return a->childIndex < b->childIndex; });
 }
 
+// Each master goes into the tree once: its "RGT_Plugin" is moved, not copied.
 Element TreeOf(Builder& builder) {
-  Element plugin = builder.master->GetChild("RGT_Plugin");
+  Element plugin;
+  for (auto& child : builder.master->children) {
+    if (child->name == "RGT_Plugin") {
+      plugin = std::move(*child);
+      break;
+    }
+  }
   SortByChildIndex(builder.children);
   for (Builder* child : builder.children) plugin.AddChild(TreeOf(*child));
   return plugin;

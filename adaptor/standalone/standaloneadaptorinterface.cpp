@@ -6,6 +6,7 @@
 #include "adaptor/standalone/standalonenode.h"
 #include "adaptor/standalone/scenetags.h"
 #include "sdk/cinterface.h"
+#include "util/avar.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -164,7 +165,7 @@ void StandaloneAdaptorInterface::WriteNodeTags(core::InstanceHandle instance) {
       util::xml::Element masters = MakeMasterNodes(instance);
       // Without the instance's state no node of it is tagged.
       if (masters.children.empty()) return;
-      for (const auto& master : masters.children) tag.AddChild(*master);
+      for (const auto& master : masters.children) tag.AddChild(std::move(*master));
     }
     node->GetHostNode()->properties[kTagProperty] = tag.Write("", "");
   }
@@ -191,10 +192,17 @@ void StandaloneAdaptorInterface::GatherScene() {
       AddRootTools(parsed, masters);
       return;
     }
-    for (std::size_t i = 0, n = parsed.CountChildren("masternode"); i < n; ++i) {
-      masters.push_back(parsed.GetChild("masternode", i));
-    }
-    if (!parsed.IsEmpty()) gatherRecords_.emplace_back(&host, std::move(parsed));
+    // The states move on to be built; the record keeps the node's identity.
+    const bool keep = !parsed.IsEmpty();
+    auto& children = parsed.children;
+    children.erase(std::remove_if(children.begin(), children.end(),
+                                  [&](const std::unique_ptr<util::xml::Element>& child) {
+                                    if (child->name != "masternode") return false;
+                                    masters.push_back(std::move(*child));
+                                    return true;
+                                  }),
+                   children.end());
+    if (keep) gatherRecords_.emplace_back(&host, std::move(parsed));
   });
   // Without a loader nothing can take the tools up: the tags stay, so
   // nothing saved is lost.
@@ -369,10 +377,15 @@ std::int32_t StandaloneAdaptorInterface::BeginRecording() {
 
 std::int32_t StandaloneAdaptorInterface::BeginRecordingInstances(std::vector<core::InstanceHandle> instances) {
   BeginRecording();
-  // Every rig starts its take with a key where it stands.
+  // Every live rig starts its take with a key where it stands; every node
+  // taking part gets room for the keys of the take, so that no frame waits
+  // on a track growing.
   const double now = GetTime();
   for (StandaloneNode* node : nodes_) {
-    if (!node->live || std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
+    if (std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
+    TransformTrack& track = node->GetHostNode()->track;
+    track.Reserve(track.Keys().size() + util::HistoryHorizon());
+    if (!node->live) continue;
     CSnapshot* snapshot = node->GetSnapshot(now);
     snapshot->SetLocalTransform(snapshot->GetLocalTransform());
     node->ReleaseSnapshot(snapshot);

@@ -171,6 +171,29 @@ TEST_F(Recording, TheRangeEndStopsOrDoubles) {
   recorder.StopRecording();
 }
 
+// A take has room for its frames up to the range end, ten minutes at least:
+// neither the keys nor the recorded inputs move while it runs.
+TEST_F(Recording, ATakeHasRoomForItsRangeAndNothingMovesWhileItRuns) {
+  const std::pair<double, std::size_t> cases[] = {{1200.0, 36001}, {0.1, 18001}};
+  for (const auto& [rangeEnd, frames] : cases) {
+    host.SetTime(0);
+    host.SetAnimationRange({0, rangeEnd});
+    recorder.StartRecording();
+    EXPECT_EQ(util::HistoryHorizon(), frames) << rangeEnd;
+    const auto& keys = static_cast<adaptor::standalone::StandaloneNode*>(First().node)->GetHostNode()->track.Keys();
+    const auto& inputs = instances[0]->RecordedTracks().at(0).records;
+    EXPECT_GE(keys.capacity(), frames);
+    EXPECT_GE(inputs.capacity(), frames);
+    const auto* keysAt = keys.data();
+    const auto* inputsAt = inputs.data();
+    for (std::int64_t ms = 0; ms <= 2000; ms += 33) TickAt(ms);
+    EXPECT_EQ(keys.data(), keysAt);
+    EXPECT_EQ(inputs.data(), inputsAt);
+    recorder.StopRecording();
+    EXPECT_EQ(util::HistoryHorizon(), 0u);
+  }
+}
+
 TEST_F(Recording, StopInTheCountdownLeavesNoKeysAndTheClockAtTheStart) {
   recorder.countdownSeconds = 2;
   host.SetTime(1.0);

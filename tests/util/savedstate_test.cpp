@@ -201,6 +201,40 @@ TEST(AVar, LinesAtTheExtremes) {
   for (const double t : {1.25, 0.75, 0.0}) (void)damaged.Get(t);
 }
 
+// During a take a history has room for the take from where it is cut back,
+// and when it must grow it grows by the take: appending never moves it.
+TEST(AVar, ATakeHorizonMakesRoomWhereTheTakeBeginsAndWhereItGrows) {
+  struct Case {
+    std::size_t before;  // records before the cut
+    double cutAt;
+    std::size_t kept;
+  };
+  for (const Case& c : {Case{0, 0.0, 0}, Case{40, 1.0, 30}, Case{40, 9.0, 40}}) {
+    AVar_Nearest<Vector3<double>> history;
+    for (std::size_t i = 0; i < c.before; ++i) history.Set(static_cast<double>(i) / 30, {});
+    SetHistoryHorizon(1000);
+    history.RemoveFrom(c.cutAt);
+    ASSERT_EQ(history.records.size(), c.kept);
+    EXPECT_GE(history.records.capacity(), c.kept + 1000);
+    history.Set(100.0, {});
+    const auto* records = history.records.data();
+    for (int i = 1; i < 1000; ++i) history.Set(100.0 + i, {});
+    EXPECT_EQ(history.records.data(), records) << c.before;
+    SetHistoryHorizon(0);
+  }
+  AVar_Latest<int> full;
+  full.records.resize(10);
+  full.records.shrink_to_fit();
+  full.records.back().time = 1;
+  SetHistoryHorizon(500);
+  full.Set(2.0, 1);
+  EXPECT_GE(full.records.capacity(), 510u);
+  SetHistoryHorizon(0);
+  AVar_Latest<int> idle;  // outside a take nothing is reserved
+  idle.RemoveFrom(0.0);
+  EXPECT_EQ(idle.records.capacity(), 0u);
+}
+
 template <typename Var>
 Bytes Saved(const Var& history) {
   const std::uint32_t size = history.GetSaveSize();
@@ -492,6 +526,23 @@ TEST(CompressedBlock, RefusedAsPlainOrDamaged) {
     EXPECT_EQ(out, kind == kPlain ? bytes : Bytes()) << hex;
     EXPECT_TRUE(kind == kPlain || error.find("compressed block") != std::string::npos) << error;
   }
+}
+
+// Long streams are decoded several codes at a time; a stream cut short is
+// still found out, however little is missing.
+TEST(CompressedBlock, ALongStreamCutShortIsDamaged) {
+  std::mt19937 random(11);
+  Bytes input(20000);
+  for (auto& byte : input) byte = static_cast<std::uint8_t>("ABCDEFGHabcdefgh0123+/="[random() % 23]);
+  const Bytes block = CompressedBlock::Pack(input);
+  for (std::size_t cut : {std::size_t{1}, std::size_t{2}, std::size_t{9}, block.size() / 2}) {
+    Bytes out;
+    std::string error;
+    EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size() - cut, out, &error), kDamaged) << cut;
+    EXPECT_TRUE(out.empty()) << cut;
+    EXPECT_NE(error.find("code stream ends"), std::string::npos) << error;
+  }
+  EXPECT_EQ(Unpacked(block), input);
 }
 
 TEST(CompressedBlock, TrailingBytesAreIgnoredAndTheLimitIsTheCallersChoice) {

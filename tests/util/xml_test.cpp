@@ -104,6 +104,20 @@ TEST(XmlElement, AddChildCopiesDeeplyButNotAnEmptyElement) {
   EXPECT_EQ(parent.GetChild(0).GetChild("c").GetChild(0).name, "grandchild");
 }
 
+// A child given away is taken over as it is, long text included, and an
+// empty one is still refused.
+TEST(XmlElement, AChildGivenAwayIsMovedNotCopied) {
+  Tag parent("p");
+  Element empty;
+  EXPECT_EQ(parent.AddChild(std::move(empty)), nullptr);
+  TagWithData blob("savedata", std::string(100000, 'A'));
+  const char* text = blob.GetText().data();
+  Element* added = parent.AddChild(std::move(blob));
+  ASSERT_NE(added, nullptr);
+  EXPECT_EQ(parent.GetChild("savedata").GetText().data(), text);
+  EXPECT_EQ(parent.GetChild("savedata").GetText(), std::string(100000, 'A'));
+}
+
 TEST(XmlElement, LookupsOfMissingChildrenChainToTheSharedEmptyElement) {
   Element element = Parsed("<r><item>1</item><item>2</item><a/>after</r>");
   EXPECT_EQ(element.GetChild("item", 1).GetText(), "2");

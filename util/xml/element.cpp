@@ -82,6 +82,22 @@ void WriteAttributes(std::string& out, const std::vector<Element::Attribute>& at
   }
 }
 
+// About the length of the written text without line ends and indents: room
+// made for it at once keeps a long text from being copied as it grows, and
+// from keeping twice its length when it is done.
+std::size_t WrittenLength(const Element& root) {
+  std::size_t length = 0;
+  std::vector<const Element*> pending{&root};
+  while (!pending.empty()) {
+    const Element& element = *pending.back();
+    pending.pop_back();
+    length += element.kind == Element::kTag ? 2 * element.name.size() + 5 : element.name.size() + 1;
+    for (const auto& [key, value] : element.attributes) length += key.size() + value.size() + 4;
+    for (const auto& child : element.children) pending.push_back(child.get());
+  }
+  return length;
+}
+
 // Writes without recursion; one frame per open element.
 class Writer {
  public:
@@ -226,6 +242,12 @@ Element* Element::AddChild(const Element& child) {
   return children.back().get();
 }
 
+Element* Element::AddChild(Element&& child) {
+  if (child.kind <= kEmpty && child.children.empty()) return nullptr;
+  children.push_back(std::make_unique<Element>(std::move(child)));
+  return children.back().get();
+}
+
 ParseResult Element::Parse(const std::string& path) {
   std::string markup;
   const bool read = !path.empty() && path[0] == ':' ? ReadResource(path, markup) : ReadLines(path, markup);
@@ -239,6 +261,7 @@ ParseResult Element::Parse(const std::string& path) {
 std::string Element::Write(const std::string& lineEnd, const std::string& indentUnit,
                            const std::string& indent) const {
   std::string out;
+  out.reserve(WrittenLength(*this) + indent.size());
   WriteTo(out, lineEnd, indentUnit, indent);
   return out;
 }
@@ -282,8 +305,9 @@ std::string& Element::SetAttribute(const std::string& attributeName) {
   return attributes.back().second;
 }
 
-std::string Element::GetText() const {
-  if (children.empty() || children.front()->kind != kText) return std::string();
+const std::string& Element::GetText() const {
+  static const std::string none;
+  if (children.empty() || children.front()->kind != kText) return none;
   return children.front()->name;
 }
 

@@ -5,6 +5,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -44,9 +45,11 @@ class Element {
   // Appends a deep copy; an empty element without children is not added.
   // Answers the copy, or null when nothing was added.
   virtual Element* AddChild(const Element& child);
+  // The same for a child that is given away: it is moved, not copied.
+  Element* AddChild(Element&& child);
 
   ParseResult Parse(const std::string& path);
-  ParseResult ParseText(const std::string& markup);
+  ParseResult ParseText(std::string_view markup);
 
   std::string Write(const std::string& lineEnd = "\n", const std::string& indentUnit = "\t",
                     const std::string& indent = std::string()) const;
@@ -61,7 +64,7 @@ class Element {
   // The value slot of an attribute, made when missing.
   std::string& SetAttribute(const std::string& attributeName);
   // The text of the first child, or "" when it isn't text.
-  std::string GetText() const;
+  const std::string& GetText() const;
 
   // The value this element's text holds, read as a standard stream reads it:
   // its own text for a text element, else the text of its first child. The

@@ -1,5 +1,6 @@
 #include "util/xml/entities.h"
 
+#include <array>
 #include <cstdint>
 
 #include "util/xml/chars.h"
@@ -25,9 +26,36 @@ std::uint32_t ReadNumber(const std::string& text, std::size_t begin, std::size_t
   return value;
 }
 
+bool StandsForItself(char c) {
+  return c != '&' && c != '<' && (chars::IsAlnum(c) || chars::IsBlank(c) || chars::IsPunct(c));
+}
+
+// Made at first use: text may be written while other statics are made.
+const std::array<bool, 256>& PlainCharacters() {
+  static const std::array<bool, 256> table = [] {
+    std::array<bool, 256> plain{};
+    for (int c = 0; c < 256; ++c) plain[static_cast<std::size_t>(c)] = StandsForItself(static_cast<char>(c));
+    return plain;
+  }();
+  return table;
+}
+
+void EncodeOne(std::string& out, char c) {
+  if (c == '&') {
+    out += "&#38;";
+  } else if (c == '<') {
+    out += "&#60;";
+  } else {
+    // The byte's unsigned value, so that UTF-8 text reads back byte for byte.
+    out += "&#";
+    out += std::to_string(static_cast<unsigned>(static_cast<unsigned char>(c)));
+    out += ';';
+  }
+}
+
 }  // namespace
 
-std::string Decode(const std::string& text) {
+std::string Decode(std::string text) {
   if (text.find("&#") == std::string::npos) return text;
   std::string out;
   out.reserve(text.size());
@@ -48,24 +76,22 @@ std::string Decode(const std::string& text) {
   return out;
 }
 
-void EncodeTo(std::string& out, const std::string& text) {
-  for (const char c : text) {
-    if (c == '&') {
-      out += "&#38;";
-    } else if (c == '<') {
-      out += "&#60;";
-    } else if (chars::IsAlnum(c) || chars::IsBlank(c) || chars::IsPunct(c)) {
-      out += c;
-    } else {
-      // The byte's unsigned value, so that UTF-8 text reads back byte for byte.
-      out += "&#";
-      out += std::to_string(static_cast<unsigned>(static_cast<unsigned char>(c)));
-      out += ';';
-    }
+void EncodeTo(std::string& out, std::string_view text) {
+  // Runs of characters that stand for themselves go out in one piece: saved
+  // state is mostly long runs of base64 text.
+  const std::array<bool, 256>& plain = PlainCharacters();
+  std::size_t run = 0;
+  while (run < text.size()) {
+    std::size_t end = run;
+    while (end < text.size() && plain[static_cast<unsigned char>(text[end])]) ++end;
+    out.append(text, run, end - run);
+    if (end == text.size()) return;
+    EncodeOne(out, text[end]);
+    run = end + 1;
   }
 }
 
-std::string Encode(const std::string& text) {
+std::string Encode(std::string_view text) {
   std::string out;
   out.reserve(text.size());
   EncodeTo(out, text);

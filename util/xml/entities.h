@@ -1,16 +1,18 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace vuk::util::xml {
 
 // Numeric character references only: "&#60;" and "&#x3C;" read as "<"; any
 // other "&" stands for itself, since saved files never used named entities.
-std::string Decode(const std::string& text);
+// Text without a reference is handed back as it came, without a copy.
+std::string Decode(std::string text);
 
 // "&" and "<" become references, as does every character that is neither
 // alphanumeric, blank nor punctuation. ">" stays as it is.
-std::string Encode(const std::string& text);
-void EncodeTo(std::string& out, const std::string& text);
+std::string Encode(std::string_view text);
+void EncodeTo(std::string& out, std::string_view text);
 
 }  // namespace vuk::util::xml

@@ -92,11 +92,11 @@ class Builder {
         // Text was decoded when it was read and is decoded once more here, as
         // saved files expect: "&#38;#60;" reads as "<".
         element.kind = Element::kText;
-        element.name = Decode(token.text);
+        element.name = Decode(std::move(token.text));
         return true;
       case Token::kComment:
         element.kind = Element::kComment;
-        element.name = Decode(token.text);
+        element.name = Decode(std::move(token.text));
         return true;
       default:
         return TagReader(token.text).Read(element);
@@ -108,7 +108,7 @@ class Builder {
 
 }  // namespace
 
-ParseResult Element::ParseText(const std::string& markup) {
+ParseResult Element::ParseText(std::string_view markup) {
   Clear();
   std::vector<Token> tokens = Tokenize(markup);
   if (tokens.empty() || (tokens[0].kind != Token::kOpen && tokens[0].kind != Token::kEmptyTag)) return kNoRoot;

@@ -17,8 +17,8 @@ class Tag : public Element {
 
 class Text : public Element {
  public:
-  explicit Text(const std::string& text) {
-    name = text;
+  explicit Text(std::string text) {
+    name = std::move(text);
     kind = kText;
   }
 };
@@ -33,6 +33,11 @@ class Data : public Element {
     name = out.str();
     kind = kText;
   }
+  // A string prints as itself: it is taken over as it stands.
+  explicit Data(std::string text) {
+    name = std::move(text);
+    kind = kText;
+  }
 };
 
 // A tag with one value as its text: <name>value</name>.
@@ -42,6 +47,7 @@ class TagWithData : public Tag {
   TagWithData(const std::string& tagName, const T& value) : Tag(tagName) {
     AddChild(Data(value));
   }
+  TagWithData(const std::string& tagName, std::string text) : Tag(tagName) { AddChild(Data(std::move(text))); }
 };
 
 }  // namespace vuk::util::xml

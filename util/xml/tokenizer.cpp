@@ -8,7 +8,8 @@ namespace {
 
 class Scanner {
  public:
-  explicit Scanner(const std::string& markup) : markup_(markup) {}
+  // Scanning stops at a NUL as at the end.
+  explicit Scanner(std::string_view markup) : markup_(markup.substr(0, markup.find('\0'))) {}
 
   std::vector<Token> Run() {
     while (!AtEnd()) {
@@ -20,7 +21,7 @@ class Scanner {
         ++pos_;
         AddTag();
       } else {
-        while (!AtEnd() && Peek() != '<') ++pos_;
+        pos_ = Find('<');
         AddText(spaceBegin);
       }
     }
@@ -28,12 +29,17 @@ class Scanner {
   }
 
  private:
-  bool AtEnd() const { return pos_ >= markup_.size() || markup_[pos_] == '\0'; }
+  bool AtEnd() const { return pos_ >= markup_.size(); }
   char Peek() const { return markup_[pos_]; }
+  // The next `c` from the current position on, or the end.
+  std::size_t Find(char c) const {
+    const std::size_t found = markup_.find(c, pos_);
+    return found == std::string_view::npos ? markup_.size() : found;
+  }
 
   void AddText(std::size_t begin) {
     if (pos_ == begin) return;
-    std::string text = Decode(markup_.substr(begin, pos_ - begin));
+    std::string text = Decode(std::string(markup_.substr(begin, pos_ - begin)));
     if (!text.empty()) tokens_.push_back({Token::kText, std::move(text)});
   }
 
@@ -47,7 +53,7 @@ class Scanner {
       ++pos_;
     }
     const std::size_t begin = pos_;
-    while (!AtEnd() && Peek() != '>') ++pos_;
+    pos_ = Find('>');
     std::size_t end = pos_;
     const bool closed = !AtEnd();
     if (closed) ++pos_;
@@ -55,16 +61,16 @@ class Scanner {
       kind = Token::kEmptyTag;
       --end;
     }
-    tokens_.push_back({kind, markup_.substr(begin, end - begin)});
+    tokens_.push_back({kind, std::string(markup_.substr(begin, end - begin))});
   }
 
-  const std::string& markup_;
+  std::string_view markup_;
   std::size_t pos_ = 0;
   std::vector<Token> tokens_;
 };
 
 }  // namespace
 
-std::vector<Token> Tokenize(const std::string& markup) { return Scanner(markup).Run(); }
+std::vector<Token> Tokenize(std::string_view markup) { return Scanner(markup).Run(); }
 
 }  // namespace vuk::util::xml

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace vuk::util::xml {
@@ -14,6 +15,6 @@ struct Token {
 
 // Splits markup into tokens up to the end or a NUL. Knows no quotes: a ">"
 // inside an attribute value ends the tag, as files written earlier expect.
-std::vector<Token> Tokenize(const std::string& markup);
+std::vector<Token> Tokenize(std::string_view markup);
 
 }  // namespace vuk::util::xml

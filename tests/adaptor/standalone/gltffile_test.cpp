@@ -9,16 +9,10 @@
 #include <tuple>
 
 #include "scenes/samplescene.h"
+#include "tests/adaptor/standalone/scenefiles.h"
 
 namespace vuk::rgw::adaptor::standalone {
 namespace {
-
-std::string Temp(const std::string& name) { return testing::TempDir() + "/" + name; }
-
-std::string Read(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
 
 void ExpectSameScenes(Scene& a, Scene& b) {
   std::vector<SceneNode*> left, right;

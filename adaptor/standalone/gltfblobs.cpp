@@ -1,0 +1,112 @@
+#include "adaptor/standalone/gltfblobs.h"
+
+#include <tiny_gltf.h>
+
+namespace vuk::rgw::adaptor::standalone {
+
+namespace {
+
+constexpr const char* kBlobKey = "rgw_blob";
+constexpr const char* kViewKey = "bufferView";
+
+tinygltf::Value Reference(int view) {
+  tinygltf::Value::Object inner;
+  inner[kViewKey] = tinygltf::Value(view);
+  tinygltf::Value::Object outer;
+  outer[kBlobKey] = tinygltf::Value(std::move(inner));
+  return tinygltf::Value(std::move(outer));
+}
+
+// The view a value names when it is a blob reference.
+bool ReferencedView(const tinygltf::Value& value, int& view) {
+  if (!value.IsObject() || value.Keys().size() != 1 || !value.Has(kBlobKey)) return false;
+  const tinygltf::Value& inner = value.Get(kBlobKey);
+  if (!inner.IsObject() || !inner.Has(kViewKey) || !inner.Get(kViewKey).IsNumber()) return false;
+  view = inner.Get(kViewKey).GetNumberAsInt();
+  return true;
+}
+
+bool IsLong(const tinygltf::Value& value) {
+  return value.IsString() && value.Get<std::string>().size() > kBlobThreshold;
+}
+
+template <typename Visit>
+void ForEachExtra(tinygltf::Model& model, Visit visit) {
+  for (tinygltf::Node& node : model.nodes) {
+    if (!node.extras.IsObject()) continue;
+    for (auto& [key, value] : node.extras.Get<tinygltf::Value::Object>()) visit(key, value);
+  }
+}
+
+}  // namespace
+
+void MoveLongExtrasToBuffer(tinygltf::Model& model, bool binary) {
+  if (model.buffers.empty()) model.buffers.emplace_back();
+  std::vector<unsigned char>& data = model.buffers[0].data;
+  // One growth for all: a buffer doubling under tens of megabytes would
+  // hold the old and the new bytes at once.
+  std::size_t needed = data.size();
+  ForEachExtra(model, [&](const std::string&, tinygltf::Value& value) {
+    if (binary && IsLong(value)) needed += value.Get<std::string>().size() + 3;
+  });
+  data.reserve(needed);
+  for (tinygltf::Node& node : model.nodes) {
+    if (!node.extras.IsObject()) continue;
+    auto& extras = node.extras.Get<tinygltf::Value::Object>();
+    for (auto it = extras.begin(); it != extras.end();) {
+      int view = -1;
+      if (ReferencedView(it->second, view)) {
+        it = extras.erase(it);
+        continue;
+      }
+      if (binary && IsLong(it->second)) {
+        // Taken out, so that it goes when copied: a value assigned over a
+        // long string would keep its storage.
+        const std::string text = std::move(it->second.Get<std::string>());
+        while (data.size() % 4) data.push_back(0);
+        tinygltf::BufferView blob;
+        blob.buffer = 0;
+        blob.byteOffset = data.size();
+        blob.byteLength = text.size();
+        data.insert(data.end(), text.begin(), text.end());
+        model.bufferViews.push_back(blob);
+        it->second = Reference(static_cast<int>(model.bufferViews.size() - 1));
+      }
+      ++it;
+    }
+    // Extras left empty are no extras: the file writes nothing rather than null.
+    if (extras.empty()) node.extras = tinygltf::Value();
+  }
+}
+
+bool RestoreLongExtras(tinygltf::Model& model, std::string& problem) {
+  bool restored = true;
+  ForEachExtra(model, [&](const std::string& key, tinygltf::Value& value) {
+    int view = -1;
+    if (!restored || !ReferencedView(value, view)) return;
+    const bool known = view >= 0 && static_cast<std::size_t>(view) < model.bufferViews.size();
+    const tinygltf::BufferView* blob = known ? &model.bufferViews[static_cast<std::size_t>(view)] : nullptr;
+    const bool inBuffer = blob && blob->buffer >= 0 && static_cast<std::size_t>(blob->buffer) < model.buffers.size() &&
+                          blob->byteOffset + blob->byteLength <=
+                              model.buffers[static_cast<std::size_t>(blob->buffer)].data.size();
+    if (!inBuffer) {
+      problem = "the extra \"" + key + "\" names buffer view " + std::to_string(view) + ", which holds no bytes";
+      restored = false;
+      return;
+    }
+    const auto* bytes = model.buffers[static_cast<std::size_t>(blob->buffer)].data.data() + blob->byteOffset;
+    value = tinygltf::Value(std::string(reinterpret_cast<const char*>(bytes), blob->byteLength));
+  });
+  return restored;
+}
+
+void ForEachBlobView(tinygltf::Model& model, const std::function<void(int& view)>& visit) {
+  ForEachExtra(model, [&](const std::string&, tinygltf::Value& value) {
+    int view = -1;
+    if (!ReferencedView(value, view)) return;
+    visit(view);
+    value = Reference(view);
+  });
+}
+
+}  // namespace vuk::rgw::adaptor::standalone

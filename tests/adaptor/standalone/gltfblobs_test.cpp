@@ -1,0 +1,134 @@
+#include "adaptor/standalone/gltfblobs.h"
+
+#include <gtest/gtest.h>
+#include <tiny_gltf.h>
+
+#include <cstring>
+
+#include "adaptor/standalone/gltffile.h"
+#include "adaptor/standalone/gltfprune.h"
+#include "tests/adaptor/standalone/scenefiles.h"
+
+namespace vuk::rgw::adaptor::standalone {
+namespace {
+
+// The JSON of a file: the whole of a text file, the first chunk of a binary one.
+std::string Json(const std::string& path) {
+  const std::string bytes = Read(path);
+  if (bytes.compare(0, 4, "glTF") != 0) return bytes;
+  std::uint32_t length = 0;
+  std::memcpy(&length, bytes.data() + 12, 4);
+  return bytes.substr(20, length);
+}
+
+std::string Text(std::size_t size) {
+  std::string text;
+  while (text.size() < size) text += "<masternode>" + std::to_string(text.size()) + "</masternode>";
+  return text.substr(0, size);
+}
+
+struct BlobCase {
+  const char* extension;
+  std::size_t size;
+  bool inJson;
+};
+
+class LongExtras : public testing::TestWithParam<BlobCase> {};
+
+// Long texts leave the JSON of a binary file only; every text reads back whole.
+TEST_P(LongExtras, ReadBackAsTheyWereWrittenAndStayInTheJsonWhereTheyShould) {
+  const BlobCase& c = GetParam();
+  const std::string text = Text(c.size), path = Temp("blob" + std::to_string(c.size) + c.extension);
+  Scene scene;
+  scene.CreateNode(ObjectKind::kEmpty, "Tagged")->properties["RGT_tag"] = text;
+  scene.CreateNode(ObjectKind::kEmpty, "Small")->properties["RGT_tag"] = "<RGT_tag/>";
+  std::string error;
+  ASSERT_TRUE(GltfFile().Save(path, scene, &error)) << error;
+  const std::string json = Json(path);
+  EXPECT_EQ(json.find(text) != std::string::npos, c.inJson);
+  EXPECT_EQ(json.find("rgw_blob") != std::string::npos, !c.inJson);
+
+  Scene loaded;
+  ASSERT_TRUE(GltfFile().Load(path, loaded, &error)) << error;
+  ASSERT_EQ(loaded.Root().children.size(), 2u);
+  EXPECT_EQ(loaded.Root().children[0]->properties["RGT_tag"], text);
+  EXPECT_EQ(loaded.Root().children[1]->properties["RGT_tag"], "<RGT_tag/>");
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, LongExtras,
+                         testing::Values(BlobCase{".glb", kBlobThreshold + 1, false},
+                                         BlobCase{".glb", kBlobThreshold, true},
+                                         BlobCase{".glb", 3 * kBlobThreshold + 2, false},
+                                         BlobCase{".gltf", kBlobThreshold + 1, true}));
+
+// A property the scene dropped after a save is gone from the next save too,
+// with its bytes.
+TEST(GltfBlobs, APropertyDroppedBetweenTwoSavesLeavesNothingBehind) {
+  Scene scene;
+  SceneNode* node = scene.CreateNode(ObjectKind::kEmpty, "Tagged");
+  node->properties["RGT_tag"] = Text(2 * kBlobThreshold);
+  GltfFile file;
+  std::string error;
+  ASSERT_TRUE(file.Save(Temp("dropped_first.glb"), scene, &error)) << error;
+  node->properties.clear();
+  for (const char* extension : {".glb", ".gltf"}) {
+    const std::string path = Temp(std::string("dropped_second") + extension);
+    ASSERT_TRUE(file.Save(path, scene, &error)) << error;
+    EXPECT_EQ(Read(path).find("masternode"), std::string::npos) << extension;
+    Scene loaded;
+    ASSERT_TRUE(GltfFile().Load(path, loaded, &error)) << error;
+    EXPECT_TRUE(loaded.Root().children.at(0)->properties.empty()) << extension;
+  }
+}
+
+tinygltf::Value::Object Reference(int view) {
+  tinygltf::Value::Object inner{{"bufferView", tinygltf::Value(view)}};
+  return {{"rgw_blob", tinygltf::Value(inner)}};
+}
+
+// Pruning drops the views nothing uses and renumbers the others, blob
+// references included.
+TEST(GltfBlobs, PruningKeepsAndRenumbersTheViewsOfBlobs) {
+  tinygltf::Model model;
+  model.buffers.emplace_back();
+  model.buffers[0].data.assign(12, 0);
+  for (int i = 0; i < 3; ++i) {
+    tinygltf::BufferView view;
+    view.buffer = 0;
+    view.byteOffset = static_cast<std::size_t>(4 * i);
+    view.byteLength = 4;
+    model.bufferViews.push_back(view);
+  }
+  model.buffers[0].data[8] = 'x';
+  model.nodes.emplace_back();
+  tinygltf::Value::Object extras{{"RGT_tag", tinygltf::Value(Reference(2))}};
+  model.nodes[0].extras = tinygltf::Value(extras);
+
+  PruneUnusedData(model);
+  ASSERT_EQ(model.bufferViews.size(), 1u);
+  std::string problem;
+  ASSERT_TRUE(RestoreLongExtras(model, problem)) << problem;
+  EXPECT_EQ(model.nodes[0].extras.Get("RGT_tag").Get<std::string>(), std::string("x\0\0\0", 4));
+}
+
+TEST(GltfBlobs, AReferenceToMissingBytesIsRefusedWithItsName) {
+  tinygltf::Model model;
+  model.buffers.emplace_back();
+  model.buffers[0].data.assign(4, 0);
+  tinygltf::BufferView past;
+  past.buffer = 0;
+  past.byteOffset = 2;
+  past.byteLength = 4;
+  model.bufferViews.push_back(past);
+  for (int view : {0, 1, -1}) {
+    model.nodes.assign(1, tinygltf::Node());
+    tinygltf::Value::Object extras{{"RGT_tag", tinygltf::Value(Reference(view))}};
+    model.nodes[0].extras = tinygltf::Value(extras);
+    std::string problem;
+    EXPECT_FALSE(RestoreLongExtras(model, problem)) << view;
+    EXPECT_NE(problem.find("\"RGT_tag\" names buffer view " + std::to_string(view)), std::string::npos) << problem;
+  }
+}
+
+}  // namespace
+}  // namespace vuk::rgw::adaptor::standalone
