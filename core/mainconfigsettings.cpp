@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <limits>
 
+#include "util/atomicfile.h"
 #include "util/numbertext.h"
 #include "util/xml/element.h"
 #include "util/xml/tag.h"
@@ -117,23 +117,7 @@ bool MainConfigSettings::Save(const std::string& path, std::string* error) const
     element.AddChild(util::xml::Text(entry->WriteText()));
     root.AddChild(element);
   }
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    out << root.Write();
-    if (!out.flush()) {
-      if (error) *error = temporary + ": can't be written";
-      return false;
-    }
-  }
-  std::error_code renameError;
-  std::filesystem::rename(temporary, path, renameError);
-  if (renameError) {
-    if (error) *error = path + ": can't be replaced (" + renameError.message() + ")";
-    std::filesystem::remove(temporary, renameError);
-    return false;
-  }
-  return true;
+  return util::AtomicFile::Replace(path, root.Write(), error);
 }
 
 }  // namespace vuk::rgw::core

@@ -1,9 +1,10 @@
 #include "core/prmfile.h"
 
-#include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <string_view>
 
+#include "util/atomicfile.h"
 #include "util/datachunk.h"
 
 namespace vuk::rgw::core {
@@ -23,15 +24,7 @@ bool SavePrmFile(const std::string& path, const util::xml::Element& tree, std::s
   const std::string text = tree.Write();
   util::DataChunk chunk(kChunkName, util::Bytes(text.begin(), text.end()));
   const util::Bytes flat = chunk.Flatten();
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(flat.data()), static_cast<std::streamsize>(flat.size()));
-    if (!out.flush()) return Fail(error, path + ": can't be written");
-  }
-  std::error_code renamed;
-  std::filesystem::rename(temporary, path, renamed);
-  return renamed ? Fail(error, path + ": can't be replaced (" + renamed.message() + ")") : true;
+  return util::AtomicFile::Replace(path, std::string_view(reinterpret_cast<const char*>(flat.data()), flat.size()), error);
 }
 
 bool LoadPrmFile(const std::string& path, util::xml::Element& tree, std::string* error) {

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 
+#include "util/atomicfile.h"
 #include "util/xml/tag.h"
 
 namespace vuk::rgw::core {
@@ -14,16 +14,7 @@ namespace {
 bool WriteFile(const std::string& path, const std::string& text) {
   std::error_code ignored;
   std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ignored);
-  const std::string temporary = path + ".tmp";
-  {
-    std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    out << text;
-    if (!out.flush()) return false;
-  }
-  std::error_code renamed;
-  std::filesystem::rename(temporary, path, renamed);
-  if (renamed) std::filesystem::remove(temporary, ignored);
-  return !renamed;
+  return util::AtomicFile::Replace(path, text);
 }
 
 }  // namespace

@@ -4,9 +4,13 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <cstring>
+#include <deque>
+#include <fstream>
 #include <string_view>
 #include <set>
+#include <sstream>
 
 #include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltfclips.h"
@@ -15,6 +19,7 @@
 #include "adaptor/standalone/gltfprune.h"
 #include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfuris.h"
+#include "util/atomicfile.h"
 #include "util/base64.h"
 
 namespace vuk::rgw::adaptor::standalone {
@@ -457,6 +462,47 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   return Write(path, error);
 }
 
+namespace {
+
+bool Failed(std::string* error, const std::string& text) {
+  if (error) *error = text;
+  return false;
+}
+
+// A JSON string of the text.
+std::string Quoted(const std::string& text) {
+  std::string quoted = "\"";
+  for (const char c : text) {
+    if (c == '"' || c == '\\') {
+      quoted += '\\';
+      quoted += c;
+    } else if (static_cast<unsigned char>(c) < 0x20) {
+      char escaped[8];
+      std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+      quoted += escaped;
+    } else {
+      quoted += c;
+    }
+  }
+  return quoted + "\"";
+}
+
+// The text form embeds every buffer as a data URI; one kept as a file of its
+// own is named by its URI instead. Buffers come in order, each after the one
+// before.
+bool NameBufferFile(const tinygltf::Buffer& buffer, std::string& text, std::size_t& searchFrom) {
+  const std::string embedded =
+      "\"data:application/octet-stream;base64," + util::Base64::Encode(buffer.data.data(), buffer.data.size()) + "\"";
+  const std::size_t at = text.find(embedded, searchFrom);
+  if (at == std::string::npos) return false;
+  const std::string named = Quoted(buffer.uri);
+  text.replace(at, embedded.size(), named);
+  searchFrom = at + named.size();
+  return true;
+}
+
+}  // namespace
+
 bool GltfFile::Write(const std::string& path, std::string* error) {
   tinygltf::Model& model = *model_;
   const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
@@ -480,20 +526,26 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     }
   }
 
-  const std::string temporary = path + ".tmp";
   tinygltf::TinyGLTF writer;
   writer.SetImageWriter(LeaveImage, nullptr);
-  if (!writer.WriteGltfSceneToFile(&model, temporary, false, !separate, true, binary)) {
-    if (error) *error = path + ": the file can't be written";
-    std::error_code ignored;
-    std::filesystem::remove(temporary, ignored);
-    return false;
+  std::ostringstream stream;
+  if (!writer.WriteGltfSceneToStream(&model, stream, true, binary)) return Failed(error, path + ": the file can't be written");
+  std::string text = stream.str();
+  // Buffer files first and the main file last, all written before any is
+  // committed: a full disk leaves every old file, and a reader never finds a
+  // main file naming a missing or half-written buffer.
+  std::deque<util::AtomicFile> files;
+  std::size_t searchFrom = 0;
+  for (const tinygltf::Buffer& buffer : model.buffers) {
+    if (buffer.uri.empty() || IsDataUri(buffer.uri)) continue;
+    if (!NameBufferFile(buffer, text, searchFrom)) return Failed(error, path + ": the file can't be written");
+    util::AtomicFile& file = files.emplace_back((folder / buffer.uri).string());
+    if (!file.Open() || !file.Write(buffer.data.data(), buffer.data.size())) return Failed(error, file.Error());
   }
-  std::error_code renamed;
-  std::filesystem::rename(temporary, path, renamed);
-  if (renamed) {
-    if (error) *error = path + ": can't be replaced (" + renamed.message() + ")";
-    return false;
+  util::AtomicFile& main = files.emplace_back(path);
+  if (!main.Open() || !main.Write(text)) return Failed(error, main.Error());
+  for (util::AtomicFile& file : files) {
+    if (!file.Commit()) return Failed(error, file.Error());
   }
   return true;
 }

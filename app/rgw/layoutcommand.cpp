@@ -1,17 +1,21 @@
 // rgw layout: windows rendered offscreen to pictures, to look at them without a screen.
 #include <QApplication>
+#include <QBuffer>
+#include <QByteArray>
 #include <QImage>
 #include <QStyleFactory>
 #include <QWidget>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/rgw/commands.h"
 #include "app/rgw/samplepage.h"
 #include "gui/builder.h"
 #include "gui/qt/realizer.h"
+#include "util/atomicfile.h"
 #include "util/xml/element.h"
 
 namespace vuk::app {
@@ -45,8 +49,16 @@ int Render(vuk::gui::Component& root, const std::string& png, int width, int hei
   QApplication::processEvents();
   const QImage picture = window->grab().toImage();
   delete window;
-  if (!picture.save(QString::fromStdString(png))) {
+  QByteArray bytes;
+  QBuffer encoded(&bytes);
+  if (!encoded.open(QIODevice::WriteOnly) || !picture.save(&encoded, "PNG")) {
     std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
+    return 1;
+  }
+  std::string error;
+  if (!vuk::util::AtomicFile::Replace(png, std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())),
+                                      &error)) {
+    std::fprintf(stderr, "rgw: %s\n", error.c_str());
     return 1;
   }
   std::printf("drew the window, %d by %d pixels, written to %s\n", picture.width(), picture.height(), png.c_str());

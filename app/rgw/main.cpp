@@ -1,5 +1,7 @@
 // The rgw command line of the product, on the embedded scene host.
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "app/rgw/commands.h"
@@ -49,10 +51,7 @@ int Help(int code) {
   return code;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  const vuk::app::Arguments args(argv + 1, argv + argc);
+int Dispatch(const vuk::app::Arguments& args) {
   if (args.empty()) return Help(2);
   const vuk::app::Arguments rest(args.begin() + 1, args.end());
   const std::string& command = args[0];
@@ -73,3 +72,18 @@ int main(int argc, char** argv) {
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);
 }
+
+// What a command printed is part of its answer: output that didn't reach
+// its file or pipe (a full disk) fails the command.
+int Finished(int code) {
+  const bool flushed = std::fflush(stdout) == 0;
+  if (flushed && !std::ferror(stdout)) return code;
+  // A write that failed earlier left no reason behind.
+  const std::string reason = flushed ? "" : std::string(" (") + std::strerror(errno) + ")";
+  std::fprintf(stderr, "rgw: the output can't be written%s\n", reason.c_str());
+  return code ? code : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) { return Finished(Dispatch(vuk::app::Arguments(argv + 1, argv + argc))); }

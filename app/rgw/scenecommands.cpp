@@ -13,6 +13,7 @@
 #include "core/prmfile.h"
 #include "core/takefile.h"
 #include "scenes/samplescene.h"
+#include "util/atomicfile.h"
 #include "util/xml/element.h"
 
 namespace vuk::app {
@@ -369,6 +370,8 @@ int RunCommand(const Arguments& args) {
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
   if (!options.Has("to")) to = session.DefaultEnd();
   if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
+  // A long run must not end in a write error.
+  if (!vuk::util::AtomicFile::CanReplace(options.Get("out"), &error)) return Fail(error);
   session.Resimulate(from, to);
   char range[64];
   std::snprintf(range, sizeof range, " simulated over %.3f s to %.3f s: ", from, to);

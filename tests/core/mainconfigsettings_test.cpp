@@ -4,6 +4,9 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+
+#include "tests/util/filesizelimit.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -68,13 +71,16 @@ TEST(MainConfigSettings, AFailedSaveLeavesTheOldFile) {
   std::filesystem::create_directories(folder);
   const std::string path = folder + "/settings.xml";
   std::ofstream(path) << "<RGTConfig/>";
-  // A folder where the temporary file should go makes the write fail.
-  std::filesystem::create_directories(path + ".tmp");
   MainConfigSettings settings;
   std::string error;
-  EXPECT_FALSE(settings.Save(path, &error));
-  EXPECT_FALSE(error.empty());
+  {
+    // As on a full disk.
+    const testing_support::FileSizeLimit limit(8);
+    EXPECT_FALSE(settings.Save(path, &error));
+  }
+  EXPECT_EQ(error, path + ": can't be written (File too large)");
   EXPECT_EQ(ReadFile(path), "<RGTConfig/>");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder), {}), 1);
   std::filesystem::remove_all(folder);
 }
 
