@@ -1,13 +1,12 @@
 #include "adaptor/standalone/gltffile.h"
 
+#include <nlohmann/json.hpp>
 #include <tiny_gltf.h>
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 #include <cstring>
 #include <deque>
-#include <fstream>
 #include <string_view>
 #include <set>
 #include <sstream>
@@ -379,6 +378,93 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   return true;
 }
 
+namespace {
+
+// Where a buffer's bytes go when the file is written.
+enum class BufferPlace { kEmbedded, kBinaryChunk, kOwnFile };
+
+std::vector<BufferPlace> BufferPlaces(const tinygltf::Model& model, bool binary) {
+  // A file whose buffers were files of their own keeps them so; otherwise
+  // they are written into it. The binary form holds the first.
+  const bool separate = std::any_of(model.buffers.begin(), model.buffers.end(), [](const tinygltf::Buffer& b) {
+    return !b.uri.empty() && !IsDataUri(b.uri);
+  });
+  std::vector<BufferPlace> places(model.buffers.size(), separate ? BufferPlace::kOwnFile : BufferPlace::kEmbedded);
+  if (binary && !places.empty()) places[0] = BufferPlace::kBinaryChunk;
+  return places;
+}
+
+// The buffers written beside the JSON are out of the model while tinygltf
+// writes it, so that their bytes are never copied (it would embed them as
+// Base64 or copy them into a chunk of its own); the JSON then gets their
+// lengths and names. Put back when the file is written.
+class BuffersBeside {
+ public:
+  BuffersBeside(tinygltf::Model& model, const std::vector<BufferPlace>& places) : model_(model), held_(places.size()) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      if (places[i] == BufferPlace::kEmbedded) continue;
+      held_[i] = std::move(model.buffers[i].data);
+      model.buffers[i].data.clear();
+    }
+  }
+  ~BuffersBeside() {
+    for (std::size_t i = 0; i < held_.size(); ++i) {
+      if (!held_[i].empty()) model_.buffers[i].data = std::move(held_[i]);
+    }
+  }
+  BuffersBeside(const BuffersBeside&) = delete;
+  BuffersBeside& operator=(const BuffersBeside&) = delete;
+
+  const std::vector<unsigned char>& Bytes(std::size_t buffer) const { return held_[buffer]; }
+
+ private:
+  tinygltf::Model& model_;
+  std::vector<std::vector<unsigned char>> held_;
+};
+
+// The JSON of the model with the lengths and names of the buffers beside it.
+std::string PatchedJson(const std::string& text, const tinygltf::Model& model, const std::vector<BufferPlace>& places,
+                        const BuffersBeside& beside, bool binary) {
+  nlohmann::json json = nlohmann::json::parse(text);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    if (places[i] == BufferPlace::kEmbedded) continue;
+    nlohmann::json& buffer = json["buffers"][i];
+    buffer["byteLength"] = beside.Bytes(i).size();
+    if (places[i] == BufferPlace::kOwnFile) {
+      buffer["uri"] = model.buffers[i].uri;
+    } else {
+      buffer.erase("uri");
+    }
+  }
+  return json.dump(binary ? -1 : 2);
+}
+
+// The binary container around the JSON and the first buffer: a header and
+// two chunks, each padded to four bytes (the JSON with spaces, the data with zeros).
+bool WriteBinaryContainer(util::AtomicFile& file, const std::string& json, const std::vector<unsigned char>& bin) {
+  const auto padding = [](std::size_t size) { return (4 - size % 4) % 4; };
+  const std::uint64_t jsonChunk = json.size() + padding(json.size());
+  const std::uint64_t binChunk = bin.size() + padding(bin.size());
+  const std::uint64_t length = 12 + 8 + jsonChunk + (bin.empty() ? 0 : 8 + binChunk);
+  if (length > 0xFFFFFFFFu) return false;
+  const auto word = [&](std::uint32_t value) {
+    const unsigned char bytes[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
+                                    static_cast<unsigned char>(value >> 16), static_cast<unsigned char>(value >> 24)};
+    return file.Write(bytes, 4);
+  };
+  const char zeros[4] = {0, 0, 0, 0};
+  bool written = file.Write("glTF", 4) && word(2) && word(static_cast<std::uint32_t>(length)) &&
+                 word(static_cast<std::uint32_t>(jsonChunk)) && word(0x4E4F534A) && file.Write(json) &&
+                 file.Write("   ", padding(json.size()));
+  if (!bin.empty()) {
+    written = written && word(static_cast<std::uint32_t>(binChunk)) && word(0x004E4942) &&
+              file.Write(bin.data(), bin.size()) && file.Write(zeros, padding(bin.size()));
+  }
+  return written;
+}
+
+}  // namespace
+
 bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   tinygltf::Model& model = *model_;
   if (model.asset.version.empty()) model.asset.version = "2.0";
@@ -457,7 +543,9 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   model.defaultScene = sceneIndex;
 
   WriteTransformTracks(model, buffer, changed);
-  MoveLongExtrasToBuffer(model, HasBinaryExtension(path));
+  // Long texts go where bytes cost nothing to keep: beside the JSON.
+  const std::vector<BufferPlace> places = BufferPlaces(model, HasBinaryExtension(path));
+  MoveLongExtrasToBuffer(model, std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; }));
   PruneUnusedData(model);
   return Write(path, error);
 }
@@ -469,38 +557,6 @@ bool Failed(std::string* error, const std::string& text) {
   return false;
 }
 
-// A JSON string of the text.
-std::string Quoted(const std::string& text) {
-  std::string quoted = "\"";
-  for (const char c : text) {
-    if (c == '"' || c == '\\') {
-      quoted += '\\';
-      quoted += c;
-    } else if (static_cast<unsigned char>(c) < 0x20) {
-      char escaped[8];
-      std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-      quoted += escaped;
-    } else {
-      quoted += c;
-    }
-  }
-  return quoted + "\"";
-}
-
-// The text form embeds every buffer as a data URI; one kept as a file of its
-// own is named by its URI instead. Buffers come in order, each after the one
-// before.
-bool NameBufferFile(const tinygltf::Buffer& buffer, std::string& text, std::size_t& searchFrom) {
-  const std::string embedded =
-      "\"data:application/octet-stream;base64," + util::Base64::Encode(buffer.data.data(), buffer.data.size()) + "\"";
-  const std::size_t at = text.find(embedded, searchFrom);
-  if (at == std::string::npos) return false;
-  const std::string named = Quoted(buffer.uri);
-  text.replace(at, embedded.size(), named);
-  searchFrom = at + named.size();
-  return true;
-}
-
 }  // namespace
 
 bool GltfFile::Write(const std::string& path, std::string* error) {
@@ -509,41 +565,49 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
   for (tinygltf::Image& image : model.images) image.uri = RebaseUri(image.uri, folder_, folder);
   folder_ = folder;
   const bool binary = HasBinaryExtension(path);
-  // A file whose buffers were files of their own keeps them so, named after
-  // it; otherwise they are written into it. The binary form holds the first.
-  const bool separate = std::any_of(model.buffers.begin(), model.buffers.end(), [](const tinygltf::Buffer& b) {
-    return !b.uri.empty() && !IsDataUri(b.uri);
-  });
+  const std::vector<BufferPlace> places = BufferPlaces(model, binary);
+  // Own files are named after the scene file.
   const std::string stem = std::filesystem::path(path).stem().string();
   int separated = 0;
-  for (std::size_t i = 0; i < model.buffers.size(); ++i) {
+  for (std::size_t i = 0; i < places.size(); ++i) {
     std::string& uri = model.buffers[i].uri;
-    if (binary && i == 0) {
-      uri.clear();
-    } else if (separate) {
-      uri = stem + (separated ? "_" + std::to_string(separated) : "") + ".bin";
-      ++separated;
-    }
+    if (places[i] == BufferPlace::kBinaryChunk) uri.clear();
+    if (places[i] != BufferPlace::kOwnFile) continue;
+    uri = stem + (separated ? "_" + std::to_string(separated) : "") + ".bin";
+    ++separated;
   }
 
+  const BuffersBeside beside(model, places);
   tinygltf::TinyGLTF writer;
   writer.SetImageWriter(LeaveImage, nullptr);
-  std::ostringstream stream;
-  if (!writer.WriteGltfSceneToStream(&model, stream, true, binary)) return Failed(error, path + ": the file can't be written");
-  std::string text = stream.str();
+  std::string text;
+  {
+    std::ostringstream stream;
+    if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
+    text = std::move(stream).str();
+  }
+  const bool patched = std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
+  if (patched) text = PatchedJson(text, model, places, beside, binary);
   // Buffer files first and the main file last, all written before any is
   // committed: a full disk leaves every old file, and a reader never finds a
   // main file naming a missing or half-written buffer.
   std::deque<util::AtomicFile> files;
-  std::size_t searchFrom = 0;
-  for (const tinygltf::Buffer& buffer : model.buffers) {
-    if (buffer.uri.empty() || IsDataUri(buffer.uri)) continue;
-    if (!NameBufferFile(buffer, text, searchFrom)) return Failed(error, path + ": the file can't be written");
-    util::AtomicFile& file = files.emplace_back((folder / buffer.uri).string());
-    if (!file.Open() || !file.Write(buffer.data.data(), buffer.data.size())) return Failed(error, file.Error());
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    if (places[i] != BufferPlace::kOwnFile) continue;
+    util::AtomicFile& file = files.emplace_back((folder / model.buffers[i].uri).string());
+    if (!file.Open() || !file.Write(beside.Bytes(i).data(), beside.Bytes(i).size())) return Failed(error, file.Error());
   }
   util::AtomicFile& main = files.emplace_back(path);
-  if (!main.Open() || !main.Write(text)) return Failed(error, main.Error());
+  if (!main.Open()) return Failed(error, main.Error());
+  if (binary) {
+    static const std::vector<unsigned char> kNoData;
+    const std::vector<unsigned char>& bin = places.empty() ? kNoData : beside.Bytes(0);
+    if (!WriteBinaryContainer(main, text, bin)) {
+      return Failed(error, main.Error().empty() ? path + ": the data is too large for a binary glTF file (4 GB)" : main.Error());
+    }
+  } else if (!main.Write(text)) {
+    return Failed(error, main.Error());
+  }
   for (util::AtomicFile& file : files) {
     if (!file.Commit()) return Failed(error, file.Error());
   }

@@ -1,6 +1,8 @@
 #pragma once
 // The kinds of a configuration page, one per call of the tool's interface.
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -38,7 +40,11 @@ class Spinner : public Node {
   void WriteProfile(util::xml::Element& profile) override;
   void ReadProfile(const util::xml::Element& profile) override;
   double GetValue() override { return *variable; }
-  void SetValue(double value) override { *variable = value; }
+  // Held within the range, as the field would hold it: a channel that drives
+  // a spinner must not take a tool's parameter where the tool can't follow.
+  void SetValue(double value) override {
+    if (!std::isnan(value)) *variable = std::min(std::max(value, minimum), maximum);
+  }
   util::xml::Element BuildLayout() override;
 
   double* variable;
@@ -61,7 +67,7 @@ class Spinner_Int : public Node {
   void ReadProfile(const util::xml::Element& profile) override;
   double GetValue() override { return *variable; }
   void SetValue(double value) override {
-    if (value >= -2147483648.0 && value <= 2147483647.0) *variable = static_cast<std::int32_t>(value);
+    if (!std::isnan(value)) *variable = static_cast<std::int32_t>(std::min<double>(std::max<double>(value, minimum), maximum));
   }
   util::xml::Element BuildLayout() override;
 

@@ -190,7 +190,15 @@ TEST_F(InstanceRun, ASpinnerInputAddsTheChannelToTheSpinner) {
   pad->Press(2, 0.5);
   instance->Step(0.5);
   EXPECT_EQ(tool->speed, 10.5);
-  instance->Stop(1);
+  // A spinner holds what its field can: a channel drives it to its limits, not past them.
+  tool->speed = 99.8;
+  instance->Step(1.0);
+  EXPECT_EQ(tool->speed, 100.0);
+  pad->Press(2, -1.0);
+  tool->speed = 0.5;
+  instance->Step(1.5);
+  EXPECT_EQ(tool->speed, 0.0);
+  instance->Stop(2);
 }
 
 TEST_F(InstanceRun, GaugesArePolledFromTheTool) {
