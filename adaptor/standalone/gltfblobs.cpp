@@ -40,39 +40,39 @@ void ForEachExtra(tinygltf::Model& model, Visit visit) {
 
 }  // namespace
 
-void MoveLongExtrasToBuffer(tinygltf::Model& model, bool binary) {
-  if (model.buffers.empty()) model.buffers.emplace_back();
-  std::vector<unsigned char>& data = model.buffers[0].data;
-  // One growth for all: a buffer doubling under tens of megabytes would
-  // hold the old and the new bytes at once.
-  std::size_t needed = data.size();
-  ForEachExtra(model, [&](const std::string&, tinygltf::Value& value) {
-    if (binary && IsLong(value)) needed += value.Get<std::string>().size() + 3;
-  });
-  data.reserve(needed);
+std::size_t LongTexts::Length(std::size_t ownBytes) const {
+  std::size_t end = ownBytes;
+  for (const std::string& text : texts) end = (end + 3) / 4 * 4 + text.size();
+  return end;
+}
+
+LongTexts TakeLongExtras(tinygltf::Model& model) {
+  LongTexts taken;
+  for (tinygltf::Node& node : model.nodes) {
+    if (!node.extras.IsObject()) continue;
+    for (auto& [key, value] : node.extras.Get<tinygltf::Value::Object>()) {
+      if (!IsLong(value)) continue;
+      if (model.buffers.empty()) model.buffers.emplace_back();
+      const std::size_t own = model.buffers[0].data.size();
+      tinygltf::BufferView blob;
+      blob.buffer = 0;
+      blob.byteOffset = (taken.Length(own) + 3) / 4 * 4;
+      blob.byteLength = value.Get<std::string>().size();
+      taken.texts.push_back(std::move(value.Get<std::string>()));
+      model.bufferViews.push_back(blob);
+      value = Reference(static_cast<int>(model.bufferViews.size() - 1));
+    }
+  }
+  return taken;
+}
+
+void ForgetLongExtras(tinygltf::Model& model) {
   for (tinygltf::Node& node : model.nodes) {
     if (!node.extras.IsObject()) continue;
     auto& extras = node.extras.Get<tinygltf::Value::Object>();
     for (auto it = extras.begin(); it != extras.end();) {
       int view = -1;
-      if (ReferencedView(it->second, view)) {
-        it = extras.erase(it);
-        continue;
-      }
-      if (binary && IsLong(it->second)) {
-        // Taken out, so that it goes when copied: a value assigned over a
-        // long string would keep its storage.
-        const std::string text = std::move(it->second.Get<std::string>());
-        while (data.size() % 4) data.push_back(0);
-        tinygltf::BufferView blob;
-        blob.buffer = 0;
-        blob.byteOffset = data.size();
-        blob.byteLength = text.size();
-        data.insert(data.end(), text.begin(), text.end());
-        model.bufferViews.push_back(blob);
-        it->second = Reference(static_cast<int>(model.bufferViews.size() - 1));
-      }
-      ++it;
+      it = ReferencedView(it->second, view) ? extras.erase(it) : std::next(it);
     }
     // Extras left empty are no extras: the file writes nothing rather than null.
     if (extras.empty()) node.extras = tinygltf::Value();

@@ -4,12 +4,14 @@
 // as bytes in a buffer view of the first buffer, the binary chunk, and the
 // extra holds only {"rgw_blob": {"bufferView": N}}. Reading the file turns
 // it back into the text, so that the scene sees its properties as they were.
-// A text file keeps them as JSON strings: its buffers are Base64 data, a
-// third larger and slower to read than the string itself.
+// So does a text file whose buffers are files beside it; one whose buffers
+// are Base64 data keeps them as JSON strings, which are a third smaller and
+// quicker to read than Base64.
 
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace tinygltf {
 class Model;
@@ -19,10 +21,23 @@ namespace vuk::rgw::adaptor::standalone {
 
 constexpr std::size_t kBlobThreshold = 64 * 1024;
 
-// For a binary file, moves the long string extras of nodes into the first
-// buffer, made when missing. A blob reference left from an earlier save
-// names a property the scene no longer has, and goes in either form.
-void MoveLongExtrasToBuffer(tinygltf::Model& model, bool binary);
+// The long texts taken out of a model, in the order of their views. Their
+// views lie past the first buffer's own bytes, where the writer puts them,
+// each at a four-byte boundary: they are never copied into the buffer.
+struct LongTexts {
+  std::vector<std::string> texts;
+  // The first buffer's length with them after its own bytes.
+  std::size_t Length(std::size_t ownBytes) const;
+};
+
+// Moves the long string extras of nodes out of the model, leaving blob
+// references; for files whose first buffer is written as bytes, not Base64.
+LongTexts TakeLongExtras(tinygltf::Model& model);
+
+// Drops the blob references an earlier save left: their texts are the
+// scene's properties now, written again by the next save. Pruning then
+// frees their bytes before the new ones are added.
+void ForgetLongExtras(tinygltf::Model& model);
 
 // Turns each blob reference back into its text. False, with `problem` set,
 // when a reference names no view or bytes outside its buffer.

@@ -18,6 +18,7 @@
 #include "adaptor/standalone/gltfprune.h"
 #include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfuris.h"
+#include "adaptor/standalone/scenetags.h"
 #include "util/atomicfile.h"
 #include "util/base64.h"
 
@@ -274,7 +275,7 @@ void WriteRootProperties(const SceneNode& root, tinygltf::Scene& target) {
     it = it->second.IsString() && !root.properties.count(it->first) ? extras.erase(it) : std::next(it);
   }
   for (const auto& [key, value] : root.properties) extras[key] = tinygltf::Value(value);
-  target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(extras);
+  target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(std::move(extras));
 }
 
 }  // namespace
@@ -349,18 +350,16 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     const auto [index, parent] = pending.back();
     pending.pop_back();
     if (!taken.insert(index).second) continue;
-    const tinygltf::Node& source = model->nodes[static_cast<std::size_t>(index)];
-    const tinygltf::Value::Object extras =
-        source.extras.IsObject() ? source.extras.Get<tinygltf::Value::Object>() : tinygltf::Value::Object();
+    tinygltf::Node& source = model->nodes[static_cast<std::size_t>(index)];
+    static const tinygltf::Value::Object kNoExtras;
+    tinygltf::Value::Object* held = source.extras.IsObject() ? &source.extras.Get<tinygltf::Value::Object>() : nullptr;
+    const tinygltf::Value::Object& extras = held ? *held : kNoExtras;
     SceneNode* node = scene.CreateNode(KindOf(source), source.name, parent);
     nodeOf[node->handle] = index;
     node->mesh = meshes[static_cast<std::size_t>(index)];
     node->visible = !BoolExtra(extras, "rgw_hidden", false);
     node->wireframe = BoolExtra(extras, "rgw_wireframe", true);
     node->backfaceCull = BoolExtra(extras, "rgw_backface_cull", false);
-    for (const auto& [key, value] : extras) {
-      if (value.IsString()) node->properties[key] = value.Get<std::string>();
-    }
     if (source.camera >= 0 && static_cast<std::size_t>(source.camera) < model->cameras.size()) {
       const tinygltf::Camera& camera = model->cameras[static_cast<std::size_t>(source.camera)];
       if (camera.type == "perspective") node->camera.fovDegrees = camera.perspective.yfov * 180 / kPi;
@@ -369,9 +368,23 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
       if (distance != extras.end() && distance->second.IsNumber()) node->camera.targetDistance = distance->second.GetNumberAsDouble();
     }
     node->track = std::move(tracks[static_cast<std::size_t>(index)]);
+    // The node's strings move into the scene, which a save writes them back from:
+    // a tool's tag, the bulk of a file, is then held once.
+    if (held) {
+      for (auto it = held->begin(); it != held->end();) {
+        if (!it->second.IsString()) {
+          ++it;
+          continue;
+        }
+        node->properties[it->first] = std::move(it->second.Get<std::string>());
+        it = held->erase(it);
+      }
+    }
     for (auto child = source.children.rbegin(); child != source.children.rend(); ++child) pending.emplace_back(*child, node);
   }
   scene.clock.SetFrameRate(FrameRateOf(*model));
+  // The bytes of the texts taken out of the binary chunk go now, not at the next save.
+  PruneUnusedData(*model);
   model_ = std::move(model);
   nodeOf_ = std::move(nodeOf);
   folder_ = std::filesystem::absolute(path).parent_path();
@@ -424,12 +437,12 @@ class BuffersBeside {
 
 // The JSON of the model with the lengths and names of the buffers beside it.
 std::string PatchedJson(const std::string& text, const tinygltf::Model& model, const std::vector<BufferPlace>& places,
-                        const BuffersBeside& beside, bool binary) {
+                        const std::vector<std::size_t>& lengths, bool binary) {
   nlohmann::json json = nlohmann::json::parse(text);
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i] == BufferPlace::kEmbedded) continue;
     nlohmann::json& buffer = json["buffers"][i];
-    buffer["byteLength"] = beside.Bytes(i).size();
+    buffer["byteLength"] = lengths[i];
     if (places[i] == BufferPlace::kOwnFile) {
       buffer["uri"] = model.buffers[i].uri;
     } else {
@@ -439,13 +452,30 @@ std::string PatchedJson(const std::string& text, const tinygltf::Model& model, c
   return json.dump(binary ? -1 : 2);
 }
 
+const auto kPadding = [](std::uint64_t size) { return static_cast<std::size_t>((4 - size % 4) % 4); };
+
+// A buffer's bytes as written: its own, then the long texts that follow it
+// (the first buffer's), each at a four-byte boundary.
+bool WriteBufferBytes(util::AtomicFile& file, const std::vector<unsigned char>& bytes, const LongTexts* texts) {
+  static const char kZeros[4] = {0, 0, 0, 0};
+  static const LongTexts kNone;
+  std::uint64_t written = bytes.size();
+  if (!file.Write(bytes.data(), bytes.size())) return false;
+  for (const std::string& text : (texts ? *texts : kNone).texts) {
+    if (!file.Write(kZeros, kPadding(written)) || !file.Write(text)) return false;
+    written += kPadding(written) + text.size();
+  }
+  return true;
+}
+
 // The binary container around the JSON and the first buffer: a header and
 // two chunks, each padded to four bytes (the JSON with spaces, the data with zeros).
-bool WriteBinaryContainer(util::AtomicFile& file, const std::string& json, const std::vector<unsigned char>& bin) {
-  const auto padding = [](std::size_t size) { return (4 - size % 4) % 4; };
-  const std::uint64_t jsonChunk = json.size() + padding(json.size());
-  const std::uint64_t binChunk = bin.size() + padding(bin.size());
-  const std::uint64_t length = 12 + 8 + jsonChunk + (bin.empty() ? 0 : 8 + binChunk);
+bool WriteBinaryContainer(util::AtomicFile& file, const std::string& json, const std::vector<unsigned char>& bin,
+                          const LongTexts& texts) {
+  const std::uint64_t binLength = texts.Length(bin.size());
+  const std::uint64_t jsonChunk = json.size() + kPadding(json.size());
+  const std::uint64_t binChunk = binLength + kPadding(binLength);
+  const std::uint64_t length = 12 + 8 + jsonChunk + (binLength == 0 ? 0 : 8 + binChunk);
   if (length > 0xFFFFFFFFu) return false;
   const auto word = [&](std::uint32_t value) {
     const unsigned char bytes[4] = {static_cast<unsigned char>(value), static_cast<unsigned char>(value >> 8),
@@ -455,10 +485,10 @@ bool WriteBinaryContainer(util::AtomicFile& file, const std::string& json, const
   const char zeros[4] = {0, 0, 0, 0};
   bool written = file.Write("glTF", 4) && word(2) && word(static_cast<std::uint32_t>(length)) &&
                  word(static_cast<std::uint32_t>(jsonChunk)) && word(0x4E4F534A) && file.Write(json) &&
-                 file.Write("   ", padding(json.size()));
-  if (!bin.empty()) {
+                 file.Write("   ", kPadding(json.size()));
+  if (binLength != 0) {
     written = written && word(static_cast<std::uint32_t>(binChunk)) && word(0x004E4942) &&
-              file.Write(bin.data(), bin.size()) && file.Write(zeros, padding(bin.size()));
+              WriteBufferBytes(file, bin, &texts) && file.Write(zeros, kPadding(binLength));
   }
   return written;
 }
@@ -472,13 +502,17 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   StoreFrameRate(model, scene.clock.GetFrameRate());
   // New data goes after what the first buffer holds; pruning then drops the
   // bytes it replaced, so a file saved again is the file saved the first time.
+  // The texts an earlier save put there go first, so that the buffer never
+  // holds a tool's state twice.
+  ForgetLongExtras(model);
+  PruneUnusedData(model);
   if (model.buffers.empty()) model.buffers.emplace_back();
   const int buffer = 0;
 
   // Each scene node to its glTF node, made for nodes the file didn't have;
   // in the scene's order, so that the same scene writes the same file.
   std::map<const SceneNode*, int> indexOf;
-  std::vector<std::pair<const SceneNode*, int>> ordered;
+  std::vector<std::pair<SceneNode*, int>> ordered;
   std::set<int> known;
   for (const auto& entry : nodeOf_) known.insert(entry.second);
   scene.Walk([&](SceneNode& node) {
@@ -505,13 +539,17 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
     }
     for (const SceneNode* child : node->children) target.children.push_back(indexOf[child]);
     if (node->parent && node->parent->isRoot) roots.push_back(index);
-    tinygltf::Value::Object extras =
-        target.extras.IsObject() ? target.extras.Get<tinygltf::Value::Object>() : tinygltf::Value::Object();
+    tinygltf::Value::Object extras;
+    if (target.extras.IsObject()) extras = std::move(target.extras.Get<tinygltf::Value::Object>());
     // String extras are the node's properties: one the scene dropped goes from the file too.
     for (auto it = extras.begin(); it != extras.end();) {
       it = it->second.IsString() && !node->properties.count(it->first) ? extras.erase(it) : std::next(it);
     }
-    for (const auto& [key, value] : node->properties) extras[key] = tinygltf::Value(value);
+    for (auto& [key, value] : node->properties) {
+      // A tool's tag is made for each save and can be the bulk of the file:
+      // it moves into the file rather than being copied.
+      extras[key] = tinygltf::Value(key == kTagProperty ? std::move(value) : value);
+    }
     SetFlag(extras, "rgw_hidden", !node->visible, false);
     if (node->kind == ObjectKind::kHelper) {
       target.mesh = -1;
@@ -531,7 +569,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
     if (node->kind == ObjectKind::kMesh && target.mesh < 0 && !node->mesh.faces.empty()) {
       target.mesh = AppendMesh(model, buffer, node->hostName, node->mesh);
     }
-    target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(extras);
+    target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(std::move(extras));
   }
   std::sort(roots.begin(), roots.end());
   if (model.scenes.empty()) model.scenes.emplace_back();
@@ -543,11 +581,15 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   model.defaultScene = sceneIndex;
 
   WriteTransformTracks(model, buffer, changed);
-  // Long texts go where bytes cost nothing to keep: beside the JSON.
-  const std::vector<BufferPlace> places = BufferPlaces(model, HasBinaryExtension(path));
-  MoveLongExtrasToBuffer(model, std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; }));
   PruneUnusedData(model);
-  return Write(path, error);
+  // Long texts go where bytes cost nothing to keep: after the first buffer,
+  // when it is written as bytes.
+  const bool binary = HasBinaryExtension(path);
+  const std::vector<BufferPlace> places = BufferPlaces(model, binary);
+  if (binary || (!places.empty() && places.front() != BufferPlace::kEmbedded)) longTexts_ = TakeLongExtras(model);
+  const bool written = Write(path, error);
+  longTexts_ = {};
+  return written;
 }
 
 namespace {
@@ -586,8 +628,10 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
     text = std::move(stream).str();
   }
+  std::vector<std::size_t> lengths(places.size());
+  for (std::size_t i = 0; i < places.size(); ++i) lengths[i] = i == 0 ? longTexts_.Length(beside.Bytes(0).size()) : beside.Bytes(i).size();
   const bool patched = std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
-  if (patched) text = PatchedJson(text, model, places, beside, binary);
+  if (patched) text = PatchedJson(text, model, places, lengths, binary);
   // Buffer files first and the main file last, all written before any is
   // committed: a full disk leaves every old file, and a reader never finds a
   // main file naming a missing or half-written buffer.
@@ -595,14 +639,14 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i] != BufferPlace::kOwnFile) continue;
     util::AtomicFile& file = files.emplace_back((folder / model.buffers[i].uri).string());
-    if (!file.Open() || !file.Write(beside.Bytes(i).data(), beside.Bytes(i).size())) return Failed(error, file.Error());
+    if (!file.Open() || !WriteBufferBytes(file, beside.Bytes(i), i == 0 ? &longTexts_ : nullptr)) return Failed(error, file.Error());
   }
   util::AtomicFile& main = files.emplace_back(path);
   if (!main.Open()) return Failed(error, main.Error());
   if (binary) {
     static const std::vector<unsigned char> kNoData;
     const std::vector<unsigned char>& bin = places.empty() ? kNoData : beside.Bytes(0);
-    if (!WriteBinaryContainer(main, text, bin)) {
+    if (!WriteBinaryContainer(main, text, bin, longTexts_)) {
       return Failed(error, main.Error().empty() ? path + ": the data is too large for a binary glTF file (4 GB)" : main.Error());
     }
   } else if (!main.Write(text)) {

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/scene.h"
 
 namespace tinygltf {
@@ -52,6 +53,8 @@ class GltfFile {
   std::map<SceneNode::Handle, int> nodeOf_;
   // Where the model's relative URIs are read from.
   std::filesystem::path folder_;
+  // The long texts of the save being written, which follow the first buffer's bytes.
+  LongTexts longTexts_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

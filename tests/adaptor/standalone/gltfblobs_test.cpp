@@ -4,6 +4,8 @@
 #include <tiny_gltf.h>
 
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/gltfprune.h"
@@ -79,6 +81,34 @@ TEST(GltfBlobs, APropertyDroppedBetweenTwoSavesLeavesNothingBehind) {
     ASSERT_TRUE(GltfFile().Load(path, loaded, &error)) << error;
     EXPECT_TRUE(loaded.Root().children.at(0)->properties.empty()) << extension;
   }
+}
+
+// A text file whose data is a file beside it keeps long texts there too,
+// after its own bytes, which stay as they were.
+TEST(GltfBlobs, ATextFileWithItsDataBesideItKeepsLongTextsThere) {
+  const std::string folder = Temp("blobs_beside");
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder + "/data.bin", std::ios::binary) << "0123456789AB";
+  std::ofstream(folder + "/scene.gltf") << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],
+    "nodes":[{"name":"Box","mesh":0}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+    "buffers":[{"byteLength":12,"uri":"data.bin"}],"bufferViews":[{"buffer":0,"byteLength":12}],
+    "accessors":[{"bufferView":0,"componentType":5126,"count":1,"type":"VEC3"}]})";
+  Scene scene;
+  GltfFile file;
+  std::string error;
+  ASSERT_TRUE(file.Load(folder + "/scene.gltf", scene, &error)) << error;
+  const std::string text = Text(2 * kBlobThreshold + 3);
+  scene.Root().children.at(0)->properties["RGT_tag"] = text;
+  ASSERT_TRUE(file.Save(folder + "/out.gltf", scene, &error)) << error;
+
+  const std::string json = Read(folder + "/out.gltf"), bytes = Read(folder + "/out.bin");
+  EXPECT_EQ(json.find(text), std::string::npos);
+  EXPECT_NE(json.find("rgw_blob"), std::string::npos);
+  EXPECT_EQ(bytes.substr(0, 12), "0123456789AB");
+  EXPECT_EQ(bytes.substr(12), text);
+  Scene loaded;
+  ASSERT_TRUE(GltfFile().Load(folder + "/out.gltf", loaded, &error)) << error;
+  EXPECT_EQ(loaded.Root().children.at(0)->properties["RGT_tag"], text);
 }
 
 tinygltf::Value::Object Reference(int view) {
