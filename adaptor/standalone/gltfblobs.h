@@ -6,16 +6,21 @@
 // it back into the text, so that the scene sees its properties as they were.
 // So does a text file whose buffers are files beside it; one whose buffers
 // are Base64 data keeps them as JSON strings, which are a third smaller and
-// quicker to read than Base64.
+// quicker to read than Base64, written into the file straight from the text.
 
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tinygltf {
 class Model;
 }  // namespace tinygltf
+
+namespace vuk::util {
+class AtomicFile;
+}  // namespace vuk::util
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -26,6 +31,8 @@ constexpr std::size_t kBlobThreshold = 64 * 1024;
 // each at a four-byte boundary: they are never copied into the buffer.
 struct LongTexts {
   std::vector<std::string> texts;
+  // Left as marks in the JSON rather than in a buffer.
+  bool marked = false;
   // The first buffer's length with them after its own bytes.
   std::size_t Length(std::size_t ownBytes) const;
 };
@@ -33,6 +40,14 @@ struct LongTexts {
 // Moves the long string extras of nodes out of the model, leaving blob
 // references; for files whose first buffer is written as bytes, not Base64.
 LongTexts TakeLongExtras(tinygltf::Model& model);
+
+// For a text file whose data is Base64: moves the long string extras out of
+// the model, leaving marks that WriteJsonWithTexts replaces with them as
+// JSON strings, so that the model's JSON never holds them.
+LongTexts TakeLongExtrasAsMarks(tinygltf::Model& model);
+// Writes the JSON, with each mark replaced by its text when the texts are
+// marked. False when the file can't be written or a mark is missing.
+bool WriteJsonWithTexts(util::AtomicFile& file, std::string_view json, const LongTexts& texts);
 
 // Drops the blob references an earlier save left: their texts are the
 // scene's properties now, written again by the next save. Pruning then

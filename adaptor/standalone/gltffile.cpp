@@ -586,7 +586,8 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   // when it is written as bytes.
   const bool binary = HasBinaryExtension(path);
   const std::vector<BufferPlace> places = BufferPlaces(model, binary);
-  if (binary || (!places.empty() && places.front() != BufferPlace::kEmbedded)) longTexts_ = TakeLongExtras(model);
+  const bool beside = binary || (!places.empty() && places.front() != BufferPlace::kEmbedded);
+  longTexts_ = beside ? TakeLongExtras(model) : TakeLongExtrasAsMarks(model);
   const bool written = Write(path, error);
   longTexts_ = {};
   return written;
@@ -649,8 +650,8 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!WriteBinaryContainer(main, text, bin, longTexts_)) {
       return Failed(error, main.Error().empty() ? path + ": the data is too large for a binary glTF file (4 GB)" : main.Error());
     }
-  } else if (!main.Write(text)) {
-    return Failed(error, main.Error());
+  } else if (!WriteJsonWithTexts(main, text, longTexts_)) {
+    return Failed(error, main.Error().empty() ? path + ": the file can't be written" : main.Error());
   }
   for (util::AtomicFile& file : files) {
     if (!file.Commit()) return Failed(error, file.Error());
