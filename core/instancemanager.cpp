@@ -81,6 +81,12 @@ std::vector<Instance*> InstanceManager::CheckedInstances() {
   return checked;
 }
 
+std::vector<std::string> InstanceManager::InstanceNames() {
+  std::vector<std::string> names;
+  for (const Instance* instance : AllInstances()) names.push_back(instance->InstanceName());
+  return names;
+}
+
 void InstanceManager::WriteNodeTags() {
   for (Instance* instance : AllInstances()) adaptor_->WriteNodeTags(static_cast<CInterface*>(instance));
 }
