@@ -492,8 +492,11 @@ int BindCommand(const Arguments& args) {
     bindsOne = bindsOne || std::find(channels.begin(), channels.end(), channel) != channels.end();
   }
   if (!bindsOne) {
-    return Fail("\"" + given + "\" " + (profile->CountChildren("property") == 0 ? "is empty" : "names none of the channels") +
-                " of " + item->instance->InstanceName() + "; its channels are " + Listed(channels));
+    const std::string tool = item->instance->InstanceName();
+    return Fail("\"" + given + "\" " +
+                (profile->CountChildren("property") == 0
+                     ? "is empty: it would unbind every channel of " + tool
+                     : "names none of the channels of " + tool + "; its channels are " + Listed(channels)));
   }
   item->instance->ApplyInputProfile(*profile);
   return SaveAndSay(session, options.Get("out"), "bound " + Bindings(*item->instance));
