@@ -44,6 +44,14 @@ void CopyBelow(CoreNode* node, CoreNode* from, CoreNode* to) {
   if (copied) copied->DestroySelf();
 }
 
+// The wrappers a tool that isn't made was given: its nodes stay in the scene,
+// owned by no tool.
+void ReleaseNodes(const NodeVector& nodes) {
+  for (CoreNode* node : nodes.nodes) {
+    if (node) node->DestroySelf();
+  }
+}
+
 }  // namespace
 
 InstanceManager::InstanceManager(AdaptorInterface* adaptor, const LibraryManager* library)
@@ -79,6 +87,12 @@ std::vector<Instance*> InstanceManager::CheckedInstances() {
     if (item.states[TreeItem::kChecked] == 1) checked.push_back(item.instance.get());
   });
   return checked;
+}
+
+std::vector<std::string> InstanceManager::InstanceNames() {
+  std::vector<std::string> names;
+  for (const Instance* instance : AllInstances()) names.push_back(instance->InstanceName());
+  return names;
 }
 
 void InstanceManager::WriteNodeTags() {
@@ -204,6 +218,7 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
       ShowMessageBox("Some nodes required for this plugin was not found in the scene. Please make sure all required "
                      "nodes are present.\nThe following nodes were not found:\n\n" + missing,
                      "Error loading plugin", 32);
+      ReleaseNodes(nodes);
       return nullptr;
     }
     // The found nodes belong to this instance under their saved names.
@@ -214,7 +229,10 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
     util::Bytes bytes;
     util::Base64::Decode(saved.GetText(), bytes);
     tool.SetSaveData(bytes.data(), static_cast<std::int32_t>(bytes.size()));
-    if (tool.GetTool()->Load() != 0) return nullptr;
+    if (tool.GetTool()->Load() != 0) {
+      ReleaseNodes(nodes);
+      return nullptr;
+    }
   }
   loaded_.emplace_back(element.GetChild("name").GetText(), &tool);
   RestoreNodes(tool, nodeInfo);

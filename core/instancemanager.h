@@ -27,6 +27,8 @@ class InstanceManager : public InstanceList {
   // Tree order; the checked ones are those whose check state is 1, at any depth.
   std::vector<Instance*> AllInstances() override;
   std::vector<Instance*> CheckedInstances() override;
+  // The names of all tools, in tree order.
+  std::vector<std::string> InstanceNames();
 
   // The whole tree with its recorded data.
   util::xml::Element SaveToolTree() const { return root_.Serialize(InstanceReference::kFullContent); }

@@ -180,7 +180,7 @@ std::string InstanceReference::GetLabel() const {
 
 Element InstanceReference::Serialize(std::uint32_t flags) const {
   Tag plugin("RGT_Plugin");
-  plugin.SetAttribute("version") = "2.5";
+  plugin.SetAttribute("version") = kLayoutVersion;
   if (instance) {
     Instance& tool = *instance;
     plugin.AddChild(TagWithData("type", tool.GetToolPlugin()->GetName()));

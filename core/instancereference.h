@@ -37,6 +37,8 @@ class InstanceReference : public TreeItem {
   static constexpr std::uint32_t kNoChildren = 0x10000;
   static constexpr std::uint32_t kCompress = 0x20000;
   static constexpr std::uint32_t kForScene = 0x30001;
+  // The layout of "RGT_Plugin" this program writes, and the newest it reads.
+  static constexpr const char* kLayoutVersion = "2.5";
 
   // The root of the tree has no instance and is named "RGT".
   InstanceReference() : deletable(false) {}

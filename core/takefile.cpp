@@ -54,7 +54,7 @@ std::string ChannelNames(const Instance& instance) {
 
 }  // namespace
 
-bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* error) {
+bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* error, TakeImport mode) {
   auto fail = [&](int line, const std::string& problem) {
     if (error) *error = path + (line > 0 ? ": line " + std::to_string(line) : std::string()) + ": " + problem;
     return false;
@@ -86,6 +86,9 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
       return fail(number, std::to_string(values.size()) + " values where the header has " + std::to_string(header.size()));
     }
     rows.push_back(std::move(values));
+  }
+  if (mode == TakeImport::kReplace) {
+    for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) instance.TrackOf(instance.Inputs().Get(i)->name)->records.clear();
   }
   for (std::size_t c = 1; c < header.size(); ++c) {
     util::AVar_Linear<double>& track = *instance.TrackOf(header[c]);

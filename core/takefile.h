@@ -8,8 +8,13 @@
 
 namespace vuk::rgw::core {
 
-// Sets the samples into the tool's recorded tracks. On failure nothing
+// What an imported take does to the one the tool holds: takes its place on
+// every channel, or adds its samples (replacing those of the same times).
+enum class TakeImport { kReplace, kMerge };
+
+// Puts the samples into the tool's recorded tracks. On failure nothing
 // changes and `error` names the file, the line and the problem.
-bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* error = nullptr);
+bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* error = nullptr,
+                   TakeImport mode = TakeImport::kReplace);
 
 }  // namespace vuk::rgw::core

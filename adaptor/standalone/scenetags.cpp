@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <utility>
 
+#include "core/instancereference.h"
 #include "sdk/cextendable.h"
 #include "util/base64.h"
 #include "util/compressedblock.h"
@@ -26,6 +28,15 @@ util::xml::Element MakeMasterNodes(core::InstanceHandle instance) {
   return std::move(masters);
 }
 
+std::string NameInDamagedTag(const std::string& text) {
+  const std::string close = "</name>";
+  const std::size_t end = text.find(close);
+  if (end == std::string::npos) return {};
+  Element start;
+  if (start.ParseText(text.substr(0, end + close.size()) + "</RGT_tag>") != util::xml::kParsed) return {};
+  return start.GetChild("name").GetText();
+}
+
 void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element>& masters) {
   for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {
     util::xml::Tag master("masternode");
@@ -37,26 +48,6 @@ void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element
 namespace {
 
 std::string PluginName(const Element& master) { return master.GetChild("RGT_Plugin").GetChild("name").GetText(); }
-
-// Unpacks a compressed "RGT_Plugin" in place. False when its blob is empty:
-// the master is then dropped.
-bool Unpack(Element& master) {
-  for (auto& child : master.children) {
-    Element& plugin = *child;
-    if (plugin.name != "RGT_Plugin" || plugin.GetAttribute("compressed") != "1") continue;
-    if (plugin.children.size() != 1 || plugin.children[0]->kind != Element::kText) return true;
-    util::Bytes packed, text;
-    if (!util::Base64::Decode(plugin.children[0]->name, packed) || packed.empty()) return false;
-    plugin.children.clear();  // its text is in `packed` now
-    if (util::CompressedBlock::Unpack(packed, text) == util::CompressedBlock::Unpacked::kDamaged) return false;
-    packed = util::Bytes();
-    Element unpacked;
-    unpacked.ParseText(std::string_view(reinterpret_cast<const char*>(text.data()), text.size()));
-    plugin = std::move(unpacked);
-    return true;
-  }
-  return true;
-}
 
 struct Builder {
   Element* master;
@@ -83,14 +74,41 @@ Element TreeOf(Builder& builder) {
   return plugin;
 }
 
+// "2.5" as its two numbers; 0.0 for what isn't a version.
+std::pair<long, long> VersionNumbers(const std::string& text) {
+  char* end = nullptr;
+  const long major = std::strtol(text.c_str(), &end, 10);
+  return {major, *end == '.' ? std::strtol(end + 1, nullptr, 10) : 0};
+}
+
 }  // namespace
 
-Element BuildGatheredTree(std::vector<Element> masters) {
-  std::vector<Element> kept;
-  for (auto it = masters.rbegin(); it != masters.rend(); ++it) {
-    if (Unpack(*it)) kept.push_back(std::move(*it));
+bool UnpackMaster(Element& master) {
+  for (auto& child : master.children) {
+    Element& plugin = *child;
+    if (plugin.name != "RGT_Plugin" || plugin.GetAttribute("compressed") != "1") continue;
+    if (plugin.children.size() != 1 || plugin.children[0]->kind != Element::kText) return true;
+    util::Bytes packed, text;
+    if (!util::Base64::Decode(plugin.children[0]->name, packed) || packed.empty()) return false;
+    plugin.children.clear();  // its text is in `packed` now
+    if (util::CompressedBlock::Unpack(packed, text) == util::CompressedBlock::Unpacked::kDamaged) return false;
+    packed = util::Bytes();
+    Element unpacked;
+    if (unpacked.ParseText(std::string_view(reinterpret_cast<const char*>(text.data()), text.size())) !=
+        util::xml::kParsed) {
+      return false;
+    }
+    plugin = std::move(unpacked);
+    return true;
   }
-  std::reverse(kept.begin(), kept.end());
+  return true;
+}
+
+bool IsNewerLayout(const Element& plugin) {
+  return VersionNumbers(plugin.GetAttribute("version")) > VersionNumbers(core::InstanceReference::kLayoutVersion);
+}
+
+Element BuildGatheredTree(std::vector<Element> kept) {
   // One tool, however many merges brought it: the first stands.
   for (std::size_t i = 0; i < kept.size(); ++i) {
     for (std::size_t j = kept.size(); j-- > i + 1;) {

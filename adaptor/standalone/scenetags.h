@@ -18,13 +18,25 @@ util::xml::Element MakeNodeTag(const std::string& instanceName, const std::strin
 // "masternodes" as the instance fills it.
 util::xml::Element MakeMasterNodes(core::InstanceHandle instance);
 
+// The tool's name that a tag which doesn't parse as a whole still shows in
+// its first "name"; empty when it shows none.
+std::string NameInDamagedTag(const std::string& text);
+
 // Adds a master element for each tool of the scene root's "RGT": the tools
 // that have no node of their own, so that those below them find them.
 void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element>& masters);
 
-// The "RGT" element of the tools that master elements describe: compressed
-// states unpacked, repeats of one tool (from merging a file twice) dropped,
-// children placed below their parents in the order of "childindex".
+// Unpacks a master's compressed "RGT_Plugin" in place. False when its blob
+// is empty or damaged: the tool can't be made from it.
+bool UnpackMaster(util::xml::Element& master);
+
+// True when the "RGT_Plugin" was written in a layout newer than this
+// program's: making the tool would lose what it can't read.
+bool IsNewerLayout(const util::xml::Element& plugin);
+
+// The "RGT" element of the tools that unpacked master elements describe:
+// repeats of one tool (from merging a file twice) dropped, children placed
+// below their parents in the order of "childindex".
 util::xml::Element BuildGatheredTree(std::vector<util::xml::Element> masters);
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -173,23 +173,43 @@ void StandaloneAdaptorInterface::WriteNodeTags(core::InstanceHandle instance) {
 
 void StandaloneAdaptorInterface::WriteSceneTag(const util::xml::Element& toolsWithoutNodes) {
   auto& properties = scene_.Root().properties;
-  if (toolsWithoutNodes.children.empty()) {
+  if (toolsWithoutNodes.children.empty() && keptRootTools_.empty()) {
     properties.erase(kTagProperty);
   } else {
-    properties[kTagProperty] = toolsWithoutNodes.Write("", "");
+    util::xml::Element tree = toolsWithoutNodes;
+    tree.name = "RGT";
+    for (const util::xml::Element& kept : keptRootTools_) tree.AddChild(kept);
+    properties[kTagProperty] = tree.Write("", "");
+  }
+  // A damaged tag of the root gives way to the tools written there now.
+  for (const auto& [host, text] : keptTags_) {
+    if (!host->IsInScene()) continue;
+    std::string& tag = host->properties[kTagProperty];
+    if (tag.empty()) tag = text;
   }
 }
 
 void StandaloneAdaptorInterface::GatherScene() {
   gatherRecords_.clear();
+  keptTags_.clear();
+  keptRootTools_.clear();
+  keptTools_.clear();
   std::vector<util::xml::Element> masters;
+  // Per master: where it came from, and its tool's name as the node's tag says it.
+  std::vector<KeptTool> origins;
   scene_.Walk([&](SceneNode& host) {
     const auto tag = host.properties.find(kTagProperty);
     if (tag == host.properties.end() || tag->second.empty()) return;
+    const std::string node = host.isRoot ? "" : host.hostName;
     util::xml::Element parsed;
-    parsed.ParseText(tag->second);
+    if (parsed.ParseText(tag->second) != util::xml::kParsed) {
+      keptTags_.emplace_back(&host, tag->second);
+      keptTools_.push_back({NameInDamagedTag(tag->second), "", node, "its tag is damaged"});
+      return;
+    }
     if (host.isRoot) {
       AddRootTools(parsed, masters);
+      origins.resize(masters.size());
       return;
     }
     // The states move on to be built; the record keeps the node's identity.
@@ -199,6 +219,7 @@ void StandaloneAdaptorInterface::GatherScene() {
                                   [&](const std::unique_ptr<util::xml::Element>& child) {
                                     if (child->name != "masternode") return false;
                                     masters.push_back(std::move(*child));
+                                    origins.push_back({parsed.GetChild("name").GetText(), "", node, ""});
                                     return true;
                                   }),
                    children.end());
@@ -207,7 +228,8 @@ void StandaloneAdaptorInterface::GatherScene() {
   // Without a loader nothing can take the tools up: the tags stay, so
   // nothing saved is lost.
   if (!loader_) return;
-  loader_(BuildGatheredTree(std::move(masters)));
+  LoadMasters(std::move(masters), std::move(origins));
+  KeepUnclaimedTags();
 
   std::string unclaimed;
   for (const auto& [host, tag] : gatherRecords_) {
@@ -220,8 +242,56 @@ void StandaloneAdaptorInterface::GatherScene() {
         "Gather error", box::kCritical);
   }
   for (auto& [host, tag] : gatherRecords_) host->properties[kTagProperty].clear();
+  for (auto& [host, text] : keptTags_) host->properties[kTagProperty].clear();
   scene_.Root().properties.erase(kTagProperty);
   gatherRecords_.clear();
+}
+
+void StandaloneAdaptorInterface::LoadMasters(std::vector<util::xml::Element> masters, std::vector<KeptTool> origins) {
+  // A tool of the root is kept as its element came, still packed.
+  std::vector<util::xml::Element> rootElements(masters.size());
+  std::vector<util::xml::Element> sound;
+  std::vector<std::size_t> handedOn;
+  std::vector<bool> kept(masters.size(), true);
+  for (std::size_t i = 0; i < masters.size(); ++i) {
+    KeptTool& tool = origins[i];
+    if (tool.node.empty()) rootElements[i] = masters[i].GetChild("RGT_Plugin");
+    if (UnpackMaster(masters[i])) {
+      const util::xml::Element& plugin = masters[i].GetChild("RGT_Plugin");
+      tool.name = plugin.GetChild("name").GetText();
+      tool.type = plugin.GetChild("type").GetText();
+      if (IsNewerLayout(plugin)) tool.reason = "it was saved by a newer version (" + plugin.GetAttribute("version") + ")";
+    } else {
+      tool.reason = "its saved data is damaged";
+    }
+    if (tool.reason.empty()) {
+      kept[i] = false;
+      handedOn.push_back(i);
+      sound.push_back(std::move(masters[i]));
+    }
+  }
+  // Their parents, for the children that go with a parent left out.
+  std::vector<std::string> parents;
+  for (const util::xml::Element& master : sound) parents.push_back(master.GetChild("parent").GetText());
+  const std::vector<std::string> made = loader_(BuildGatheredTree(std::move(sound)));
+  auto isMade = [&](const std::string& name) { return std::find(made.begin(), made.end(), name) != made.end(); };
+  for (std::size_t k = 0; k < handedOn.size(); ++k) {
+    KeptTool& tool = origins[handedOn[k]];
+    if (isMade(tool.name)) continue;
+    kept[handedOn[k]] = true;
+    if (!parents[k].empty() && !isMade(parents[k])) tool.reason = "its parent " + parents[k] + " is not loaded";
+  }
+  for (std::size_t i = 0; i < origins.size(); ++i) {
+    if (!kept[i]) continue;
+    if (origins[i].node.empty()) keptRootTools_.push_back(std::move(rootElements[i]));
+    keptTools_.push_back(std::move(origins[i]));
+  }
+}
+
+void StandaloneAdaptorInterface::KeepUnclaimedTags() {
+  for (const auto& [host, tag] : gatherRecords_) {
+    if (!FindOwnedOver(host)) keptTags_.emplace_back(host, host->properties[kTagProperty]);
+  }
 }
 
 void StandaloneAdaptorInterface::GetAllNodes(core::NodeList& list) {

@@ -23,8 +23,19 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   // Shows a message; answers OK 0, Cancel 1, Yes 2, No 3. Without a window,
   // or in silent mode, the box is only logged and the answer is 1.
   using MessageBoxSink = core::MessageBoxSink;
-  // Takes the element "RGT" that a scene's tags describe.
-  using SceneLoader = std::function<void(const util::xml::Element& tree)>;
+  // Takes the element "RGT" that a scene's tags describe; answers the names
+  // of the tools there are after.
+  using SceneLoader = std::function<std::vector<std::string>(const util::xml::Element& tree)>;
+  // A tool of the scene that wasn't made: its tags stay in the scene as they
+  // came, and go back into the file at every save.
+  struct KeptTool {
+    std::string name;  // empty when the tag can't tell
+    std::string type;  // likewise
+    // The scene node that carries its state; empty for the scene's root.
+    std::string node;
+    // Empty when the tags were sound: the tool was refused for reasons of its own.
+    std::string reason;
+  };
 
   StandaloneAdaptorInterface();
   ~StandaloneAdaptorInterface() override;
@@ -46,9 +57,12 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   }
   core::CoreNode* FindNode(core::InstanceHandle instance, std::string nodeName) override;
   void WriteNodeTags(core::InstanceHandle instance) override;
-  // Keeps the element of the tools without nodes (their "RGT") on the
-  // scene's root for a save; a gathering loads them with the others.
+  // Puts the scene's own tags for a save: the element of the tools without
+  // nodes (their "RGT") on the scene's root, with the kept tools of the
+  // root; and the tags of the kept tools back on their nodes, as they came.
+  // A gathering loads the tools again.
   void WriteSceneTag(const util::xml::Element& toolsWithoutNodes);
+  const std::vector<KeptTool>& KeptTools() const { return keptTools_; }
   void GatherScene() override;
   void GetAllNodes(core::NodeList& list) override;
   void GetInstanceNodes(core::InstanceHandle instance, core::NodeList& list) override;
@@ -116,6 +130,12 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
                                 core::CoreNode* parent, std::intptr_t extra);
   StandaloneNode* MatchGathered(const std::string& instanceName, const std::string& objectName);
   StandaloneNode* MatchLive(const std::string& instanceName, const std::string& objectName);
+  // Hands the sound masters to the loader; keeps the others, and those the
+  // loader didn't make.
+  void LoadMasters(std::vector<util::xml::Element> masters, std::vector<KeptTool> origins);
+  // Keeps the tags of the nodes that no tool claimed, and of the root's
+  // tools that weren't made.
+  void KeepUnclaimedTags();
 
   Scene scene_;
   core::WindowHandle mainWindow_ = nullptr;
@@ -133,6 +153,11 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   std::vector<StandaloneNode*> retired_;
   // Tags found by the last gathering: the scene node and its parsed tag.
   std::vector<std::pair<SceneNode*, util::xml::Element>> gatherRecords_;
+  // What the last gathering couldn't make: the tags of nodes, the tools'
+  // elements of the root's tag, and what they were.
+  std::vector<std::pair<SceneNode*, std::string>> keptTags_;
+  std::vector<util::xml::Element> keptRootTools_;
+  std::vector<KeptTool> keptTools_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -39,7 +39,7 @@ int Help(int code) {
                "                         simulates the scene's tools and writes the keys\n"
                "  set FILE --instance NAME --value LABEL=NUMBER --out OUT\n"
                "  bind FILE --instance NAME --profile PROFILE --out OUT\n"
-               "  take FILE --instance NAME --csv TAKE.csv --out OUT\n"
+               "  take FILE --instance NAME --csv TAKE.csv --out OUT [--merge]\n"
                "  model FILE --instance NAME --out MODEL.prm     saves a tool as a pre-rigged model\n"
                "  create FILE --prm MODEL.prm --out OUT         makes the model's tools in a scene\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"

@@ -129,6 +129,12 @@ std::string NoSuchTool(const rgw::core::LibraryManager& library, const std::stri
   return "no tool is called \"" + toolName + "\"; the tools are " + Listed(ToolNames(library));
 }
 
+std::vector<std::string> ChannelNames(const rgw::core::Instance& instance) {
+  std::vector<std::string> names;
+  for (const auto& channel : instance.Channels()) names.push_back(channel.name);
+  return names;
+}
+
 // A channel's binding in words, "unbound" for none.
 std::string BindingOf(const unidevice::Property& channel) {
   const std::string words = BindingWords(channel.config);
@@ -157,6 +163,11 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
   rgw::core::InstanceReference* item = session.tools.Create(toolName, options.Get("name"));
   if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
   made = item->instance.get();
+  // Two tools of one name in a file: the next load would make only one.
+  if (const Session::KeptTool* kept = session.FindKept(made->InstanceName())) {
+    return Fail(Session::Where(*kept) + " is not loaded but has the name " + made->InstanceName() +
+                "; give the new tool another with --name");
+  }
   const auto links = options.values.equal_range("link");
   for (auto it = links.first; it != links.second; ++it) {
     const std::size_t equals = it->second.find('=');
@@ -191,9 +202,12 @@ std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initi
   if (const auto code = OpenScene(options, session)) return code;
   item = session.tools.Find(options.Get("instance"));
   if (item) return std::nullopt;
-  std::vector<std::string> names;
-  for (const rgw::core::Instance* instance : session.tools.AllInstances()) names.push_back(instance->InstanceName());
-  return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; its tools are " + Listed(names));
+  if (const Session::KeptTool* kept = session.FindKept(options.Get("instance"))) {
+    return Fail(Session::Where(*kept) + " is not loaded (" + session.WhyNotLoaded(*kept) +
+                "): it stays in the file as it is and can't be changed");
+  }
+  return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; its tools are " +
+              Listed(session.tools.InstanceNames()));
 }
 
 // Saves the command's scene and says what the command did.
@@ -306,6 +320,9 @@ int SceneCommand(const Arguments& args) {
       std::printf("\n");
     }
   }
+  for (const Session::KeptTool& kept : session.host.KeptTools()) {
+    std::printf("tool %s: not loaded: %s\n", Session::Named(kept).c_str(), session.WhyNotLoaded(kept).c_str());
+  }
   return 0;
 }
 
@@ -375,9 +392,12 @@ int RunCommand(const Arguments& args) {
   session.Resimulate(from, to);
   char range[64];
   std::snprintf(range, sizeof range, " simulated over %.3f s to %.3f s: ", from, to);
+  std::vector<std::string> kept;
+  for (const Session::KeptTool& tool : session.host.KeptTools()) kept.push_back(Session::Where(tool));
   return SaveAndSay(session, options.Get("out"),
                     Counted(session.tools.CheckedInstances().size(), "tool") + range +
-                        Counted(session.ToolKeyCount(), "key") + " on their nodes");
+                        Counted(session.ToolKeyCount(), "key") + " on their nodes" +
+                        (kept.empty() ? "" : "; not loaded and kept as they were: " + Listed(kept)));
 }
 
 int SetCommand(const Arguments& args) {
@@ -412,25 +432,31 @@ int SetCommand(const Arguments& args) {
 
 int TakeCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw take FILE --instance NAME --csv TAKE.csv --out OUT\n"
+      "usage: rgw take FILE --instance NAME --csv TAKE.csv --out OUT [--merge]\n"
       "  Imports a take into a tool's recorded tracks: a CSV file whose header is \"time\" and\n"
-      "  the channel names, one row per sample of the raw values.\n";
-  Options options{"instance", "csv", "out", "fps"};
+      "  the channel names, one row per sample of the raw values. It replaces the tool's take;\n"
+      "  with --merge its samples join it, replacing those of the same times.\n";
+  Options options{{"instance", "csv", "out", "fps"}, {"merge"}};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
   if (const auto code = OpenTool(args, usage, {"instance", "csv", "out"}, options, session, item)) return *code;
   rgw::core::Instance& instance = *item->instance;
   std::string error;
-  if (!rgw::core::ImportTakeCsv(options.Get("csv"), instance, &error)) return Fail(error);
+  const bool merge = options.Has("merge");
+  if (!rgw::core::ImportTakeCsv(options.Get("csv"), instance, &error,
+                                merge ? rgw::core::TakeImport::kMerge : rgw::core::TakeImport::kReplace)) {
+    return Fail(error);
+  }
   std::size_t channels = 0, samples = 0;
   for (const auto& channel : instance.Channels()) {
     if (!channel.take) continue;
     ++channels;
     samples = std::max(samples, channel.take->records.size());
   }
+  const std::string take = Counted(samples, "sample") + " on " + Counted(channels, "channel");
   return SaveAndSay(session, options.Get("out"),
-                    instance.InstanceName() + " holds a take of " + Counted(samples, "sample") + " on " +
-                        Counted(channels, "channel") + " from " + options.Get("csv"));
+                    merge ? "merged " + options.Get("csv") + " into the take of " + instance.InstanceName() + ", now " + take
+                          : "replaced the take of " + instance.InstanceName() + " with " + take + " from " + options.Get("csv"));
 }
 
 int BindCommand(const Arguments& args) {
@@ -459,6 +485,21 @@ int BindCommand(const Arguments& args) {
       return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName + "; its profiles are " +
                   Listed(tool ? tool->InputProfiles().Names() : std::vector<std::string>()));
     }
+  }
+  // Applying unbinds every channel first: a profile that binds none of them
+  // would only take the bindings away.
+  const std::vector<std::string> channels = ChannelNames(*item->instance);
+  bool bindsOne = false;
+  for (std::size_t i = 0, n = profile->CountChildren("property"); i < n; ++i) {
+    const std::string channel = profile->GetChild("property", i).GetAttribute("name");
+    bindsOne = bindsOne || std::find(channels.begin(), channels.end(), channel) != channels.end();
+  }
+  if (!bindsOne) {
+    const std::string tool = item->instance->InstanceName();
+    return Fail("\"" + given + "\" " +
+                (profile->CountChildren("property") == 0
+                     ? "is empty: it would unbind every channel of " + tool
+                     : "names none of the channels of " + tool + "; its channels are " + Listed(channels)));
   }
   item->instance->ApplyInputProfile(*profile);
   return SaveAndSay(session, options.Get("out"), "bound " + Bindings(*item->instance));

@@ -36,7 +36,10 @@ rgw::core::CoreImplementation& Started(rgw::core::CoreImplementation& core,
 }  // namespace
 
 Session::Session() : library(*Started(core, host).GetLibraries()), tools(*core.GetInstances()) {
-  host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
+  host.SetSceneLoader([this](const vuk::util::xml::Element& tree) {
+    tools.LoadToolTree(tree);
+    return tools.InstanceNames();
+  });
 }
 
 bool Session::Open(const std::string& path, std::string& error) {
@@ -110,6 +113,27 @@ std::size_t Session::ToolKeyCount() {
     }
   }
   return count;
+}
+
+const Session::KeptTool* Session::FindKept(const std::string& name) const {
+  for (const KeptTool& tool : host.KeptTools()) {
+    if (tool.name == name) return &tool;
+  }
+  return nullptr;
+}
+
+std::string Session::WhyNotLoaded(const KeptTool& tool) const {
+  if (!tool.reason.empty()) return tool.reason;
+  if (!library.FindTool(tool.type)) return "this program has no tool \"" + tool.type + "\"";
+  return "it failed to load from its saved data";
+}
+
+std::string Session::Named(const KeptTool& tool) {
+  return (tool.name.empty() ? "?" : tool.name) + " (" + (tool.type.empty() ? "?" : tool.type) + ")";
+}
+
+std::string Session::Where(const KeptTool& tool) {
+  return Named(tool) + (tool.node.empty() ? " on the scene's root" : " on node " + tool.node);
 }
 
 void Session::Resimulate(double from, double to) {

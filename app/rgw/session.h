@@ -37,6 +37,16 @@ class Session {
   // The keys on the nodes of every tool.
   std::size_t ToolKeyCount();
 
+  using KeptTool = rgw::adaptor::standalone::StandaloneAdaptorInterface::KeptTool;
+  // A tool of the file that isn't loaded, by its name; null when none is.
+  const KeptTool* FindKept(const std::string& name) const;
+  // Why it isn't loaded, in words.
+  std::string WhyNotLoaded(const KeptTool& tool) const;
+  // "Cam_01 (LookAtCam)", with "?" for what its tag can't tell.
+  static std::string Named(const KeptTool& tool);
+  // "Cam_01 (LookAtCam) on node Rig": which tool and where it is kept.
+  static std::string Where(const KeptTool& tool);
+
   rgw::adaptor::standalone::StandaloneAdaptorInterface host;
   // Stops before the host goes: the tools leave the scene first.
   rgw::core::CoreImplementation core;

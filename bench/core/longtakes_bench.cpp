@@ -72,7 +72,10 @@ std::string ScenePath(const char* extension) {
 // The host, the tools and their tree, as the rgw command line holds them.
 struct Session {
   Session() {
-    host.SetSceneLoader([this](const vuk::util::xml::Element& tree) { tools.LoadToolTree(tree); });
+    host.SetSceneLoader([this](const vuk::util::xml::Element& tree) {
+      tools.LoadToolTree(tree);
+      return tools.InstanceNames();
+    });
   }
   adaptor::standalone::StandaloneAdaptorInterface host;
   core::LibraryManager library{addon::BuiltInTools()};

@@ -94,7 +94,10 @@ struct Scene {
   void Load(const std::string& path, int times = 1) {
     std::string error;
     for (int i = 0; i < times; ++i) ASSERT_TRUE(GltfFile().Load(path, host.GetScene(), &error)) << error;
-    host.SetSceneLoader([this](const util::xml::Element& tree) { tools.LoadToolTree(tree); });
+    host.SetSceneLoader([this](const util::xml::Element& tree) {
+      tools.LoadToolTree(tree);
+      return tools.InstanceNames();
+    });
     host.GatherScene();
   }
   InstanceReference& Top(std::size_t index) { return static_cast<InstanceReference&>(*tools.Root().GetChild(index)); }

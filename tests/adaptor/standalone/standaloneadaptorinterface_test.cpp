@@ -16,9 +16,13 @@ using testing_support::TestInstance;
 
 class Standalone : public testing::Test {
  protected:
-  // Keeps what a gather hands on and the box it shows, as "caption|style|text".
+  // Keeps what a gather hands on and the box it shows, as "caption|style|text";
+  // the loader makes the tools named in `made`.
   void CatchGather() {
-    adaptor.SetSceneLoader([this](const util::xml::Element& tree) { loaded = tree.Write("", ""); });
+    adaptor.SetSceneLoader([this](const util::xml::Element& tree) {
+      loaded = tree.Write("", "");
+      return made;
+    });
     adaptor.SetMessageBoxSink([this](const std::string& text, const std::string& caption, std::int32_t style) {
       box = caption + "|" + std::to_string(style) + "|" + text;
       return 0;
@@ -29,6 +33,7 @@ class Standalone : public testing::Test {
   Scene& scene = adaptor.GetScene();
   std::string loaded = "none";
   std::string box;
+  std::vector<std::string> made;
 };
 
 // The nominal rate is the contract's; here, what the host's clock does.
@@ -107,16 +112,20 @@ TEST_F(Standalone, UndoOfCreationTellsTheTool) {
   EXPECT_EQ(adaptor.FindNode(&tool, "Cam"), node);
 }
 
-std::string PluginText(const std::string& name) {
-  return "<RGT_Plugin version=\"2.5\"><type>TestTool</type><name>" + name + "</name></RGT_Plugin>";
+std::string PluginText(const std::string& name, const std::string& version = "2.5") {
+  return "<RGT_Plugin version=\"" + version + "\"><type>TestTool</type><name>" + name + "</name></RGT_Plugin>";
 }
 
-// A node's tag with the tool's settings packed, as a host keeps them.
-std::string TagText(const std::string& name, const std::string& parent, int childIndex) {
-  const std::string blob = util::Base64::Encode(util::CompressedBlock::Pack(PluginText(name)));
+std::string Packed(const std::string& plugin) {
+  return "<RGT_Plugin compressed=\"1\">" + util::Base64::Encode(util::CompressedBlock::Pack(plugin)) + "</RGT_Plugin>";
+}
+
+// A node's tag with the tool's state (packed, as a host keeps it, unless given).
+std::string TagText(const std::string& name, const std::string& parent, int childIndex,
+                    const std::string& plugin = "") {
   return "<RGT_tag><name>" + name + "</name><objectname>Cam</objectname><masternode><parent>" + parent +
-         "</parent><childindex>" + std::to_string(childIndex) + "</childindex><RGT_Plugin compressed=\"1\">" + blob +
-         "</RGT_Plugin></masternode></RGT_tag>";
+         "</parent><childindex>" + std::to_string(childIndex) + "</childindex>" +
+         (plugin.empty() ? Packed(PluginText(name)) : plugin) + "</masternode></RGT_tag>";
 }
 
 TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
@@ -163,6 +172,74 @@ TEST_F(Standalone, GatherKeepsTagsWithoutALoaderAndHandsOnAnEmptyTreeWithoutTags
   adaptor.GatherScene();
   EXPECT_EQ(loaded, "<RGT/>");
   EXPECT_EQ(box, "");
+}
+
+// A tool that isn't made keeps its tags as they came, and a save puts them
+// back; what the tags say of it, and why it wasn't made when they can tell.
+TEST_F(Standalone, ToolsNotMadeKeepTheirTagsForTheNextSave) {
+  const std::string sound = TagText("Cam01", "", 0);
+  struct Case {
+    const char* what;
+    std::string tag;                // on the node "A"
+    std::vector<std::string> made;  // by the loader
+    std::string handedOn;           // to the loader
+    std::string kept;               // "name|type|node|reason", empty when nothing is kept
+  };
+  const Case cases[] = {
+      {"made", sound, {"Cam01"}, "<RGT>" + PluginText("Cam01") + "</RGT>", ""},
+      {"refused by the core", sound, {}, "<RGT>" + PluginText("Cam01") + "</RGT>", "Cam01|TestTool|A|"},
+      {"cut tag", sound.substr(0, sound.size() / 2), {}, "<RGT/>", "Cam01||A|its tag is damaged"},
+      {"damaged state", TagText("Cam01", "", 0, "<RGT_Plugin compressed=\"1\">AQIDBAUGBwg=</RGT_Plugin>"), {},
+       "<RGT/>", "Cam01||A|its saved data is damaged"},
+      {"state not XML", TagText("Cam01", "", 0, Packed("<RGT_Plugin><name>Cam01")), {}, "<RGT/>",
+       "Cam01||A|its saved data is damaged"},
+      {"newer version", TagText("Cam01", "", 0, Packed(PluginText("Cam01", "2.10"))), {}, "<RGT/>",
+       "Cam01|TestTool|A|it was saved by a newer version (2.10)"},
+      {"older version", TagText("Cam01", "", 0, Packed(PluginText("Cam01", "2.4"))), {"Cam01"},
+       "<RGT>" + PluginText("Cam01", "2.4") + "</RGT>", ""},
+      {"parent not there", TagText("Cam01", "Gone", 0), {}, "<RGT>" + PluginText("Cam01") + "</RGT>",
+       "Cam01|TestTool|A|its parent Gone is not loaded"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    StandaloneAdaptorInterface host;
+    SceneNode* node = host.GetScene().CreateNode(ObjectKind::kEmpty, "A");
+    node->properties["RGT_tag"] = c.tag;
+    std::string handedOn;
+    TestInstance tool("Cam01");
+    host.SetSceneLoader([&](const util::xml::Element& tree) {
+      handedOn = tree.Write("", "");
+      // A tool made claims its node; the host owns the wrapper.
+      if (!c.made.empty()) new StandaloneNode(&host, &tool, "Cam", node, 0);
+      return c.made;
+    });
+    host.GatherScene();
+    EXPECT_EQ(handedOn, c.handedOn);
+    EXPECT_EQ(node->properties["RGT_tag"], "");
+    std::string kept;
+    for (const auto& tool : host.KeptTools()) kept += tool.name + "|" + tool.type + "|" + tool.node + "|" + tool.reason;
+    EXPECT_EQ(kept, c.kept);
+    host.WriteSceneTag(util::xml::Element());
+    EXPECT_EQ(node->properties["RGT_tag"], c.kept.empty() ? "" : c.tag);
+    EXPECT_EQ(host.GetScene().Root().properties.count("RGT_tag"), 0u);
+  }
+}
+
+// Tools without nodes that weren't made go back on the root, still packed,
+// after those written now.
+TEST_F(Standalone, ToolsOfTheRootNotMadeGoBackThere) {
+  const std::string refused = Packed(PluginText("Gone01"));
+  scene.Root().properties["RGT_tag"] = "<RGT>" + refused + PluginText("Here01") + "</RGT>";
+  made = {"Here01"};
+  CatchGather();
+  adaptor.GatherScene();
+  ASSERT_EQ(adaptor.KeptTools().size(), 1u);
+  EXPECT_EQ(adaptor.KeptTools()[0].name, "Gone01");
+  EXPECT_EQ(adaptor.KeptTools()[0].node, "");
+  util::xml::Element now;
+  now.ParseText("<RGT>" + PluginText("Here01") + "</RGT>");
+  adaptor.WriteSceneTag(now);
+  EXPECT_EQ(scene.Root().properties["RGT_tag"], "<RGT>" + PluginText("Here01") + refused + "</RGT>");
 }
 
 TEST_F(Standalone, RecordingPinsAKeyOnEveryLiveNodeOfTheInstances) {
