@@ -2,7 +2,9 @@
 
 #include <tiny_gltf.h>
 
-#include "util/atomicfile.h"
+#include <memory>
+
+#include "adaptor/standalone/gltfsplice.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -68,70 +70,15 @@ LongTexts TakeLongExtras(tinygltf::Model& model) {
   return taken;
 }
 
-namespace {
-
-// What a long text leaves in a text file's extras while the JSON is made: a
-// control character no exporter writes, then the text's number.
-std::string Mark(std::size_t n) { return "\x1f" "rgw-text-" + std::to_string(n); }
-
-// The text as a JSON string, escaped as the JSON writer escapes it, in
-// pieces: a tool's state is never copied whole.
-bool WriteJsonString(util::AtomicFile& file, const std::string& text) {
-  std::string piece = "\"";
-  piece.reserve(64 * 1024 + 8);
-  for (const char c : text) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (c == '"' || c == '\\') {
-      piece += '\\';
-      piece += c;
-    } else if (byte < 0x20) {
-      static const char kHex[] = "0123456789abcdef";
-      piece += "\\u00";
-      piece += kHex[byte >> 4];
-      piece += kHex[byte & 15];
-    } else {
-      piece += c;
-    }
-    if (piece.size() >= 64 * 1024) {
-      if (!file.Write(piece)) return false;
-      piece.clear();
-    }
-  }
-  piece += '"';
-  return file.Write(piece);
-}
-
-}  // namespace
-
-LongTexts TakeLongExtrasAsMarks(tinygltf::Model& model) {
-  LongTexts taken;
-  taken.marked = true;
+void MarkLongExtras(tinygltf::Model& model, JsonSplicer& splicer) {
   for (tinygltf::Node& node : model.nodes) {
     if (!node.extras.IsObject()) continue;
     for (auto& [key, value] : node.extras.Get<tinygltf::Value::Object>()) {
       if (!IsLong(value)) continue;
-      taken.texts.push_back(std::move(value.Get<std::string>()));
-      value = tinygltf::Value(Mark(taken.texts.size() - 1));
+      auto text = std::make_shared<std::string>(std::move(value.Get<std::string>()));
+      value = tinygltf::Value(splicer.Add([text](util::AtomicFile& file) { return WriteJsonString(file, *text); }));
     }
   }
-  return taken;
-}
-
-bool WriteJsonWithTexts(util::AtomicFile& file, std::string_view json, const LongTexts& texts) {
-  std::size_t from = 0;
-  for (std::size_t i = 0; texts.marked && i < texts.texts.size(); ++i) {
-    // The writer escapes the mark's control character in one case or the other.
-    std::string mark = "\"\\u001f" + Mark(i).substr(1) + "\"";
-    std::size_t at = json.find(mark, from);
-    if (at == std::string_view::npos) {
-      mark[6] = 'F';
-      at = json.find(mark, from);
-    }
-    if (at == std::string_view::npos) return false;
-    if (!file.Write(json.substr(from, at - from)) || !WriteJsonString(file, texts.texts[i])) return false;
-    from = at + mark.size();
-  }
-  return file.Write(json.substr(from));
 }
 
 void ForgetLongExtras(tinygltf::Model& model) {

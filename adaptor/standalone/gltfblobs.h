@@ -11,18 +11,16 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tinygltf {
 class Model;
 }  // namespace tinygltf
 
-namespace vuk::util {
-class AtomicFile;
-}  // namespace vuk::util
 
 namespace vuk::rgw::adaptor::standalone {
+
+class JsonSplicer;
 
 constexpr std::size_t kBlobThreshold = 64 * 1024;
 
@@ -31,8 +29,6 @@ constexpr std::size_t kBlobThreshold = 64 * 1024;
 // each at a four-byte boundary: they are never copied into the buffer.
 struct LongTexts {
   std::vector<std::string> texts;
-  // Left as marks in the JSON rather than in a buffer.
-  bool marked = false;
   // The first buffer's length with them after its own bytes.
   std::size_t Length(std::size_t ownBytes) const;
 };
@@ -42,12 +38,9 @@ struct LongTexts {
 LongTexts TakeLongExtras(tinygltf::Model& model);
 
 // For a text file whose data is Base64: moves the long string extras out of
-// the model, leaving marks that WriteJsonWithTexts replaces with them as
-// JSON strings, so that the model's JSON never holds them.
-LongTexts TakeLongExtrasAsMarks(tinygltf::Model& model);
-// Writes the JSON, with each mark replaced by its text when the texts are
-// marked. False when the file can't be written or a mark is missing.
-bool WriteJsonWithTexts(util::AtomicFile& file, std::string_view json, const LongTexts& texts);
+// the model into the splicer, leaving its marks, so that the JSON writer
+// never copies them.
+void MarkLongExtras(tinygltf::Model& model, JsonSplicer& splicer);
 
 // Drops the blob references an earlier save left: their texts are the
 // scene's properties now, written again by the next save. Pruning then

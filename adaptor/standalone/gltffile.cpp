@@ -17,6 +17,7 @@
 #include "adaptor/standalone/gltfjson.h"
 #include "adaptor/standalone/gltfprune.h"
 #include "adaptor/standalone/gltfsource.h"
+#include "adaptor/standalone/gltfsplice.h"
 #include "adaptor/standalone/gltfuris.h"
 #include "adaptor/standalone/scenetags.h"
 #include "util/atomicfile.h"
@@ -413,9 +414,12 @@ std::vector<BufferPlace> BufferPlaces(const tinygltf::Model& model, bool binary)
 // lengths and names. Put back when the file is written.
 class BuffersBeside {
  public:
-  BuffersBeside(tinygltf::Model& model, const std::vector<BufferPlace>& places) : model_(model), held_(places.size()) {
+  // A text file's Base64 buffers are held out too, and written as data URIs
+  // in pieces; a binary file's are left to the JSON writer.
+  BuffersBeside(tinygltf::Model& model, const std::vector<BufferPlace>& places, bool binary)
+      : model_(model), held_(places.size()) {
     for (std::size_t i = 0; i < places.size(); ++i) {
-      if (places[i] == BufferPlace::kEmbedded) continue;
+      if (places[i] == BufferPlace::kEmbedded && binary) continue;
       held_[i] = std::move(model.buffers[i].data);
       model.buffers[i].data.clear();
     }
@@ -436,15 +440,19 @@ class BuffersBeside {
 };
 
 // The JSON of the model with the lengths and names of the buffers beside it.
+// A text file's Base64 buffers are marks of the splicer.
 std::string PatchedJson(const std::string& text, const tinygltf::Model& model, const std::vector<BufferPlace>& places,
-                        const std::vector<std::size_t>& lengths, bool binary) {
+                        const BuffersBeside& beside, std::size_t firstLength, bool binary, JsonSplicer& splicer) {
   nlohmann::json json = nlohmann::json::parse(text);
   for (std::size_t i = 0; i < places.size(); ++i) {
-    if (places[i] == BufferPlace::kEmbedded) continue;
+    if (places[i] == BufferPlace::kEmbedded && binary) continue;
     nlohmann::json& buffer = json["buffers"][i];
-    buffer["byteLength"] = lengths[i];
+    const std::vector<unsigned char>& bytes = beside.Bytes(i);
+    buffer["byteLength"] = i == 0 ? firstLength : bytes.size();
     if (places[i] == BufferPlace::kOwnFile) {
       buffer["uri"] = model.buffers[i].uri;
+    } else if (places[i] == BufferPlace::kEmbedded) {
+      buffer["uri"] = splicer.Add([&bytes](util::AtomicFile& file) { return WriteBase64DataUri(file, bytes); });
     } else {
       buffer.erase("uri");
     }
@@ -586,10 +594,14 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
   // when it is written as bytes.
   const bool binary = HasBinaryExtension(path);
   const std::vector<BufferPlace> places = BufferPlaces(model, binary);
-  const bool beside = binary || (!places.empty() && places.front() != BufferPlace::kEmbedded);
-  longTexts_ = beside ? TakeLongExtras(model) : TakeLongExtrasAsMarks(model);
+  if (binary || (!places.empty() && places.front() != BufferPlace::kEmbedded)) {
+    longTexts_ = TakeLongExtras(model);
+  } else {
+    MarkLongExtras(model, splicer_);
+  }
   const bool written = Write(path, error);
   longTexts_ = {};
+  splicer_.Clear();
   return written;
 }
 
@@ -620,7 +632,7 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     ++separated;
   }
 
-  const BuffersBeside beside(model, places);
+  const BuffersBeside beside(model, places, binary);
   tinygltf::TinyGLTF writer;
   writer.SetImageWriter(LeaveImage, nullptr);
   std::string text;
@@ -629,10 +641,11 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
     text = std::move(stream).str();
   }
-  std::vector<std::size_t> lengths(places.size());
-  for (std::size_t i = 0; i < places.size(); ++i) lengths[i] = i == 0 ? longTexts_.Length(beside.Bytes(0).size()) : beside.Bytes(i).size();
-  const bool patched = std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
-  if (patched) text = PatchedJson(text, model, places, lengths, binary);
+  const bool patched =
+      !binary || std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
+  if (patched && !places.empty()) {
+    text = PatchedJson(text, model, places, beside, longTexts_.Length(beside.Bytes(0).size()), binary, splicer_);
+  }
   // Buffer files first and the main file last, all written before any is
   // committed: a full disk leaves every old file, and a reader never finds a
   // main file naming a missing or half-written buffer.
@@ -650,7 +663,7 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!WriteBinaryContainer(main, text, bin, longTexts_)) {
       return Failed(error, main.Error().empty() ? path + ": the data is too large for a binary glTF file (4 GB)" : main.Error());
     }
-  } else if (!WriteJsonWithTexts(main, text, longTexts_)) {
+  } else if (!splicer_.Write(main, text)) {
     return Failed(error, main.Error().empty() ? path + ": the file can't be written" : main.Error());
   }
   for (util::AtomicFile& file : files) {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "adaptor/standalone/gltfblobs.h"
+#include "adaptor/standalone/gltfsplice.h"
 #include "adaptor/standalone/scene.h"
 
 namespace tinygltf {
@@ -53,8 +54,10 @@ class GltfFile {
   std::map<SceneNode::Handle, int> nodeOf_;
   // Where the model's relative URIs are read from.
   std::filesystem::path folder_;
-  // The long texts of the save being written, which follow the first buffer's bytes.
+  // The long texts of the save being written, which follow the first
+  // buffer's bytes, or the pieces a text file's JSON is written with.
   LongTexts longTexts_;
+  JsonSplicer splicer_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone
