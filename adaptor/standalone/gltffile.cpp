@@ -8,6 +8,7 @@
 #include <cstring>
 #include <deque>
 #include <string_view>
+#include <limits>
 #include <set>
 #include <sstream>
 
@@ -295,7 +296,13 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   if (bytes.empty()) return fail("the file is empty");
   const bool binary = IsBinary(bytes);
   JsonFacts facts;
-  if (!ScanJson(JsonText(bytes, binary), facts, problem)) return fail(problem);
+  // A text file's long node texts are cut out before the parser sees them.
+  const std::size_t longText = binary ? std::numeric_limits<std::size_t>::max() : kBlobThreshold;
+  if (!ScanJson(JsonText(bytes, binary), facts, problem, longText)) return fail(problem);
+  if (!facts.longNodeTexts.empty()) {
+    const std::string cut = WithoutLongNodeTexts(JsonText(bytes, binary), facts.longNodeTexts);
+    bytes.assign(cut.begin(), cut.end());
+  }
   SceneFolder folder(std::filesystem::absolute(path).parent_path());
   for (std::size_t b = 0; b < facts.bufferUris.size(); ++b) {
     const std::string& uri = facts.bufferUris[b];
@@ -320,6 +327,10 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     err = thrown.what();
   }
   if (!read) return fail(err.empty() ? "not a glTF file" : Shortened(err));
+  for (LongNodeText& long_ : facts.longNodeTexts) {
+    if (long_.node >= model->nodes.size() || !model->nodes[long_.node].extras.IsObject()) continue;
+    model->nodes[long_.node].extras.Get<tinygltf::Value::Object>()[long_.key] = tinygltf::Value(std::move(long_.text));
+  }
 
   // Everything is read and checked before the scene changes.
   int sceneIndex = 0;

@@ -49,18 +49,21 @@ constexpr std::size_t kKeyShown = 40;
 
 class Scanner {
  public:
-  Scanner(std::string_view text, JsonFacts& facts, std::string& problem)
-      : text_(text), facts_(facts), problem_(problem) {}
+  Scanner(std::string_view text, JsonFacts& facts, std::string& problem, std::size_t longText)
+      : text_(text), facts_(facts), problem_(problem), longText_(longText) {}
 
   bool Run() {
     while (at_ < text_.size()) {
       const char c = text_[at_];
       if (c == '"') {
+        const std::size_t begin = at_;
         std::string string = String();
         if (InKey()) {
           levels_.back().key = std::move(string);
         } else if (!Value(Kind::kString, string)) {
           return false;
+        } else if (string.size() > longText_ && InNodeExtras()) {
+          facts_.longNodeTexts.push_back({levels_[1].index, levels_[3].key, std::move(string), begin, at_});
         }
       } else if (c == '{' || c == '[') {
         if (!Value(c == '{' ? Kind::kObject : Kind::kArray)) return false;
@@ -96,6 +99,11 @@ class Scanner {
   }
 
   bool InKey() const { return !levels_.empty() && levels_.back().object && levels_.back().expectKey; }
+  // At a member of a node's extras: nodes[i].extras.key.
+  bool InNodeExtras() const {
+    return levels_.size() == 4 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].key == "extras" &&
+           levels_[3].object;
+  }
 
   bool Punctuation(char c) {
     if (levels_.empty()) return true;
@@ -151,7 +159,7 @@ class Scanner {
     if (depth < 3 || !levels_[0].object || levels_[1].object || !levels_[2].object) return true;
     if (depth == 3 && kind == Kind::kString && levels_[0].key == "buffers" && levels_[2].key == "uri") {
       if (facts_.bufferUris.size() <= levels_[1].index) facts_.bufferUris.resize(levels_[1].index + 1);
-      facts_.bufferUris[levels_[1].index] = string;
+      facts_.bufferUris[levels_[1].index] = string.compare(0, 5, "data:") == 0 ? "data:" : string;
     }
     const MemberRule* rule = RuleFor(levels_[0].key, levels_[2].key);
     if (!rule) return true;
@@ -178,9 +186,15 @@ class Scanner {
   std::string String() {
     std::string text;
     for (++at_; at_ < text_.size(); ++at_) {
+      // Runs without escapes go whole: a tool's state is megabytes of them.
+      std::size_t special = at_;
+      while (special < text_.size() && text_[special] != '"' && text_[special] != '\\') ++special;
+      text.append(text_.substr(at_, special - at_));
+      at_ = special;
+      if (at_ >= text_.size()) break;
       const char c = text_[at_];
       if (c == '"') break;
-      if (c != '\\' || at_ + 1 >= text_.size()) {
+      if (at_ + 1 >= text_.size()) {
         text += c;
         continue;
       }
@@ -213,14 +227,27 @@ class Scanner {
   std::string_view text_;
   JsonFacts& facts_;
   std::string& problem_;
+  std::size_t longText_;
   std::size_t at_ = 0;
   std::vector<Level> levels_;
 };
 
 }  // namespace
 
-bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem) {
-  return Scanner(text, facts, problem).Run();
+bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem, std::size_t longText) {
+  return Scanner(text, facts, problem, longText).Run();
+}
+
+std::string WithoutLongNodeTexts(std::string_view text, const std::vector<LongNodeText>& cut) {
+  std::string kept;
+  std::size_t from = 0;
+  for (const LongNodeText& long_ : cut) {
+    kept.append(text.substr(from, long_.begin - from));
+    kept += "\"\"";
+    from = long_.end;
+  }
+  kept.append(text.substr(from));
+  return kept;
 }
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -16,14 +16,31 @@ namespace vuk::rgw::adaptor::standalone {
 // kilobytes of stack.
 constexpr std::size_t kMaxJsonDepth = 64;
 
+// A long string member of a node's extras (a tool's saved state), decoded,
+// and where its JSON string stands in the text.
+struct LongNodeText {
+  std::size_t node = 0;
+  std::string key, text;
+  std::size_t begin = 0, end = 0;  // the quotes included
+};
+
 struct JsonFacts {
-  // The "uri" of each buffer, empty where a buffer has none.
+  // The "uri" of each buffer, empty where a buffer has none; of a data URI
+  // only its scheme, "data:".
   std::vector<std::string> bufferUris;
+  // Strings of node extras longer than the threshold, in the order of the text.
+  std::vector<LongNodeText> longNodeTexts;
 };
 
 // False, with the problem, for nesting deeper than kMaxJsonDepth, numbers
 // no double holds, and node or scene members of a type glTF doesn't allow.
 // Text that is not JSON at all is left to the parser to refuse.
-bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem);
+// Long node texts are those above `longText` bytes.
+bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem, std::size_t longText);
+
+// The text with each long node text cut out, an empty string in its place,
+// for the texts to be put back into the parsed nodes: the parser then never
+// holds a tool's saved state.
+std::string WithoutLongNodeTexts(std::string_view text, const std::vector<LongNodeText>& cut);
 
 }  // namespace vuk::rgw::adaptor::standalone
