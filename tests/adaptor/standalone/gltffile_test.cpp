@@ -57,6 +57,25 @@ TEST(GltfFile, RoundTripKeepsTheSceneAndSavingAgainTheBytes) {
   }
 }
 
+// A text file's data is written as Base64 in pieces: a mesh larger than
+// one piece, of a length no piece divides, comes back whole.
+TEST(GltfFile, DataOfManyPiecesComesBackWhole) {
+  Scene scene;
+  SceneNode* node = scene.CreateNode(ObjectKind::kMesh, "Strip");
+  util::CMesh strip;
+  for (int i = 0; i < 20001; ++i) strip.vertices.push_back({i * 0.25, (i % 7) * 0.5, -i * 0.125});
+  for (std::int32_t i = 0; i + 2 < 20001; i += 3) strip.faces.insert(strip.faces.end(), {i, i + 1, i + 2});
+  node->SetMesh(strip);
+  std::string error;
+  ASSERT_TRUE(GltfFile().Save(Temp("pieces.gltf"), scene, &error)) << error;
+  Scene loaded;
+  ASSERT_TRUE(GltfFile().Load(Temp("pieces.gltf"), loaded, &error)) << error;
+  const util::CMesh& back = loaded.Root().children.at(0)->mesh;
+  EXPECT_EQ(back.faces, strip.faces);
+  ASSERT_EQ(back.vertices.size(), strip.vertices.size());
+  for (std::size_t i = 0; i < back.vertices.size(); ++i) ASSERT_EQ(back.vertices[i], strip.vertices[i]) << i;
+}
+
 TEST(GltfFile, WhatTheHostDoesNotKnowComesBackUnchanged) {
   const std::string source = Temp("foreign.gltf");
   std::ofstream(source) << R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_materials_unlit"],
