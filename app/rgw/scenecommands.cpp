@@ -11,6 +11,7 @@
 #include "app/rgw/session.h"
 #include "app/rgw/wording.h"
 #include "core/prmfile.h"
+#include "core/resimulator.h"
 #include "core/takefile.h"
 #include "scenes/samplescene.h"
 #include "util/xml/element.h"
@@ -369,6 +370,9 @@ int RunCommand(const Arguments& args) {
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
   if (!options.Has("to")) to = session.DefaultEnd();
   if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
+  const std::string tooLong =
+      rgw::core::Resimulator::RangeProblem(from, to, rgw::core::TimeBase(session.host.GetFrameRate()));
+  if (!tooLong.empty()) return Fail(tooLong);
   session.Resimulate(from, to);
   char range[64];
   std::snprintf(range, sizeof range, " simulated over %.3f s to %.3f s: ", from, to);
