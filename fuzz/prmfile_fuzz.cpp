@@ -1,7 +1,5 @@
 // Reads arbitrary bytes as a pre-rigged model file and makes its tools in an
 // empty scene; what was made saves as a model that reads back.
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -12,15 +10,12 @@
 #include "core/librarymanager.h"
 #include "core/messagebox.h"
 #include "core/prmfile.h"
+#include "fuzz/inputfile.h"
 #include "plugins/tools.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vuk::rgw;
-  const std::string path = "/tmp/rgw_fuzz_model_" + std::to_string(getpid()) + ".prm";
-  if (FILE* file = std::fopen(path.c_str(), "wb")) {
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
-  }
+  const std::string path = WriteInputFile("model.prm", data, size);
   vuk::util::xml::Element tree;
   std::string error;
   if (core::LoadPrmFile(path, tree, &error)) {

@@ -1,7 +1,5 @@
 // Reads arbitrary bytes as a take CSV file into a tool with one channel:
 // no crash, and a take that is taken holds its samples in rising time.
-#include <unistd.h>
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,15 +9,12 @@
 #include "core/instancemanager.h"
 #include "core/librarymanager.h"
 #include "core/takefile.h"
+#include "fuzz/inputfile.h"
 #include "plugins/tools.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vuk::rgw;
-  const std::string path = "/tmp/rgw_fuzz_take_" + std::to_string(getpid()) + ".csv";
-  if (FILE* file = std::fopen(path.c_str(), "wb")) {
-    std::fwrite(data, 1, size, file);
-    std::fclose(file);
-  }
+  const std::string path = WriteInputFile("take.csv", data, size);
   adaptor::standalone::StandaloneAdaptorInterface host;
   static const core::LibraryManager library(addon::BuiltInTools());
   core::InstanceManager tools(&host, &library);
