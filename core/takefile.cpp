@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <fstream>
+#include <numeric>
 #include <sstream>
 
 #include "core/resimulator.h"
@@ -93,7 +94,7 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
       if (!std::isfinite(values.back())) return fail(number, cell + "finite number");
     }
     const double time = values[values.size() - width];
-    if (!(time >= 0 && time <= Resimulator::kMaxSceneSeconds)) {
+    if (time < 0 || time > Resimulator::kMaxSceneSeconds) {
       return fail(number, "column \"time\": " + cells[0] + " s lies outside the scene's 0 s to " +
                               std::to_string(static_cast<int>(Resimulator::kMaxSceneSeconds)) + " s (a day)");
     }
@@ -101,7 +102,7 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
   // Into the tracks in time order, whatever the file's: each sample is then
   // appended. Of rows with one time, the last in the file stands.
   std::vector<std::size_t> order(values.size() / width);
-  for (std::size_t row = 0; row < order.size(); ++row) order[row] = row;
+  std::iota(order.begin(), order.end(), std::size_t{0});
   std::stable_sort(order.begin(), order.end(),
                    [&](std::size_t a, std::size_t b) { return values[a * width] < values[b * width]; });
   for (std::size_t c = 1; c < width; ++c) {
