@@ -187,7 +187,14 @@ util::xml::Element InstanceManager::SaveToolTreeForScene() const {
   return std::move(tree);
 }
 
-InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& element, InstanceReference* parent) {
+std::size_t InstanceManager::ToolDepth(const util::xml::Element& tree) {
+  constexpr char kTool[] = "RGT_Plugin";
+  const std::size_t levels = tree.Depth(kTool);
+  return tree.name == kTool ? levels : levels - 1;
+}
+
+InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& element, InstanceReference* parent,
+                                                    std::size_t depth) {
   Plugin* plugin = library_->FindTool(element.GetChild("type").GetText());
   if (!plugin) return nullptr;
   std::unique_ptr<Instance> instance = plugin->MakeInstance(element.GetChild("name").GetText(), adaptor_);
@@ -239,8 +246,8 @@ InstanceReference* InstanceManager::MakeFromElement(const util::xml::Element& el
   ResolveLinks(false);
   InstanceReference* made = item.release();
   (parent ? parent : &root_)->Link(made);
-  for (std::size_t i = 0, n = element.CountChildren("RGT_Plugin"); i < n; ++i) {
-    MakeFromElement(element.GetChild("RGT_Plugin", i), made);
+  for (std::size_t i = 0, n = depth < kMaxToolDepth ? element.CountChildren("RGT_Plugin") : 0; i < n; ++i) {
+    MakeFromElement(element.GetChild("RGT_Plugin", i), made, depth + 1);
   }
   return made;
 }
@@ -304,6 +311,12 @@ int InstanceManager::LoadToolTree(const util::xml::Element& given) {
   const bool bare = given.name != "RGT" && given.name != "rgw";
   if (bare) wrapper.AddChild(given);
   const util::xml::Element& tree = bare ? wrapper : given;
+  const std::size_t depth = ToolDepth(tree);
+  if (depth > kMaxToolDepth) {
+    ShowMessageBox("Tools are nested " + std::to_string(depth) + " levels deep here; those below level " +
+                       std::to_string(kMaxToolDepth) + " were not loaded.",
+                   "Error loading plugin", 32);
+  }
   adaptor_->BeginUndo("Creating instance");
   std::vector<InstanceReference*> made;
   for (std::size_t i = 0, n = tree.CountChildren("RGT_Plugin"); i < n; ++i) {

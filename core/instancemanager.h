@@ -15,7 +15,14 @@ namespace vuk::rgw::core {
 
 class InstanceManager : public InstanceList {
  public:
+  // Tools below tools are made, saved and walked recursively. Real rigs nest
+  // a handful of levels; 64 is far past any of them and far within the stack.
+  static constexpr std::size_t kMaxToolDepth = 64;
+
   InstanceManager(AdaptorInterface* adaptor, const LibraryManager* library);
+
+  // How many levels of tools an "RGT" list or a bare "RGT_Plugin" holds.
+  static std::size_t ToolDepth(const util::xml::Element& tree);
 
   InstanceReference& Root() { return root_; }
   // A new tool below the parent (the root when null); null when the tool
@@ -33,7 +40,8 @@ class InstanceManager : public InstanceList {
   // The whole tree with its recorded data.
   util::xml::Element SaveToolTree() const { return root_.Serialize(InstanceReference::kFullContent); }
   // Makes the tools an "RGT" (or a bare "RGT_Plugin") element describes, in
-  // one undo group; answers how many tools were made.
+  // one undo group; answers how many tools were made. Tools below the
+  // deepest level allowed are left out, with a box that says so.
   int LoadToolTree(const util::xml::Element& tree);
   // Puts every tool's tags on its nodes for a scene save.
   void WriteNodeTags();
@@ -62,7 +70,9 @@ class InstanceManager : public InstanceList {
     std::string parentName;
   };
 
-  InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent);
+  // `depth` is the level of the tool made, 1 at the top of what is loaded.
+  InstanceReference* MakeFromElement(const util::xml::Element& plugin, InstanceReference* parent,
+                                     std::size_t depth = 1);
   // Gives the tool's nodes their saved meshes and parents.
   void RestoreNodes(Instance& tool, const util::xml::Element& nodeInfo);
   // Links what waits for tools made in this load; at the end of the load

@@ -4,6 +4,7 @@
 #include <iterator>
 #include <string_view>
 
+#include "core/instancemanager.h"
 #include "util/atomicfile.h"
 #include "util/datachunk.h"
 
@@ -40,6 +41,10 @@ bool LoadPrmFile(const std::string& path, util::xml::Element& tree, std::string*
   if (result != util::xml::kParsed) return Fail(error, path + ": the tool's text can't be read (parse result " + std::to_string(result) + ")");
   if (parsed.name != "RGT" && parsed.name != "rgw" && parsed.name != "RGT_Plugin") {
     return Fail(error, path + ": \"" + parsed.name + "\" is not a tool tree");
+  }
+  if (const std::size_t depth = InstanceManager::ToolDepth(parsed); depth > InstanceManager::kMaxToolDepth) {
+    return Fail(error, path + ": tools are nested " + std::to_string(depth) + " levels deep; a model holds at most " +
+                           std::to_string(InstanceManager::kMaxToolDepth));
   }
   tree = std::move(parsed);
   return true;

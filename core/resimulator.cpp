@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <iomanip>
+#include <sstream>
 
 namespace vuk::rgw::core {
 
@@ -15,6 +18,15 @@ std::int64_t SteadyMs() {
       .count();
 }
 
+// As the user reads them: "1e+18", "0.5", "414720000".
+std::string Number(double value) {
+  std::ostringstream text;
+  text << std::setprecision(15) << value;
+  return text.str();
+}
+
+std::string Seconds(double value) { return Number(value) + " s"; }
+
 }  // namespace
 
 std::vector<InstanceHandle> HandlesOf(const std::vector<Instance*>& instances) {
@@ -25,7 +37,22 @@ std::vector<InstanceHandle> HandlesOf(const std::vector<Instance*>& instances) {
 
 Resimulator::Resimulator(AdaptorInterface* adaptor) : clock(SteadyMs), adaptor_(adaptor) {}
 
-void Resimulator::Start(std::vector<Instance*> instances, double from, double to, TimeBase base) {
+std::string Resimulator::RangeProblem(double from, double to, const TimeBase& base) {
+  if (!(from >= 0 && to <= kMaxSceneSeconds)) {
+    return "a run lies within 0 s and " + Seconds(kMaxSceneSeconds) + " of scene time (a day), not " + Seconds(from) +
+           " to " + Seconds(to);
+  }
+  const double frames = (to - from) * base.FramesPerSecond();
+  if (frames > static_cast<double>(kMaxFrames)) {
+    return Seconds(from) + " to " + Seconds(to) + " at " + Number(base.FramesPerSecond()) + " fps is " +
+           Number(std::floor(frames)) + " frames; a run steps at most " + std::to_string(kMaxFrames);
+  }
+  return {};
+}
+
+bool Resimulator::Start(std::vector<Instance*> instances, double from, double to, TimeBase base) {
+  started_ = RangeProblem(from, to, base).empty();
+  if (!started_) return false;
   instances_ = std::move(instances);
   from_ = from;
   to_ = to;
@@ -37,9 +64,10 @@ void Resimulator::Start(std::vector<Instance*> instances, double from, double to
   // tool finds the state it kept at that frame.
   const double start = base_.TimeAfter(from_, 0);
   for (Instance* instance : instances_) instance->Start(start, Instance::Run::kResimulating);
+  return true;
 }
 
-bool Resimulator::FramesLeft() const { return NextFrameTime() < to_ + kEndTolerance; }
+bool Resimulator::FramesLeft() const { return started_ && NextFrameTime() < to_ + kEndTolerance; }
 
 float Resimulator::Progress() const {
   if (!FramesLeft()) return 1.0f;
@@ -66,6 +94,8 @@ void Resimulator::RunToEnd() {
 }
 
 void Resimulator::Finish() {
+  if (!started_) return;
+  started_ = false;
   for (Instance* instance : instances_) instance->Stop(to_);
   adaptor_->EndRecording();
   adaptor_->SetTime(from_);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
 #include <vector>
 
 #include "core/adaptorinterface.h"
@@ -20,12 +21,23 @@ class Resimulator {
  public:
   // A slice short enough for the GUI to stay alive.
   static constexpr std::int64_t kSliceMs = 500;
+  // A run lies within a day of scene time, far past any shot; frame numbers
+  // up to it stay within 32 bits at any frame rate a scene takes.
+  static constexpr double kMaxSceneSeconds = 86400;
+  // Every frame keeps keys on the nodes and state in the tools, so a run
+  // steps at most a day's frames at 30 fps: a few gigabytes for a large rig.
+  static constexpr std::int64_t kMaxFrames = 2592000;
+
+  // Empty when a run over the range can be made; else why not, with the range
+  // allowed.
+  static std::string RangeProblem(double from, double to, const TimeBase& base);
 
   explicit Resimulator(AdaptorInterface* adaptor);
 
   // Starts the instances on their recorded inputs. The frame at `from` holds
   // the start state and is not stepped; the frames after it are, up to `to`.
-  void Start(std::vector<Instance*> instances, double from, double to, TimeBase base);
+  // A range with a RangeProblem starts nothing, and false is the answer.
+  bool Start(std::vector<Instance*> instances, double from, double to, TimeBase base);
   // Steps frames until all are done or the clock is more than `budgetMs` past
   // the call; true when all are done.
   bool RunFor(std::int64_t budgetMs);
@@ -54,6 +66,7 @@ class Resimulator {
   TimeBase base_{1.0};
   // The next frame to step, counted from the start.
   std::int64_t next_ = 1;
+  bool started_ = false;
 };
 
 }  // namespace vuk::rgw::core

@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <fstream>
+#include <numeric>
 #include <sstream>
+
+#include "core/resimulator.h"
 
 namespace vuk::rgw::core {
 
@@ -73,26 +77,41 @@ bool ImportTakeCsv(const std::string& path, Instance& instance, std::string* err
       return fail(1, "the tool has no channel \"" + header[c] + "\"; its channels are " + ChannelNames(instance));
     }
   }
-  // Everything is read before the tracks change.
-  std::vector<std::vector<double>> rows;
+  // Everything is read before the tracks change: row after row, each as wide
+  // as the header.
+  const std::size_t width = header.size();
+  std::vector<double> values;
   for (int number = 2; std::getline(csv, line); ++number) {
     if (Trimmed(line).empty()) continue;
-    std::vector<double> values;
-    for (const std::string& cell : Cells(line, dialect)) {
+    const std::vector<std::string> cells = Cells(line, dialect);
+    if (cells.size() != width) {
+      return fail(number, std::to_string(cells.size()) + " values where the header has " + std::to_string(width));
+    }
+    for (std::size_t c = 0; c < width; ++c) {
+      const std::string cell = "column \"" + header[c] + "\": \"" + cells[c] + "\" is not a ";
       values.emplace_back();
-      if (!Number(cell, dialect, values.back())) return fail(number, "\"" + cell + "\" is not a number");
+      if (!Number(cells[c], dialect, values.back())) return fail(number, cell + "number");
+      if (!std::isfinite(values.back())) return fail(number, cell + "finite number");
     }
-    if (values.size() != header.size()) {
-      return fail(number, std::to_string(values.size()) + " values where the header has " + std::to_string(header.size()));
+    const double time = values[values.size() - width];
+    if (time < 0 || time > Resimulator::kMaxSceneSeconds) {
+      return fail(number, "column \"time\": " + cells[0] + " s lies outside the scene's 0 s to " +
+                              std::to_string(static_cast<int>(Resimulator::kMaxSceneSeconds)) + " s (a day)");
     }
-    rows.push_back(std::move(values));
   }
   if (mode == TakeImport::kReplace) {
     for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) instance.TrackOf(instance.Inputs().Get(i)->name)->records.clear();
   }
-  for (std::size_t c = 1; c < header.size(); ++c) {
+  // Into the tracks in time order, whatever the file's: each sample is then
+  // appended. Of rows with one time, the last in the file stands.
+  std::vector<std::size_t> order(values.size() / width);
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(),
+                   [&](std::size_t a, std::size_t b) { return values[a * width] < values[b * width]; });
+  for (std::size_t c = 1; c < width; ++c) {
     util::AVar_Linear<double>& track = *instance.TrackOf(header[c]);
-    for (const std::vector<double>& row : rows) track.Set(row[0], row[c]);
+    track.records.reserve(track.records.size() + order.size());
+    for (const std::size_t row : order) track.Set(values[row * width], values[row * width + c]);
   }
   return true;
 }

@@ -53,30 +53,49 @@ void Replace(std::string& text, const Placeholders& texts) {
   }
 }
 
+std::unique_ptr<Component> Build(const util::xml::Element& element) {
+  std::unique_ptr<Component> component(Factories().Create(element));
+  if (!component) return nullptr;
+  for (const auto& child : element.children) {
+    if (child->kind != util::xml::Element::kTag) continue;
+    if (Factories().Find(*child)) {
+      component->Adopt(Build(*child).release());
+    } else {
+      component->Consume(*child);
+    }
+  }
+  return component;
+}
+
 }  // namespace
 
 void FillPlaceholders(util::xml::Element& element, const Placeholders& texts) {
-  // A text element keeps its text in its name.
-  if (element.kind == util::xml::Element::kText) Replace(element.name, texts);
-  for (auto& attribute : element.attributes) Replace(attribute.second, texts);
-  for (auto& child : element.children) FillPlaceholders(*child, texts);
+  // Without recursion: a layout is filled before its depth is weighed.
+  std::vector<util::xml::Element*> pending{&element};
+  while (!pending.empty()) {
+    util::xml::Element& at = *pending.back();
+    pending.pop_back();
+    // A text element keeps its text in its name.
+    if (at.kind == util::xml::Element::kText) Replace(at.name, texts);
+    for (auto& attribute : at.attributes) Replace(attribute.second, texts);
+    for (auto& child : at.children) pending.push_back(child.get());
+  }
 }
 
 std::string DataRoot() { return DataRootSlot(); }
 
 void SetDataRoot(const std::string& root) { DataRootSlot() = root; }
 
-std::unique_ptr<Component> BuildComponent(const util::xml::Element& element) {
-  std::unique_ptr<Component> component(Factories().Create(element));
-  if (!component) return nullptr;
-  for (const auto& child : element.children) {
-    if (child->kind != util::xml::Element::kTag) continue;
-    if (Factories().Find(*child)) {
-      component->Adopt(BuildComponent(*child).release());
-    } else {
-      component->Consume(*child);
+std::unique_ptr<Component> BuildComponent(const util::xml::Element& element, std::string* error) {
+  if (const std::size_t depth = element.Depth(); depth > kMaxLayoutDepth) {
+    if (error) {
+      *error = "elements are nested " + std::to_string(depth) + " levels deep; a layout holds at most " +
+               std::to_string(kMaxLayoutDepth);
     }
+    return nullptr;
   }
+  std::unique_ptr<Component> component = Build(element);
+  if (!component && error) *error = "\"" + element.name + "\" is not a component";
   return component;
 }
 
@@ -88,9 +107,10 @@ std::unique_ptr<Component> LoadLayout(const std::string& path, std::string* erro
     return nullptr;
   }
   FillPlaceholders(element, texts);
-  std::unique_ptr<Component> root = BuildComponent(element);
+  std::string problem;
+  std::unique_ptr<Component> root = BuildComponent(element, &problem);
   if (!root) {
-    if (error) *error = path + ": \"" + element.name + "\" is not a component";
+    if (error) *error = path + ": " + problem;
     return nullptr;
   }
   root->SetAlias("[coreimages]", DataRoot() + "/core/images");

@@ -20,8 +20,13 @@ using Placeholders = std::vector<std::pair<std::string, std::string>>;
 // and all below it, before the window is built from it.
 void FillPlaceholders(util::xml::Element& element, const Placeholders& texts);
 
-// The tree for an element, or null when its tag has no factory.
-std::unique_ptr<Component> BuildComponent(const util::xml::Element& element);
+// Components are built, realised and taken down recursively. Shipped
+// windows nest a few levels; 64 is far past them and far within the stack.
+constexpr std::size_t kMaxLayoutDepth = 64;
+
+// The tree for an element; null, with the reason in `error`, when its tag
+// has no factory or its elements nest deeper than kMaxLayoutDepth.
+std::unique_ptr<Component> BuildComponent(const util::xml::Element& element, std::string* error = nullptr);
 
 // Parses a layout file (a path beginning with ":" is a resource), fills its
 // placeholders and builds it, with "[coreimages]" registered on the root.

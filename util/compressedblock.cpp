@@ -58,11 +58,25 @@ class CodeTree {
   std::int32_t Root() const { return root_; }
   // Leaves come first, in table order.
   std::int32_t Leaf(std::size_t tableIndex) const { return static_cast<std::int32_t>(tableIndex); }
+  // The bits of a table entry's code: the depth of its leaf.
+  std::uint32_t CodeLength(std::size_t tableIndex) const {
+    std::uint32_t length = 0;
+    for (std::int32_t node = Leaf(tableIndex); nodes_[node].parent != kNone; node = nodes_[node].parent) ++length;
+    return length;
+  }
 
  private:
   std::vector<Node> nodes_;
   std::int32_t root_ = kNone;
 };
+
+// The exact length of the stream that codes every symbol as often as the
+// table counts it.
+std::uint64_t StreamBits(const std::vector<SymbolCount>& table, const CodeTree& tree) {
+  std::uint64_t bits = 0;
+  for (std::size_t t = 0; t < table.size(); ++t) bits += std::uint64_t{table[t].count} * tree.CodeLength(t);
+  return bits;
+}
 
 // A code as the bits go out: bit k of `bits` is the k-th bit written.
 struct Code {
@@ -261,9 +275,7 @@ Bytes CompressedBlock::Pack(const std::uint8_t* data, std::size_t size) {
   }
 
   // The stream's exact length is known from the counts: one allocation.
-  std::uint64_t streamBits = 0;
-  for (const SymbolCount& entry : table) streamBits += std::uint64_t{entry.count} * codes[entry.symbol].length;
-  out.reserve(out.size() + static_cast<std::size_t>((streamBits + 7) / 8));
+  out.reserve(out.size() + static_cast<std::size_t>((StreamBits(table, tree) + 7) / 8));
   BitWriter bits(out);
   for (std::size_t i = 0; i < size; ++i) bits.Put(codes[data[i]]);
   bits.Flush();
@@ -299,11 +311,16 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
                         std::to_string(maxUnpackedSize));
     return Unpacked::kDamaged;
   }
-  if (unpackedSize == 0) return Unpacked::kUnpacked;
-  if (symbolCount == 0) {
-    SetError(error, "compressed block: " + std::to_string(unpackedSize) + " bytes claimed but no symbol listed");
+  // The coder counts every byte it codes, so the counts add up to the size:
+  // a claim that they don't back is refused before anything is allocated.
+  std::uint64_t counted = 0;
+  for (const SymbolCount& entry : table) counted += entry.count;
+  if (counted != unpackedSize) {
+    SetError(error, "compressed block: the symbol counts add up to " + std::to_string(counted) + " bytes, not the " +
+                        std::to_string(unpackedSize) + " claimed");
     return Unpacked::kDamaged;
   }
+  if (unpackedSize == 0) return Unpacked::kUnpacked;
 
   const CodeTree tree(table);
   const std::int32_t root = tree.Root();
@@ -313,12 +330,13 @@ CompressedBlock::Unpacked CompressedBlock::Unpack(const std::uint8_t* data, std:
     return Unpacked::kUnpacked;
   }
 
-  // Every symbol costs at least one bit: refuse before allocating when the
-  // stream cannot hold what the header claims.
-  const std::uint64_t streamBits = static_cast<std::uint64_t>(reader.Remaining()) * 8;
-  if (unpackedSize > streamBits) {
-    SetError(error, "compressed block: " + std::to_string(unpackedSize) + " symbols claimed but only " +
-                        std::to_string(reader.Remaining()) + " bytes of code follow");
+  // The counts and the code lengths give the stream's length: a stream too
+  // short for them is refused before allocating. So no block of two or more
+  // symbols unpacks to more than eight bytes a byte of code.
+  const std::uint64_t neededBits = StreamBits(table, tree);
+  if (neededBits > static_cast<std::uint64_t>(reader.Remaining()) * 8) {
+    SetError(error, "compressed block: code stream ends after " + std::to_string(reader.Remaining()) +
+                        " bytes where its counts call for " + std::to_string((neededBits + 7) / 8));
     return Unpacked::kDamaged;
   }
 

@@ -21,6 +21,12 @@ class CompressedBlock {
   // up to 4 GiB, and a one-symbol block holds any length in 21 bytes.
   static constexpr std::size_t kDefaultMaxUnpackedSize = std::size_t{512} << 20;
 
+  // The most that a block of `blockSize` bytes unpacks to when it codes two
+  // or more byte values: every code takes a bit at least. Only a run of one
+  // byte value packs tighter, so a caller whose content never is one (any
+  // markup) passes this as its limit, and a short block can't claim gigabytes.
+  static constexpr std::size_t MostUnpackedFromCode(std::size_t blockSize) { return blockSize * 8; }
+
   enum class Unpacked {
     kPlain,       // not a compressed block: the bytes are passed on as they are
     kUnpacked,    // a compressed block, decoded

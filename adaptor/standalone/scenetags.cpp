@@ -91,7 +91,12 @@ bool UnpackMaster(Element& master) {
     util::Bytes packed, text;
     if (!util::Base64::Decode(plugin.children[0]->name, packed) || packed.empty()) return false;
     plugin.children.clear();  // its text is in `packed` now
-    if (util::CompressedBlock::Unpack(packed, text) == util::CompressedBlock::Unpacked::kDamaged) return false;
+    // A tool's text is markup, never a run of one byte: no more than its code holds.
+    const std::size_t limit = util::CompressedBlock::MostUnpackedFromCode(packed.size());
+    if (util::CompressedBlock::Unpack(packed.data(), packed.size(), text, nullptr, limit) ==
+        util::CompressedBlock::Unpacked::kDamaged) {
+      return false;
+    }
     packed = util::Bytes();
     Element unpacked;
     if (unpacked.ParseText(std::string_view(reinterpret_cast<const char*>(text.data()), text.size())) !=

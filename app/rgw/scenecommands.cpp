@@ -11,6 +11,7 @@
 #include "app/rgw/session.h"
 #include "app/rgw/wording.h"
 #include "core/prmfile.h"
+#include "core/resimulator.h"
 #include "core/takefile.h"
 #include "scenes/samplescene.h"
 #include "util/atomicfile.h"
@@ -387,6 +388,9 @@ int RunCommand(const Arguments& args) {
   if (session.tools.CheckedInstances().empty()) return Fail(options.file + ": no tool to simulate");
   if (!options.Has("to")) to = session.DefaultEnd();
   if (to < from) return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
+  const std::string tooLong =
+      rgw::core::Resimulator::RangeProblem(from, to, rgw::core::TimeBase(session.host.GetFrameRate()));
+  if (!tooLong.empty()) return Fail(tooLong);
   // A long run must not end in a write error.
   if (!vuk::util::AtomicFile::CanReplace(options.Get("out"), &error)) return Fail(error);
   session.Resimulate(from, to);

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <filesystem>
+#include <tuple>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
@@ -187,6 +188,28 @@ TEST_F(ToolsInScenes, ATagWhoseNodeIsGoneGivesTheBoxAndLosesNothingElse) {
             "Error loading plugin|32|Some nodes required for this plugin was not found in the scene. Please make sure "
             "all required nodes are present.");
   EXPECT_NE(box.find("TestTool_02_Camera"), std::string::npos) << box;
+}
+
+// Tools nest to 64 levels; deeper ones are left out with a box, not a crash.
+TEST_F(ToolsInScenes, ToolsNestedTooDeepAreLeftOutWithABox) {
+  const std::tuple<int, int, const char*> cases[] = {
+      {64, 64, ""},
+      {65, 64, "Error loading plugin|32|Tools are nested 65 levels deep here; those below level 64 were not loaded."},
+      {100000, 64,
+       "Error loading plugin|32|Tools are nested 100000 levels deep here; those below level 64 were not loaded."}};
+  for (const auto& [levels, made, message] : cases) {
+    std::string text;
+    for (int i = 0; i < levels; ++i) text += "<RGT_Plugin><type>Counter</type>";
+    for (int i = 0; i < levels; ++i) text += "</RGT_Plugin>";
+    util::xml::Element tree;
+    ASSERT_EQ(tree.ParseText(text), util::xml::kParsed);
+    CatchBox();
+    box.clear();
+    Scene scene;
+    EXPECT_EQ(scene.tools.LoadToolTree(tree), made) << levels;
+    EXPECT_EQ(box, message);
+    EXPECT_EQ(scene.tools.AllInstances().size(), static_cast<std::size_t>(made));
+  }
 }
 
 TEST_F(ToolsInScenes, ASerializedToolReadsBackAsATemplate) {

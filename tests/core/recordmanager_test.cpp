@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 #include <cmath>
+#include <limits>
+#include <tuple>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
@@ -259,6 +261,33 @@ TEST_F(Recording, AnEmptyOrBackwardRangeStepsNothing) {
     EXPECT_TRUE(recorder.ResimStep());
     recorder.FinishResimulation();
     EXPECT_DOUBLE_EQ(host.GetTime(), from);
+  }
+  EXPECT_TRUE(First().steps.empty());
+}
+
+// Ranges that aren't numbers, lie outside a day or hold more frames than a
+// run keeps start nothing: no frame, no undo, the clock where it was.
+TEST_F(Recording, RangesBeyondTheLimitsStartNothing) {
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  const std::tuple<double, double, double, const char*> cases[] = {
+      {0, 86400, 30, ""},
+      {nan, 1, 30, "a run lies within 0 s and 86400 s of scene time (a day), not nan s to 1 s"},
+      {0, inf, 30, "a run lies within 0 s and 86400 s of scene time (a day), not 0 s to inf s"},
+      {0, 1e18, 30, "a run lies within 0 s and 86400 s of scene time (a day), not 0 s to 1e+18 s"},
+      {-0.5, 1, 30, "a run lies within 0 s and 86400 s of scene time (a day), not -0.5 s to 1 s"},
+      {0, 86400, 4800, "0 s to 86400 s at 4800 fps is 414720000 frames; a run steps at most 2592000"}};
+  for (const auto& [from, to, fps, problem] : cases) {
+    EXPECT_EQ(Resimulator::RangeProblem(from, to, TimeBase(fps)), problem);
+    if (!*problem) continue;
+    host.SetTime(2);
+    const std::uint64_t holds = host.GetScene().undo.HoldNumber();
+    Resimulator resimulator(&host);
+    EXPECT_FALSE(resimulator.Start(CheckedInstances(), from, to, TimeBase(fps)));
+    EXPECT_TRUE(resimulator.RunFor(Resimulator::kSliceMs));
+    EXPECT_EQ(resimulator.Progress(), 1.0f);
+    resimulator.Finish();
+    EXPECT_EQ(host.GetTime(), 2.0);
+    EXPECT_EQ(host.GetScene().undo.HoldNumber(), holds) << from << " " << to;
   }
   EXPECT_TRUE(First().steps.empty());
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+
 #include "gui/component/choices.h"
 #include "gui/component/containers.h"
 #include "gui/component/controls.h"
@@ -104,6 +106,37 @@ TEST(Builder, PlaceholdersAreFilledInAttributesAndTexts) {
   const util::xml::Element& label = element.GetChild("label");
   EXPECT_EQ(label.GetAttribute("tooltip"), "b");
   EXPECT_EQ(label.GetChild("tooltip").GetText(), "v<%A%>");
+}
+
+// Lists in lists, as deep as asked, with a placeholder at the bottom.
+std::string NestedLists(int levels) {
+  std::string markup;
+  for (int i = 0; i < levels - 1; ++i) markup += "<list>";
+  markup += "<label label=\"%A%\"/>";
+  for (int i = 0; i < levels - 1; ++i) markup += "</list>";
+  return markup;
+}
+
+// Components build recursively: nesting past the limit is refused, and a
+// file's name comes with the reason.
+TEST(Builder, LayoutsNestedTooDeepAreRefused) {
+  const std::pair<int, const char*> cases[] = {
+      {64, ""},
+      {65, "elements are nested 65 levels deep; a layout holds at most 64"},
+      {100000, "elements are nested 100000 levels deep; a layout holds at most 64"}};
+  const std::string path = testing::TempDir() + "/deep_layout.xml";
+  for (const auto& [levels, problem] : cases) {
+    util::xml::Element element;
+    ASSERT_EQ(element.ParseText(NestedLists(levels)), util::xml::kParsed);
+    FillPlaceholders(element, {{"%A%", "a"}});
+    std::string error;
+    EXPECT_EQ(BuildComponent(element, &error) != nullptr, *problem == '\0') << levels;
+    EXPECT_EQ(error, problem);
+    std::ofstream(path) << NestedLists(levels);
+    error.clear();
+    EXPECT_EQ(LoadLayout(path, &error) != nullptr, *problem == '\0') << levels;
+    EXPECT_EQ(error, *problem ? path + ": " + problem : "");
+  }
 }
 
 TEST(Builder, ShippedLayoutsBuild) {

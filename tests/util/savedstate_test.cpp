@@ -517,7 +517,9 @@ TEST(CompressedBlock, RefusedAsPlainOrDamaged) {
       {kHeader + "02000000 03000000 6101000000 62", kDamaged},              // table cut short
       {kHeader + "02000000 09000000 6101000000 6202000000 06", kDamaged},   // stream cut short
       {kHeader + "00000000 05000000", kDamaged},                            // bytes but no symbol
-      {kHeader + "01000000 FFFFFFFF 6101000000", kDamaged}};                // four gigabytes in 21 bytes
+      {kHeader + "01000000 FFFFFFFF 6101000000", kDamaged},                 // four gigabytes in 21 bytes
+      {kHeader + "02000000 10000000 6101000000 6202000000 06FF", kDamaged}, // counts of 3 for 16 claimed
+      {kHeader + "02000000 10000000 6108000000 6208000000 06", kDamaged}};  // 16 bits of code in 8
   for (const auto& [hex, kind] : cases) {
     const Bytes bytes = Hex(hex);
     Bytes out = {1, 2, 3};
@@ -543,6 +545,28 @@ TEST(CompressedBlock, ALongStreamCutShortIsDamaged) {
     EXPECT_NE(error.find("code stream ends"), std::string::npos) << error;
   }
   EXPECT_EQ(Unpacked(block), input);
+}
+
+// A claim is weighed against the block before anything is allocated: with
+// two or more symbols the code holds at most eight bytes a byte, and a caller
+// whose content is never a run of one byte holds a one-symbol block to that.
+TEST(CompressedBlock, ClaimsBeyondTheCodeAreRefused) {
+  // A one-symbol block is 21 bytes long, whatever it claims.
+  const std::pair<std::string, CompressedBlock::Unpacked> cases[] = {
+      {std::string(168, 'a'), CompressedBlock::Unpacked::kUnpacked},
+      {std::string(169, 'a'), kDamaged},
+      {std::string(std::size_t{1} << 24, 'a'), kDamaged},
+      {"<a b=\"c\"/>", CompressedBlock::Unpacked::kUnpacked}};
+  for (const auto& [input, kind] : cases) {
+    const Bytes block = CompressedBlock::Pack(input);
+    Bytes out;
+    std::string error;
+    EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size(), out, &error,
+                                      CompressedBlock::MostUnpackedFromCode(block.size())),
+              kind)
+        << input.size();
+    EXPECT_EQ(out, kind == kDamaged ? Bytes() : Bytes(input.begin(), input.end()));
+  }
 }
 
 TEST(CompressedBlock, TrailingBytesAreIgnoredAndTheLimitIsTheCallersChoice) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <random>
 #include <string>
+#include <tuple>
 
 #include "util/xml/element.h"
 #include "util/xml/tag.h"
@@ -75,6 +76,17 @@ TEST(XmlParse, DeepNestingNeitherOverflowsNorFails) {
   const Element copy(element);
   EXPECT_EQ(copy.Write("", ""), open.substr(3) + "<d/>" + close.substr(4));
   EXPECT_EQ(element.ParseText(open), kMissingClose);
+}
+
+TEST(XmlElement, DepthCountsLevelsAllOrThroughOneName) {
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) deep += "<t>";
+  for (int i = 0; i < 100000; ++i) deep += "</t>";
+  const std::tuple<std::string, std::string, std::size_t> cases[] = {
+      {"<a/>", "", 1}, {"<a>text</a>", "", 2}, {"<a><b/><c><d><e/></d></c></a>", "", 4},
+      {"<a><b/><c><d><e/></d></c></a>", "c", 2}, {"<a><t><x><t/></x></t><t><t><t/></t></t></a>", "t", 4},
+      {deep, "", 100000}, {deep, "t", 100000}};
+  for (const auto& [markup, through, depth] : cases) EXPECT_EQ(Parsed(markup).Depth(through), depth) << markup.substr(0, 40);
 }
 
 TEST(XmlParse, FilesDropLineEndsAndResourcesReadWhole) {

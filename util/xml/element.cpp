@@ -1,5 +1,6 @@
 #include "util/xml/element.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include <QFile>
@@ -235,6 +236,20 @@ void Element::Assign(const Element& other) {
 }
 
 void Element::SetName(const std::string& newName) { name = newName; }
+
+std::size_t Element::Depth(const std::string& childName) const {
+  std::size_t deepest = 0;
+  std::vector<std::pair<const Element*, std::size_t>> pending{{this, 1}};
+  while (!pending.empty()) {
+    const auto [element, level] = pending.back();
+    pending.pop_back();
+    deepest = std::max(deepest, level);
+    for (const auto& child : element->children) {
+      if (childName.empty() || child->name == childName) pending.emplace_back(child.get(), level + 1);
+    }
+  }
+  return deepest;
+}
 
 Element* Element::AddChild(const Element& child) {
   if (child.kind <= kEmpty && child.children.empty()) return nullptr;

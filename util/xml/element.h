@@ -79,6 +79,12 @@ class Element {
 
   bool IsEmpty() const { return kind == kEmpty && children.empty(); }
 
+  // Levels of elements from this one down, itself counted: 1 without
+  // children. With a name, only children of that name are followed. Readers
+  // that recurse through a tree ask this first and refuse what nests deeper
+  // than they go.
+  std::size_t Depth(const std::string& childName = std::string()) const;
+
   static const Element& Empty();
 
   std::vector<Attribute> attributes;

@@ -1,6 +1,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "adaptor/standalone/standalonenode.h"
 #include "sdk/cinterface.h"
@@ -126,6 +127,29 @@ std::string TagText(const std::string& name, const std::string& parent, int chil
   return "<RGT_tag><name>" + name + "</name><objectname>Cam</objectname><masternode><parent>" + parent +
          "</parent><childindex>" + std::to_string(childIndex) + "</childindex>" +
          (plugin.empty() ? Packed(PluginText(name)) : plugin) + "</masternode></RGT_tag>";
+}
+
+long PeakMemoryKb() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+// A one-symbol block of 21 bytes may claim any length: as a tool's text it is
+// held to what its code can hold and dropped, not unpacked to half a gigabyte.
+TEST_F(Standalone, GatherDropsABlockClaimingMoreThanItsCodeHolds) {
+  util::Bytes block = util::CompressedBlock::Pack(std::string(1, '<'));
+  const std::uint32_t claim = (512u << 20) - 1;
+  for (const std::size_t at : {std::size_t{12}, std::size_t{17}}) {
+    for (std::size_t i = 0; i < 4; ++i) block[at + i] = static_cast<std::uint8_t>(claim >> (8 * i));
+  }
+  scene.CreateNode(ObjectKind::kEmpty, "A")->properties["RGT_tag"] = TagText("Kept", "", 0);
+  scene.CreateNode(ObjectKind::kEmpty, "B")->properties["RGT_tag"] = TagText("Claiming", "", 1, "<RGT_Plugin compressed=\"1\">" + util::Base64::Encode(block) + "</RGT_Plugin>");
+  CatchGather();
+  const long peakKb = PeakMemoryKb();
+  adaptor.GatherScene();
+  EXPECT_EQ(loaded, "<RGT>" + PluginText("Kept") + "</RGT>");
+  EXPECT_LT(PeakMemoryKb() - peakKb, 64 * 1024);
 }
 
 TEST_F(Standalone, GatherUnpacksDropsRepeatsAndNestsChildren) {
