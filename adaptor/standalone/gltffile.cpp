@@ -399,6 +399,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   PruneUnusedData(*model);
   model_ = std::move(model);
   nodeOf_ = std::move(nodeOf);
+  kept_ = std::move(facts.keptMembers);
   folder_ = std::filesystem::absolute(path).parent_path();
   return true;
 }
@@ -451,10 +452,22 @@ class BuffersBeside {
 };
 
 // The JSON of the model with the lengths and names of the buffers beside it.
+// The members the parser dropped, back where they were unless the place has them again.
+void PutBackKeptMembers(nlohmann::json& json, const std::vector<KeptMember>& kept) {
+  for (const KeptMember& member : kept) {
+    const bool ofFile = member.node == KeptMember::kFile;
+    if (!ofFile && (!json.contains("nodes") || member.node >= json["nodes"].size())) continue;
+    nlohmann::json& place = ofFile ? json : json["nodes"][member.node];
+    if (!place.contains(member.key)) place[member.key] = nlohmann::json::parse(member.json);
+  }
+}
+
 // A text file's Base64 buffers are marks of the splicer.
 std::string PatchedJson(const std::string& text, const tinygltf::Model& model, const std::vector<BufferPlace>& places,
-                        const BuffersBeside& beside, std::size_t firstLength, bool binary, JsonSplicer& splicer) {
+                        const BuffersBeside& beside, std::size_t firstLength, bool binary, JsonSplicer& splicer,
+                        const std::vector<KeptMember>& kept) {
   nlohmann::json json = nlohmann::json::parse(text);
+  PutBackKeptMembers(json, kept);
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i] == BufferPlace::kEmbedded && binary) continue;
     nlohmann::json& buffer = json["buffers"][i];
@@ -652,10 +665,11 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
     text = std::move(stream).str();
   }
-  const bool patched =
-      !binary || std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
-  if (patched && !places.empty()) {
-    text = PatchedJson(text, model, places, beside, longTexts_.Length(beside.Bytes(0).size()), binary, splicer_);
+  const bool patched = !binary || !kept_.empty() ||
+                       std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
+  if (patched) {
+    const std::size_t firstLength = places.empty() ? 0 : longTexts_.Length(beside.Bytes(0).size());
+    text = PatchedJson(text, model, places, beside, firstLength, binary, splicer_, kept_);
   }
   // Buffer files first and the main file last, all written before any is
   // committed: a full disk leaves every old file, and a reader never finds a

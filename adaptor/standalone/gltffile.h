@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "adaptor/standalone/gltfblobs.h"
+#include "adaptor/standalone/gltfjson.h"
 #include "adaptor/standalone/gltfsplice.h"
 #include "adaptor/standalone/scene.h"
 
@@ -58,6 +59,8 @@ class GltfFile {
   // buffer's bytes, or the pieces a text file's JSON is written with.
   LongTexts longTexts_;
   JsonSplicer splicer_;
+  // What the file held that the parser dropped, put back by each save.
+  std::vector<KeptMember> kept_;
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

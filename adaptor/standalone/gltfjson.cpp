@@ -6,6 +6,8 @@
 #include <limits>
 #include <cmath>
 #include <cstdlib>
+#include <iterator>
+#include <optional>
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -44,6 +46,19 @@ const MemberRule* RuleFor(const std::string& collection, const std::string& memb
   return nullptr;
 }
 
+// Members the parser keeps; others are kept by us.
+constexpr const char* kFileMembers[] = {"asset",     "scene",     "scenes",   "nodes",      "meshes",         "accessors",
+                                        "bufferViews", "buffers", "materials", "textures", "images",         "samplers",
+                                        "animations", "skins",    "cameras",  "extensions", "extensionsUsed", "extensionsRequired",
+                                        "extras"};
+constexpr const char* kNodeMembers[] = {"camera",      "children", "skin",       "matrix", "mesh", "rotation", "scale",
+                                        "translation", "weights",  "extensions", "extras", "name"};
+
+template <std::size_t N>
+bool Known(const std::string& key, const char* const (&names)[N]) {
+  return std::any_of(std::begin(names), std::end(names), [&](const char* name) { return key == name; });
+}
+
 // Keys of a place are cut, so that a message never carries a stranger's essay.
 constexpr std::size_t kKeyShown = 40;
 
@@ -55,27 +70,32 @@ class Scanner {
   bool Run() {
     while (at_ < text_.size()) {
       const char c = text_[at_];
+      const std::size_t begin = at_;
       if (c == '"') {
-        const std::size_t begin = at_;
+        const bool key = InKey();
         std::string string = String();
-        if (InKey()) {
+        if (key) {
           levels_.back().key = std::move(string);
         } else if (!Value(Kind::kString, string)) {
           return false;
         } else if (string.size() > longText_ && InNodeExtras()) {
           facts_.longNodeTexts.push_back({levels_[1].index, levels_[3].key, std::move(string), begin, at_});
+        } else if (const std::optional<KeptMember> member = MemberToKeep(string.empty())) {
+          Keep(*member, begin, at_);
         }
       } else if (c == '{' || c == '[') {
         if (!Value(c == '{' ? Kind::kObject : Kind::kArray)) return false;
+        if (const std::optional<KeptMember> member = MemberToKeep(false)) keeping_ = {*member, begin, levels_.size()};
         levels_.push_back({c == '{', {}, 0, true, false});
         if (levels_.size() > kMaxJsonDepth) return Fail("the JSON nests deeper than " + std::to_string(kMaxJsonDepth) + " levels");
         ++at_;
       } else if (c == '-' || std::isdigit(static_cast<unsigned char>(c))) {
         if (!Number()) return false;
+        if (const std::optional<KeptMember> member = MemberToKeep(false)) Keep(*member, begin, at_);
       } else if (std::isalpha(static_cast<unsigned char>(c))) {
-        const std::size_t start = at_;
         while (at_ < text_.size() && std::isalpha(static_cast<unsigned char>(text_[at_]))) ++at_;
-        if (!Value(Kind::kLiteral) || !KeptInExtras(text_.substr(start, at_ - start) != "null", "null")) return false;
+        if (!Value(Kind::kLiteral) || !KeptInExtras(text_.substr(begin, at_ - begin) != "null", "null")) return false;
+        if (const std::optional<KeptMember> member = MemberToKeep(false)) Keep(*member, begin, at_);
       } else {
         if (!Punctuation(c)) return false;
         ++at_;
@@ -99,6 +119,22 @@ class Scanner {
   }
 
   bool InKey() const { return !levels_.empty() && levels_.back().object && levels_.back().expectKey; }
+
+  // The member whose value starts here, when the parser won't keep it.
+  std::optional<KeptMember> MemberToKeep(bool emptyString) const {
+    if (levels_.size() == 1 && levels_[0].object && !Known(levels_[0].key, kFileMembers)) {
+      return KeptMember{KeptMember::kFile, levels_[0].key, {}};
+    }
+    const bool inNode = levels_.size() == 3 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].object;
+    if (!inNode) return std::nullopt;
+    const std::string& key = levels_[2].key;
+    if (Known(key, kNodeMembers) && !(key == "name" && emptyString)) return std::nullopt;
+    return KeptMember{levels_[1].index, key, {}};
+  }
+  void Keep(KeptMember member, std::size_t begin, std::size_t end) {
+    member.json = std::string(text_.substr(begin, end - begin));
+    facts_.keptMembers.push_back(std::move(member));
+  }
   // At a member of a node's extras: nodes[i].extras.key.
   bool InNodeExtras() const {
     return levels_.size() == 4 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].key == "extras" &&
@@ -110,6 +146,10 @@ class Scanner {
     if (c == '}' || c == ']') {
       const bool filled = levels_.back().filled;
       levels_.pop_back();
+      if (keeping_ && levels_.size() == keeping_->depth) {
+        Keep(keeping_->member, keeping_->begin, at_ + 1);
+        keeping_.reset();
+      }
       // Empty extras as a whole say nothing a file without them doesn't.
       return KeptInExtras(filled || ExtrasDepth() == 1, "nothing");
     }
@@ -228,6 +268,13 @@ class Scanner {
   JsonFacts& facts_;
   std::string& problem_;
   std::size_t longText_;
+  // A member being kept whose value is an object or array: where it began,
+  // and the depth it returns to when it ends.
+  struct Keeping {
+    KeptMember member;
+    std::size_t begin, depth;
+  };
+  std::optional<Keeping> keeping_;
   std::size_t at_ = 0;
   std::vector<Level> levels_;
 };

@@ -24,12 +24,22 @@ struct LongNodeText {
   std::size_t begin = 0, end = 0;  // the quotes included
 };
 
+// A member the glTF parser doesn't keep: one of a node, or of the file
+// itself, that glTF doesn't name, or a node's empty "name". Its JSON as the
+// file has it, for a save to put back.
+struct KeptMember {
+  static constexpr std::size_t kFile = static_cast<std::size_t>(-1);
+  std::size_t node = kFile;  // kFile for a member of the file itself
+  std::string key, json;
+};
+
 struct JsonFacts {
   // The "uri" of each buffer, empty where a buffer has none; of a data URI
   // only its scheme, "data:".
   std::vector<std::string> bufferUris;
   // Strings of node extras longer than the threshold, in the order of the text.
   std::vector<LongNodeText> longNodeTexts;
+  std::vector<KeptMember> keptMembers;
 };
 
 // False, with the problem, for nesting deeper than kMaxJsonDepth, numbers

@@ -205,6 +205,11 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Kept{"nested_extras", WithExtras(R"({"rig":{"bones":[1,{"b":2.5}],"id":-2147483648}})"), "\"b\": 2.5"},
         Kept{"empty_extras", WithExtras("{}"), "\"Arm\""},
+        Kept{"node_member", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm","x_rig":{"side":[1,"L"]}}]})",
+             "\"side\""},
+        Kept{"file_member", R"({"asset":{"version":"2.0"},"x_pipeline":"v7","scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm"}]})",
+             "\"x_pipeline\": \"v7\""},
+        Kept{"empty_name", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":""}]})", "\"name\": \"\""},
         Kept{"deepest_extras", WithExtras(R"({"d":)" + Nested(60) + "}"), "\"d\""},
         Kept{"node_extension", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm","extensions":{"VENDOR_x":{"k":2}}}]})",
              "\"VENDOR_x\""},
