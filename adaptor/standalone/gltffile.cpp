@@ -455,9 +455,9 @@ class BuffersBeside {
 // The members the parser dropped, back where they were unless the place has them again.
 void PutBackKeptMembers(nlohmann::json& json, const std::vector<KeptMember>& kept) {
   for (const KeptMember& member : kept) {
-    const bool ofFile = member.node == KeptMember::kFile;
-    if (!ofFile && (!json.contains("nodes") || member.node >= json["nodes"].size())) continue;
-    nlohmann::json& place = ofFile ? json : json["nodes"][member.node];
+    const bool ofFile = member.list.empty();
+    if (!ofFile && (!json.contains(member.list) || member.index >= json[member.list].size())) continue;
+    nlohmann::json& place = ofFile ? json : json[member.list][member.index];
     if (!place.contains(member.key)) place[member.key] = nlohmann::json::parse(member.json);
   }
 }

@@ -46,17 +46,45 @@ const MemberRule* RuleFor(const std::string& collection, const std::string& memb
   return nullptr;
 }
 
-// Members the parser keeps; others are kept by us.
+// Members the parser keeps, of the file and of the items of the lists a
+// save keeps in their order; others are kept by us. Accessors, views,
+// buffers and clips are renumbered by a save and left out.
 constexpr const char* kFileMembers[] = {"asset",     "scene",     "scenes",   "nodes",      "meshes",         "accessors",
                                         "bufferViews", "buffers", "materials", "textures", "images",         "samplers",
                                         "animations", "skins",    "cameras",  "extensions", "extensionsUsed", "extensionsRequired",
                                         "extras"};
-constexpr const char* kNodeMembers[] = {"camera",      "children", "skin",       "matrix", "mesh", "rotation", "scale",
-                                        "translation", "weights",  "extensions", "extras", "name"};
+struct ListMembers {
+  const char* list;
+  std::vector<std::string_view> members;
+};
+const ListMembers kListMembers[] = {
+    {"nodes", {"camera", "children", "skin", "matrix", "mesh", "rotation", "scale", "translation", "weights"}},
+    {"scenes", {"nodes"}},
+    {"meshes", {"primitives", "weights"}},
+    {"materials", {"pbrMetallicRoughness", "normalTexture", "occlusionTexture", "emissiveTexture", "emissiveFactor",
+                   "alphaMode", "alphaCutoff", "doubleSided"}},
+    {"textures", {"sampler", "source"}},
+    {"images", {"uri", "mimeType", "bufferView"}},
+    {"samplers", {"magFilter", "minFilter", "wrapS", "wrapT"}},
+    {"skins", {"inverseBindMatrices", "skeleton", "joints"}},
+    {"cameras", {"orthographic", "perspective", "type"}},
+};
 
-template <std::size_t N>
-bool Known(const std::string& key, const char* const (&names)[N]) {
-  return std::any_of(std::begin(names), std::end(names), [&](const char* name) { return key == name; });
+bool KnownToFile(const std::string& key) {
+  return std::any_of(std::begin(kFileMembers), std::end(kFileMembers), [&](const char* name) { return key == name; });
+}
+
+// Null for a list a save renumbers.
+const ListMembers* ListOf(const std::string& list) {
+  for (const ListMembers& kept : kListMembers) {
+    if (list == kept.list) return &kept;
+  }
+  return nullptr;
+}
+
+bool KnownToList(const ListMembers& list, const std::string& key) {
+  return key == "name" || key == "extensions" || key == "extras" ||
+         std::find(list.members.begin(), list.members.end(), key) != list.members.end();
 }
 
 // Keys of a place are cut, so that a message never carries a stranger's essay.
@@ -122,14 +150,15 @@ class Scanner {
 
   // The member whose value starts here, when the parser won't keep it.
   std::optional<KeptMember> MemberToKeep(bool emptyString) const {
-    if (levels_.size() == 1 && levels_[0].object && !Known(levels_[0].key, kFileMembers)) {
-      return KeptMember{KeptMember::kFile, levels_[0].key, {}};
+    if (levels_.size() == 1 && levels_[0].object && !KnownToFile(levels_[0].key)) {
+      return KeptMember{{}, 0, levels_[0].key, {}};
     }
-    const bool inNode = levels_.size() == 3 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].object;
-    if (!inNode) return std::nullopt;
+    const bool inItem = levels_.size() == 3 && levels_[0].object && !levels_[1].object && levels_[2].object;
+    const ListMembers* list = inItem ? ListOf(levels_[0].key) : nullptr;
+    if (!list) return std::nullopt;
     const std::string& key = levels_[2].key;
-    if (Known(key, kNodeMembers) && !(key == "name" && emptyString)) return std::nullopt;
-    return KeptMember{levels_[1].index, key, {}};
+    if (KnownToList(*list, key) && !(key == "name" && emptyString)) return std::nullopt;
+    return KeptMember{levels_[0].key, levels_[1].index, key, {}};
   }
   void Keep(KeptMember member, std::size_t begin, std::size_t end) {
     member.json = std::string(text_.substr(begin, end - begin));

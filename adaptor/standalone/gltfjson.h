@@ -24,12 +24,13 @@ struct LongNodeText {
   std::size_t begin = 0, end = 0;  // the quotes included
 };
 
-// A member the glTF parser doesn't keep: one of a node, or of the file
-// itself, that glTF doesn't name, or a node's empty "name". Its JSON as the
-// file has it, for a save to put back.
+// A member the glTF parser doesn't keep: one that glTF doesn't name, of the
+// file itself or of an item of a list whose numbering a save keeps (nodes,
+// meshes, materials...), or an empty "name". Its JSON as the file has it,
+// for a save to put back.
 struct KeptMember {
-  static constexpr std::size_t kFile = static_cast<std::size_t>(-1);
-  std::size_t node = kFile;  // kFile for a member of the file itself
+  std::string list;  // empty for a member of the file itself
+  std::size_t index = 0;
   std::string key, json;
 };
 

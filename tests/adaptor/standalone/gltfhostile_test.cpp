@@ -210,6 +210,8 @@ INSTANTIATE_TEST_SUITE_P(
         Kept{"file_member", R"({"asset":{"version":"2.0"},"x_pipeline":"v7","scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm"}]})",
              "\"x_pipeline\": \"v7\""},
         Kept{"empty_name", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":""}]})", "\"name\": \"\""},
+        Kept{"camera_member", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Cam","camera":0}],
+          "cameras":[{"type":"perspective","perspective":{"yfov":0.8,"znear":0.1},"x_lens":"35mm"}]})", "\"x_lens\": \"35mm\""},
         Kept{"deepest_extras", WithExtras(R"({"d":)" + Nested(60) + "}"), "\"d\""},
         Kept{"node_extension", R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],"nodes":[{"name":"Arm","extensions":{"VENDOR_x":{"k":2}}}]})",
              "\"VENDOR_x\""},
