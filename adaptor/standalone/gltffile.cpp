@@ -420,10 +420,10 @@ std::vector<BufferPlace> BufferPlaces(const tinygltf::Model& model, bool binary)
   return places;
 }
 
-// The buffers written beside the JSON are out of the model while tinygltf
-// writes it, so that their bytes are never copied (it would embed them as
-// Base64 or copy them into a chunk of its own); the JSON then gets their
-// lengths and names. Put back when the file is written.
+// The buffers whose bytes we write ourselves are out of the model while
+// tinygltf writes its JSON, so that their bytes are never copied (it would
+// embed them as Base64 or copy them into a chunk of its own); the JSON then
+// gets their lengths and names. Put back when the file is written.
 class BuffersBeside {
  public:
   // A text file's Base64 buffers are held out too, and written as data URIs
@@ -451,7 +451,6 @@ class BuffersBeside {
   std::vector<std::vector<unsigned char>> held_;
 };
 
-// The JSON of the model with the lengths and names of the buffers beside it.
 // The members the parser dropped, back where they were unless the place has them again.
 void PutBackKeptMembers(nlohmann::json& json, const std::vector<KeptMember>& kept) {
   for (const KeptMember& member : kept) {
@@ -462,7 +461,9 @@ void PutBackKeptMembers(nlohmann::json& json, const std::vector<KeptMember>& kep
   }
 }
 
-// A text file's Base64 buffers are marks of the splicer.
+// The JSON of the model with the lengths and names of the buffers beside it
+// and the members the parser dropped; a text file's Base64 buffers are marks
+// of the splicer.
 std::string PatchedJson(const std::string& text, const tinygltf::Model& model, const std::vector<BufferPlace>& places,
                         const BuffersBeside& beside, std::size_t firstLength, bool binary, JsonSplicer& splicer,
                         const std::vector<KeptMember>& kept) {
