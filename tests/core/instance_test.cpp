@@ -8,6 +8,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/takefile.h"
+#include "tests/sdk/testplugin.h"
 #include "tests/unidevice/testdevice.h"
 #include "unidevice/driverlist.h"
 #include "unidevice/dummydriver.h"
@@ -64,14 +65,6 @@ class Steering : public CCamera, public CInterface::Callback {
   std::vector<std::string> changes;
 };
 
-class SteeringPlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Steering(param); }
-  std::string GetName() override { return "Steering"; }
-  std::string GetTitle() override { return "Steering"; }
-  std::string GetCategory() override { return "Vehicle"; }
-};
-
 class InstanceRun : public testing::Test {
  protected:
   InstanceRun() { unidevice::DriverList::Instance().Register(&pads); }
@@ -123,7 +116,7 @@ class InstanceRun : public testing::Test {
   unidevice::Driver pads{"pads"};
   TestDevice* pad = nullptr;
   StandaloneAdaptorInterface host;
-  SteeringPlugin plugin;
+  testing_support::TestPlugin<Steering> plugin{"Steering", "Vehicle"};
   std::unique_ptr<Instance> instance;
   Steering* tool = nullptr;
 };

@@ -53,18 +53,10 @@ class CounterTool : public CCamera, public CInterface::Callback {
   std::int32_t count = 0;
 };
 
-class CounterToolPlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new CounterTool(param); }
-  std::string GetName() override { return "Counter"; }
-  std::string GetTitle() override { return "Counter"; }
-  std::string GetCategory() override { return "Accessory"; }
-};
-
 const ToolTable& Tools() {
   static const ToolTable table = [] {
     ToolTable entries = testing_support::TestTools();
-    entries[1] = []() -> CCameraPlugin* { return new CounterToolPlugin; };
+    entries[1] = []() -> CCameraPlugin* { return new testing_support::TestPlugin<CounterTool>("Counter", "Accessory"); };
     return entries;
   }();
   return table;

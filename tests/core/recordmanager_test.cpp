@@ -10,6 +10,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
+#include "tests/sdk/testplugin.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -41,14 +42,6 @@ class Probe : public CCamera {
   unidevice::Property* channel = nullptr;
   CNode* node = nullptr;
   std::vector<double> steps, heard;
-};
-
-class ProbePlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Probe(param); }
-  std::string GetName() override { return "Probe"; }
-  std::string GetTitle() override { return "Probe"; }
-  std::string GetCategory() override { return "Camera"; }
 };
 
 class Host : public StandaloneAdaptorInterface {
@@ -97,7 +90,7 @@ class Recording : public testing::Test, public InstanceList {
   }
 
   Host host;
-  ProbePlugin plugin;
+  testing_support::TestPlugin<Probe> plugin{"Probe", "Camera"};
   std::vector<std::unique_ptr<Instance>> instances;
   RecordManager recorder{&host, nullptr, this};
   std::int64_t nowMs = 0;
