@@ -29,6 +29,32 @@ class CountingUndo : public CUndo {
   Counts& counts_;
 };
 
+// A write of a node's pose at a time: only X is set, and the snapshot is of that time.
+void WriteX(CoreNode* node, double time, double x) {
+  CSnapshot* snapshot = node->GetSnapshot(time);
+  EXPECT_DOUBLE_EQ(snapshot->GetTime(), time);
+  util::Matrix<double> pose;
+  pose.SetTranslation({x, 0, 0});
+  snapshot->SetWorldTransform(pose);
+  node->ReleaseSnapshot(snapshot);
+}
+
+double ReadX(CoreNode* node, double time) {
+  CSnapshot* snapshot = node->GetSnapshot(time);
+  const double x = snapshot->GetWorldTransform().GetTranslation().x;
+  node->ReleaseSnapshot(snapshot);
+  return x;
+}
+
+// One undone step: keys at frames 0 to 10, a tenth of a second apart, X the frame.
+void RecordTenFrames(core::AdaptorInterface& adaptor, CoreNode* node) {
+  adaptor.BeginUndo("Record");
+  adaptor.BeginRecording();
+  for (int frame = 0; frame <= 10; ++frame) WriteX(node, frame / 10.0, frame);
+  adaptor.EndRecording();
+  adaptor.EndUndo();
+}
+
 TEST_P(AdaptorContract, SpeaksTheInterfaceVersion) {
   EXPECT_EQ(adaptor->GetInterfaceVersion(), 20110);
   EXPECT_FALSE(adaptor->GetDataFolderName().empty());
@@ -164,18 +190,7 @@ TEST_P(AdaptorContract, TaggedNodesResolveByInstanceAndNodeName) {
 TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
   TestInstance tool("Cam01");
   CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
-  adaptor->BeginUndo("Record");
-  adaptor->BeginRecording();
-  for (int frame = 0; frame <= 10; ++frame) {
-    CSnapshot* snapshot = node->GetSnapshot(frame / 10.0);
-    util::Matrix<double> pose;
-    pose.SetTranslation({double(frame), 0, 0});
-    snapshot->SetWorldTransform(pose);
-    EXPECT_DOUBLE_EQ(snapshot->GetTime(), frame / 10.0);
-    node->ReleaseSnapshot(snapshot);
-  }
-  adaptor->EndRecording();
-  adaptor->EndUndo();
+  RecordTenFrames(*adaptor, node);
   // The clock did not move: each read is of its own time.
   CSnapshot* at03 = node->GetSnapshot(0.3);
   CSnapshot* at07 = node->GetSnapshot(0.7);
@@ -189,9 +204,7 @@ TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
   adaptor->BeginUndo("Resimulate");
   node->InvalidateFrom(0.5);
   adaptor->EndUndo();
-  CSnapshot* later = node->GetSnapshot(0.9);
-  EXPECT_NEAR(later->GetWorldTransform().GetTranslation().x, 4.0, 1e-9);
-  node->ReleaseSnapshot(later);
+  EXPECT_NEAR(ReadX(node, 0.9), 4.0, 1e-9);
 
   // Undo brings the removed keys back, and one more undo the whole recording.
   adaptor->Undo();
@@ -208,39 +221,21 @@ TEST_P(AdaptorContract, SnapshotsReadAndWriteAtTheirOwnTime) {
 TEST_P(AdaptorContract, AWriteOutsideARecordingIsLiveAndWritesNoKey) {
   TestInstance tool("Cam01");
   CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
-  const auto write = [node](double time, double x) {
-    CSnapshot* snapshot = node->GetSnapshot(time);
-    util::Matrix<double> pose;
-    pose.SetTranslation({x, 0, 0});
-    snapshot->SetWorldTransform(pose);
-    node->ReleaseSnapshot(snapshot);
-  };
-  const auto read = [node](double time) {
-    CSnapshot* snapshot = node->GetSnapshot(time);
-    const double x = snapshot->GetWorldTransform().GetTranslation().x;
-    node->ReleaseSnapshot(snapshot);
-    return x;
-  };
   // Without keys the pose holds at all times.
-  write(0.2, -3.0);
-  EXPECT_NEAR(read(0.9), -3.0, 1e-9);
+  WriteX(node, 0.2, -3.0);
+  EXPECT_NEAR(ReadX(node, 0.9), -3.0, 1e-9);
+  RecordTenFrames(*adaptor, node);
 
-  adaptor->BeginUndo("Record");
-  adaptor->BeginRecording();
-  for (int frame = 0; frame <= 10; ++frame) write(frame / 10.0, frame);
-  adaptor->EndRecording();
-  adaptor->EndUndo();
+  WriteX(node, 0.45, 42.0);
+  EXPECT_NEAR(ReadX(node, 0.45), 42.0, 1e-9);
+  EXPECT_NEAR(ReadX(node, 0.3), 3.0, 1e-9);
+  EXPECT_NEAR(ReadX(node, 0.45), 4.5, 1e-9);  // no key at 0.45
 
-  write(0.45, 42.0);
-  EXPECT_NEAR(read(0.45), 42.0, 1e-9);
-  EXPECT_NEAR(read(0.3), 3.0, 1e-9);
-  EXPECT_NEAR(read(0.45), 4.5, 1e-9);  // no key at 0.45
-
-  write(1.5, 7.0);
-  EXPECT_NEAR(read(1.5), 7.0, 1e-9);
-  EXPECT_NEAR(read(2.5), 7.0, 1e-9);  // a fresh live value stays past the last key
-  EXPECT_NEAR(read(0.3), 3.0, 1e-9);
-  EXPECT_NEAR(read(1.5), 10.0, 1e-9);  // back to the last key: no key at 1.5
+  WriteX(node, 1.5, 7.0);
+  EXPECT_NEAR(ReadX(node, 1.5), 7.0, 1e-9);
+  EXPECT_NEAR(ReadX(node, 2.5), 7.0, 1e-9);  // a fresh live value stays past the last key
+  EXPECT_NEAR(ReadX(node, 0.3), 3.0, 1e-9);
+  EXPECT_NEAR(ReadX(node, 1.5), 10.0, 1e-9);  // back to the last key: no key at 1.5
 }
 
 TEST_P(AdaptorContract, SnapshotsComeFromAPool) {

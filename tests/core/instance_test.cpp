@@ -8,6 +8,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/takefile.h"
+#include "tests/sdk/testplugin.h"
 #include "tests/unidevice/testdevice.h"
 #include "unidevice/driverlist.h"
 #include "unidevice/dummydriver.h"
@@ -64,14 +65,6 @@ class Steering : public CCamera, public CInterface::Callback {
   std::vector<std::string> changes;
 };
 
-class SteeringPlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Steering(param); }
-  std::string GetName() override { return "Steering"; }
-  std::string GetTitle() override { return "Steering"; }
-  std::string GetCategory() override { return "Vehicle"; }
-};
-
 class InstanceRun : public testing::Test {
  protected:
   InstanceRun() { unidevice::DriverList::Instance().Register(&pads); }
@@ -91,23 +84,39 @@ class InstanceRun : public testing::Test {
     tool->gas->Bind(pad->GetControl(1));
   }
   const util::AVar_Linear<double>& Track(std::size_t channel) { return instance->RecordedTracks()[channel]; }
-  void Take(double from, int frames, double value) {
-    host.BeginUndo("Record");
-    instance->Start(from, Instance::Run::kRecording);
+  // Frames half a second apart from `from`; `press` sets the pad before frame k.
+  template <typename Press>
+  void RunFrames(Instance::Run run, double from, int frames, Press press) {
+    instance->Start(from, run);
     for (int k = 0; k < frames; ++k) {
-      pad->Press(0, value + k);
-      pad->Press(1, -value);
+      press(k);
       instance->Step(from + k * 0.5);
     }
     instance->Stop(from + frames * 0.5);
+  }
+  template <typename Press>
+  void Record(double from, int frames, Press press) {
+    host.BeginUndo("Record");
+    RunFrames(Instance::Run::kRecording, from, frames, press);
     host.EndUndo();
   }
+  void Take(double from, int frames, double value) {
+    Record(from, frames, [&](int k) { pad->Press(0, value + k); pad->Press(1, -value); });
+  }
+  void Resimulate(int frames) { RunFrames(Instance::Run::kResimulating, 0.0, frames, [](int) {}); }
+  // Writes the text as a take file and imports it.
+  bool Import(const std::string& text, std::string& error) {
+    std::ofstream(takePath, std::ios::binary) << text;
+    return ImportTakeCsv(takePath, *instance, &error);
+  }
+
+  const std::string takePath = testing::TempDir() + "/take.csv";
 
   unidevice::DummyDriver dummy;
   unidevice::Driver pads{"pads"};
   TestDevice* pad = nullptr;
   StandaloneAdaptorInterface host;
-  SteeringPlugin plugin;
+  testing_support::TestPlugin<Steering> plugin{"Steering", "Vehicle"};
   std::unique_ptr<Instance> instance;
   Steering* tool = nullptr;
 };
@@ -144,9 +153,7 @@ TEST_F(InstanceRun, AResimulationFeedsTheRecordedValuesThroughTheShaping) {
   tool->steered.clear();
   tool->steer->multiplier = 2;
   pad->Press(0, 0.0);
-  instance->Start(0.0, Instance::Run::kResimulating);
-  for (int k = 0; k < 3; ++k) instance->Step(k * 0.5);
-  instance->Stop(1.5);
+  Resimulate(3);
   EXPECT_EQ(tool->steered, (std::vector<double>{1.0, 3.0, 5.0}));
   // The real control is back.
   EXPECT_EQ(tool->steer->source, pad->GetControl(0));
@@ -158,15 +165,7 @@ TEST_F(InstanceRun, ATwoKeyAxisRecordsAndReplaysTheKeysPressed) {
   unidevice::EmulatedTControl keys(pad->GetControl(0), pad->GetControl(2));
   tool->steer->Bind(&keys);
   const std::vector<std::pair<double, double>> pressed = {{1, 0}, {0, 0}, {0, 1}, {1, 1}};
-  host.BeginUndo("Record");
-  instance->Start(0.0, Instance::Run::kRecording);
-  for (std::size_t k = 0; k < pressed.size(); ++k) {
-    pad->Press(0, pressed[k].first);
-    pad->Press(2, pressed[k].second);
-    instance->Step(k * 0.5);
-  }
-  instance->Stop(2.0);
-  host.EndUndo();
+  Record(0.0, 4, [&](int k) { pad->Press(0, pressed.at(k).first); pad->Press(2, pressed.at(k).second); });
   const std::vector<double> live = {1, 0, -1, 0};
   EXPECT_EQ(tool->steered, live);
   for (std::size_t k = 0; k < live.size(); ++k) EXPECT_EQ(Track(0).Get(k * 0.5), live[k]) << k;
@@ -174,9 +173,7 @@ TEST_F(InstanceRun, ATwoKeyAxisRecordsAndReplaysTheKeysPressed) {
   tool->steered.clear();
   pad->Press(0, 0.0);
   pad->Press(2, 0.0);
-  instance->Start(0.0, Instance::Run::kResimulating);
-  for (std::size_t k = 0; k < live.size(); ++k) instance->Step(k * 0.5);
-  instance->Stop(2.0);
+  Resimulate(4);
   EXPECT_EQ(tool->steered, live);
   EXPECT_EQ(tool->steer->source, &keys);
 }
@@ -307,12 +304,10 @@ TEST_F(InstanceRun, BadTakeFilesAreRefusedWithTheLineAndNothingChanges) {
       {"time,Steer\n0,1\n1e18,1\n", ": line 3: column \"time\": 1e18 s lies outside the scene's 0 s to 86400 s (a day)"},
       {"time,Steer\n-0.5,1\n", ": line 2: column \"time\": -0.5 s lies outside the scene's 0 s to 86400 s (a day)"},
       {"time,Steer,Gas\n0,1\n", ": line 2: 2 values where the header has 3"}};
-  const std::string path = testing::TempDir() + "/bad_take.csv";
   for (const auto& [text, problem] : files) {
-    std::ofstream(path) << text;
     std::string error;
-    EXPECT_FALSE(ImportTakeCsv(path, *instance, &error));
-    EXPECT_EQ(error, path + problem);
+    EXPECT_FALSE(Import(text, error));
+    EXPECT_EQ(error, takePath + problem);
   }
   for (const auto& track : instance->RecordedTracks()) EXPECT_TRUE(track.records.empty());
 }
@@ -326,11 +321,9 @@ TEST_F(InstanceRun, ATakeFromCsvFillsTheTracksByChannelName) {
       "time;Gas;Steer\r\n0;1;0,5\r\n0,5;1;1,5\r\n1;0;2,5\r\n",
       "time, Gas, Steer\n0, 1, 0.5\n 0.5 ,1,1.5\n1,0,2.5",
   };
-  const std::string path = testing::TempDir() + "/take.csv";
   for (const char* text : files) {
-    std::ofstream(path, std::ios::binary) << text;
     std::string error;
-    ASSERT_TRUE(ImportTakeCsv(path, *instance, &error)) << error;
+    ASSERT_TRUE(Import(text, error)) << error;
     ASSERT_EQ(Track(0).records.size(), 3u) << text;
     EXPECT_EQ(Track(0).Get(0.5), 1.5) << text;  // Steer is the first channel
     EXPECT_EQ(Track(1).Get(1.0), 0.0) << text;

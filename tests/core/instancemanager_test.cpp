@@ -24,7 +24,10 @@ using adaptor::standalone::StandaloneAdaptorInterface;
 using adaptor::standalone::StandaloneNode;
 using testing_support::TestTool;
 
-TestTool& Tool(InstanceReference& item) { return *static_cast<TestTool*>(item.instance->GetTool()); }
+template <typename Kind = TestTool>
+Kind& Tool(InstanceReference& item) {
+  return *static_cast<Kind*>(item.instance->GetTool());
+}
 
 // A tool that makes no node: a count kept in its saved bytes.
 class CounterTool : public CCamera, public CInterface::Callback {
@@ -53,18 +56,10 @@ class CounterTool : public CCamera, public CInterface::Callback {
   std::int32_t count = 0;
 };
 
-class CounterToolPlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new CounterTool(param); }
-  std::string GetName() override { return "Counter"; }
-  std::string GetTitle() override { return "Counter"; }
-  std::string GetCategory() override { return "Accessory"; }
-};
-
 const ToolTable& Tools() {
   static const ToolTable table = [] {
     ToolTable entries = testing_support::TestTools();
-    entries[1] = []() -> CCameraPlugin* { return new CounterToolPlugin; };
+    entries[1] = []() -> CCameraPlugin* { return new testing_support::TestPlugin<CounterTool>("Counter", "Accessory"); };
     return entries;
   }();
   return table;
@@ -117,10 +112,10 @@ struct LinkedTools {
         second(scene.tools.Create("TestTool")),
         floor(scene.host.GetScene().CreateNode(adaptor::standalone::ObjectKind::kEmpty, "Floor")) {
     StandaloneNode floorNode(&scene.host, floor);
-    CoreNode* target = static_cast<CoreNode*>(first->instance->FindNode("Target"));
+    CoreNode* target = NodeOf(*first, "Target");
     target->SetParent(&floorNode);
-    static_cast<CoreNode*>(first->instance->FindNode("Camera"))->SetParent(target);
-    static_cast<CoreNode*>(second->instance->FindNode("Camera"))->SetParent(target);
+    NodeOf(*first, "Camera")->SetParent(target);
+    NodeOf(*second, "Camera")->SetParent(target);
   }
   InstanceReference* first;
   InstanceReference* second;
@@ -382,7 +377,7 @@ TEST_F(ToolsInScenes, AToolWithoutNodesSurvivesTheSceneFile) {
     Scene scene;
     InstanceReference* counter = scene.tools.Create("Counter");
     ASSERT_NE(counter, nullptr);
-    static_cast<CounterTool*>(counter->instance->GetTool())->count = 42;
+    Tool<CounterTool>(*counter).count = 42;
     scene.tools.Create("TestTool", "", counter);
     scene.tools.Create("TestTool");
     scene.Save(Path("no_nodes.gltf"));
@@ -394,7 +389,7 @@ TEST_F(ToolsInScenes, AToolWithoutNodesSurvivesTheSceneFile) {
   ASSERT_EQ(scene.tools.AllInstances().size(), 3u);
   InstanceReference* counter = scene.tools.Find("Counter_01");
   ASSERT_NE(counter, nullptr);
-  EXPECT_EQ(static_cast<CounterTool*>(counter->instance->GetTool())->count, 42);
+  EXPECT_EQ(Tool<CounterTool>(*counter).count, 42);
   ASSERT_EQ(counter->GetChildCount(), 1u);
   EXPECT_EQ(static_cast<InstanceReference*>(counter->GetChild(0))->GetLabel(), "TestTool_01");
   EXPECT_EQ(scene.host.GetScene().Root().properties.count("RGT_tag"), 0u);
@@ -410,12 +405,12 @@ TEST_F(ToolsInScenes, ALoadedToolMakesTheFactoryAndStartProfiles) {
   {
     Scene scene;
     InstanceReference* item = scene.tools.Create("Counter");
-    static_cast<CounterTool*>(item->instance->GetTool())->rate = 7;
+    Tool<CounterTool>(*item).rate = 7;
     saved = item->Serialize(InstanceReference::kFullContent);
   }
   Scene scene;
   ASSERT_EQ(scene.tools.LoadToolTree(saved), 1);
-  EXPECT_EQ(static_cast<CounterTool*>(scene.Top(0).instance->GetTool())->rate, 7);
+  EXPECT_EQ(Tool<CounterTool>(scene.Top(0)).rate, 7);
   Plugin* plugin = scene.library.FindTool("Counter");
   for (XMLFileManager* manager : {&plugin->ConfigProfiles(), &plugin->InputProfiles()}) {
     for (const char* name : {Plugin::kFactorySettings, Plugin::kStartProfile}) {

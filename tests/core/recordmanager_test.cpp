@@ -10,6 +10,7 @@
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
+#include "tests/sdk/testplugin.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -41,14 +42,6 @@ class Probe : public CCamera {
   unidevice::Property* channel = nullptr;
   CNode* node = nullptr;
   std::vector<double> steps, heard;
-};
-
-class ProbePlugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Probe(param); }
-  std::string GetName() override { return "Probe"; }
-  std::string GetTitle() override { return "Probe"; }
-  std::string GetCategory() override { return "Camera"; }
 };
 
 class Host : public StandaloneAdaptorInterface {
@@ -92,12 +85,13 @@ class Recording : public testing::Test, public InstanceList {
     for (const std::int64_t ms : ticks) TickAt(ms);
     recorder.StopRecording();
   }
-  std::size_t KeysOf(Probe& probe) {
-    return static_cast<adaptor::standalone::StandaloneNode*>(probe.node)->GetHostNode()->track.Keys().size();
+  // The keys on the first tool's node.
+  const auto& Keys() {
+    return static_cast<adaptor::standalone::StandaloneNode*>(First().node)->GetHostNode()->track.Keys();
   }
 
   Host host;
-  ProbePlugin plugin;
+  testing_support::TestPlugin<Probe> plugin{"Probe", "Camera"};
   std::vector<std::unique_ptr<Instance>> instances;
   RecordManager recorder{&host, nullptr, this};
   std::int64_t nowMs = 0;
@@ -182,7 +176,7 @@ TEST_F(Recording, ATakeHasRoomForItsRangeAndNothingMovesWhileItRuns) {
     host.SetAnimationRange({0, rangeEnd});
     recorder.StartRecording();
     EXPECT_EQ(util::HistoryHorizon(), frames) << rangeEnd;
-    const auto& keys = static_cast<adaptor::standalone::StandaloneNode*>(First().node)->GetHostNode()->track.Keys();
+    const auto& keys = Keys();
     const auto& inputs = instances[0]->RecordedTracks().at(0).records;
     EXPECT_GE(keys.capacity(), frames);
     EXPECT_GE(inputs.capacity(), frames);
@@ -205,7 +199,7 @@ TEST_F(Recording, StopInTheCountdownLeavesNoKeysAndTheClockAtTheStart) {
   recorder.StopRecording();
   EXPECT_TRUE(First().steps.empty());
   EXPECT_DOUBLE_EQ(host.GetTime(), 1.0);
-  EXPECT_EQ(KeysOf(First()), 1u);  // the pinning key at the start only
+  EXPECT_EQ(Keys().size(), 1u);  // the pinning key at the start only
 }
 
 TEST_F(Recording, TimeChangesReachOnlyTheToolsTakingPart) {
@@ -217,10 +211,10 @@ TEST_F(Recording, TimeChangesReachOnlyTheToolsTakingPart) {
 
 TEST_F(Recording, OneHostUndoTakesBackKeysAndTracks) {
   Record({0, 100, 200});
-  ASSERT_GT(KeysOf(First()), 2u);
+  ASSERT_GT(Keys().size(), 2u);
   ASSERT_FALSE(instances[0]->RecordedTracks()[0].records.empty());
   host.Undo();
-  EXPECT_EQ(KeysOf(First()), 0u);
+  EXPECT_EQ(Keys().size(), 0u);
   EXPECT_TRUE(instances[0]->RecordedTracks()[0].records.empty());
 }
 
@@ -233,7 +227,7 @@ TEST_F(Recording, ControlZAloneRetakesOrLeavesItIdleWhenUndoFails) {
   EXPECT_FALSE(recorder.OnKey(89, true, false, false, false));
   EXPECT_TRUE(recorder.OnKey(90, true, false, false, false));
   EXPECT_TRUE(recorder.IsRecording());
-  EXPECT_EQ(KeysOf(First()), 1u);  // the retake's pinning key only
+  EXPECT_EQ(Keys().size(), 1u);  // the retake's pinning key only
   host.undoWorks = false;
   EXPECT_TRUE(recorder.OnKey(90, true, false, false, false));
   EXPECT_FALSE(recorder.IsRecording());

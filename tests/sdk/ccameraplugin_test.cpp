@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/sdk/testplugin.h"
+
 namespace vuk::rgw {
 namespace {
 
@@ -10,16 +12,8 @@ class Tool : public CCamera {
   using CCamera::CCamera;
 };
 
-class Plugin : public CCameraPlugin {
- public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new Tool(param); }
-  std::string GetName() override { return "SampleCam"; }
-  std::string GetTitle() override { return "SampleCam"; }
-  std::string GetCategory() override { return "Camera"; }
-};
-
 TEST(CCameraPlugin, CreateFillsInThePluginAndTheObjectCopiesTheRecord) {
-  Plugin plugin;
+  testing_support::TestPlugin<Tool> plugin("SampleCam", "Camera");
   EXPECT_EQ(plugin.GetSdkVersion(), 20110);
   CCamera::CreateParam param("SampleCam01");
   CCamera* tool = plugin.Create(param);

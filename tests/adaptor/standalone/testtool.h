@@ -6,6 +6,7 @@
 #include "sdk/ccamera.h"
 #include "sdk/ccameraplugin.h"
 #include "sdk/cinterface.h"
+#include "tests/sdk/testplugin.h"
 #include "util/avar.h"
 
 namespace vuk::rgw::testing_support {
@@ -31,12 +32,9 @@ class TestTool : public CCamera, public CInterface::Callback {
   util::AVar_Nearest<util::Vector3<double>> path;
 };
 
-class TestToolPlugin : public CCameraPlugin {
+class TestToolPlugin : public TestPlugin<TestTool> {
  public:
-  CCamera* CreateObject(CCamera::CreateParam& param) override { return new TestTool(param); }
-  std::string GetName() override { return "TestTool"; }
-  std::string GetTitle() override { return "Test Tool"; }
-  std::string GetCategory() override { return "Camera"; }
+  TestToolPlugin() : TestPlugin("TestTool", "Camera", "Test Tool") {}
 };
 
 }  // namespace vuk::rgw::testing_support
