@@ -1,6 +1,9 @@
 #include "adaptor/standalone/scenetags.h"
 
 #include <algorithm>
+#include <atomic>
+#include <future>
+#include <thread>
 #include <cstdlib>
 #include <functional>
 #include <utility>
@@ -107,6 +110,20 @@ bool UnpackMaster(Element& master) {
     return true;
   }
   return true;
+}
+
+std::vector<char> UnpackMasters(std::vector<Element>& masters) {
+  std::vector<char> unpacked(masters.size());
+  std::atomic<std::size_t> next{0};
+  const auto work = [&] {
+    for (std::size_t i = next++; i < masters.size(); i = next++) unpacked[i] = UnpackMaster(masters[i]);
+  };
+  const std::size_t helpers = std::min<std::size_t>(std::thread::hardware_concurrency(), masters.size());
+  std::vector<std::future<void>> running;
+  for (std::size_t h = 1; h < helpers; ++h) running.push_back(std::async(std::launch::async, work));
+  work();
+  for (std::future<void>& helper : running) helper.get();
+  return unpacked;
 }
 
 bool IsNewerLayout(const Element& plugin) {

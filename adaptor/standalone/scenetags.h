@@ -29,6 +29,8 @@ void AddRootTools(const util::xml::Element& tree, std::vector<util::xml::Element
 // Unpacks a master's compressed "RGT_Plugin" in place. False when its blob
 // is empty or damaged: the tool can't be made from it.
 bool UnpackMaster(util::xml::Element& master);
+// UnpackMaster on each, the tools shared among the cores: each unpacks on its own.
+std::vector<char> UnpackMasters(std::vector<util::xml::Element>& masters);
 
 // True when the "RGT_Plugin" was written in a layout newer than this
 // program's: making the tool would lose what it can't read.

@@ -254,9 +254,12 @@ void StandaloneAdaptorInterface::LoadMasters(std::vector<util::xml::Element> mas
   std::vector<std::size_t> handedOn;
   std::vector<bool> kept(masters.size(), true);
   for (std::size_t i = 0; i < masters.size(); ++i) {
+    if (origins[i].node.empty()) rootElements[i] = masters[i].GetChild("RGT_Plugin");
+  }
+  const std::vector<char> unpacked = UnpackMasters(masters);
+  for (std::size_t i = 0; i < masters.size(); ++i) {
     KeptTool& tool = origins[i];
-    if (tool.node.empty()) rootElements[i] = masters[i].GetChild("RGT_Plugin");
-    if (UnpackMaster(masters[i])) {
+    if (unpacked[i]) {
       const util::xml::Element& plugin = masters[i].GetChild("RGT_Plugin");
       tool.name = plugin.GetChild("name").GetText();
       tool.type = plugin.GetChild("type").GetText();
