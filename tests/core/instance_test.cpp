@@ -110,7 +110,9 @@ class InstanceRun : public testing::Test {
     return ImportTakeCsv(takePath, *instance, &error);
   }
 
-  const std::string takePath = testing::TempDir() + "/take.csv";
+  // One file per test: CTest runs tests side by side.
+  const std::string takePath =
+      testing::TempDir() + "/take_" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".csv";
 
   unidevice::DummyDriver dummy;
   unidevice::Driver pads{"pads"};
