@@ -3,12 +3,14 @@
 #include <tiny_gltf.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 #include <limits>
 #include <set>
 
 #include "adaptor/standalone/gltfdata.h"
+#include "util/parallel.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -48,24 +50,27 @@ struct Curve {
   bool step = false;
 
   bool Empty() const { return ticks.empty(); }
+  // The value of key k; up to four components, as many as the curve has.
+  std::array<double, 4> Key(std::size_t k) const {
+    std::array<double, 4> out{};
+    std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(k * components), components, out.begin());
+    return out;
+  }
   // The value at t: held outside the keys, stepped or linear between them.
-  std::vector<double> At(Tick t) const {
+  std::array<double, 4> At(Tick t) const {
     const std::size_t n = components;
     const std::size_t i = static_cast<std::size_t>(std::lower_bound(ticks.begin(), ticks.end(), t) - ticks.begin());
-    auto value = [&](std::size_t k) {
-      return std::vector<double>(values.begin() + static_cast<std::ptrdiff_t>(k * n),
-                                 values.begin() + static_cast<std::ptrdiff_t>(k * n + n));
-    };
+    auto value = [&](std::size_t k) { return Key(k); };
     if (i == 0) return value(0);
     if (i == ticks.size()) return value(i - 1);
     if (ticks[i] == t || step) return value(ticks[i] == t ? i : i - 1);
     const double f = static_cast<double>(t - ticks[i - 1]) / static_cast<double>(ticks[i] - ticks[i - 1]);
-    const std::vector<double> a = value(i - 1), b = value(i);
+    const std::array<double, 4> a = value(i - 1), b = value(i);
     if (n == 4) {
       const Quat<double> q = Quat<double>::Slerp({a[0], a[1], a[2], a[3]}, {b[0], b[1], b[2], b[3]}, f);
       return {q.x, q.y, q.z, q.w};
     }
-    std::vector<double> out(n);
+    std::array<double, 4> out{};
     for (std::size_t c = 0; c < n; ++c) out[c] = a[c] + (b[c] - a[c]) * f;
     return out;
   }
@@ -140,21 +145,27 @@ void MergeKeys(const NodeCurves& curves, TransformTrack& track) {
   }
   std::sort(ticks.begin(), ticks.end());
   ticks.erase(std::unique(ticks.begin(), ticks.end()), ticks.end());
+  // Curves keyed on every tick, as exporters and we write them, are read
+  // key by key rather than searched.
+  const bool translationAligned = curves.translation.ticks == ticks;
+  const bool rotationAligned = curves.rotation.ticks == ticks;
+  const bool scaleAligned = curves.scale.ticks == ticks;
   std::vector<TransformKey> keys;
   keys.reserve(ticks.size());
-  for (Tick tick : ticks) {
+  for (std::size_t k = 0; k < ticks.size(); ++k) {
+    const Tick tick = ticks[k];
     TransformKey key = track.StaticPose();
     key.tick = tick;
     if (!curves.translation.Empty()) {
-      const auto v = curves.translation.At(tick);
+      const auto v = translationAligned ? curves.translation.Key(k) : curves.translation.At(tick);
       key.position = {v[0], v[1], v[2]};
     }
     if (!curves.rotation.Empty()) {
-      const auto v = curves.rotation.At(tick);
+      const auto v = rotationAligned ? curves.rotation.Key(k) : curves.rotation.At(tick);
       key.rotation = Quat<double>{v[0], v[1], v[2], v[3]}.Normalized();
     }
     if (!curves.scale.Empty()) {
-      const auto v = curves.scale.At(tick);
+      const auto v = scaleAligned ? curves.scale.Key(k) : curves.scale.At(tick);
       key.scale = {v[0], v[1], v[2]};
     }
     keys.push_back(key);
@@ -229,8 +240,13 @@ void AppendTrack(tinygltf::Model& model, int buffer, tinygltf::Animation& clip, 
 
 bool ReadTransformTracks(const tinygltf::Model& model, std::vector<TransformTrack>& tracks, std::string& problem) {
   const std::size_t count = model.nodes.size();
-  AccessorReader reader(model, problem);
   std::vector<NodeCurves> curves(count);
+  struct CurveSource {
+    const tinygltf::AnimationChannel* channel;
+    const tinygltf::AnimationSampler* sampler;
+    Curve* curve;
+  };
+  std::vector<CurveSource> sources;
   for (const tinygltf::Animation& animation : model.animations) {
     for (const tinygltf::AnimationChannel& channel : animation.channels) {
       if (channel.target_node < 0 || static_cast<std::size_t>(channel.target_node) >= count) continue;
@@ -244,17 +260,37 @@ bool ReadTransformTracks(const tinygltf::Model& model, std::vector<TransformTrac
                      : channel.target_path == "rotation"  ? node.rotation
                                                           : node.scale;
       curve.components = &curve == &node.rotation ? 4 : 3;
-      if (!ReadCurve(reader, animation.samplers[static_cast<std::size_t>(channel.sampler)], curve, problem)) {
-        problem = NodePlace(model, static_cast<std::size_t>(channel.target_node)) + ", " + channel.target_path + " keys: " + problem;
-        return false;
-      }
+      sources.push_back({&channel, &animation.samplers[static_cast<std::size_t>(channel.sampler)], &curve});
     }
   }
+  // Long takes give each curve hundreds of thousands of keys: the curves, and
+  // then the nodes, are read side by side. A curve that two channels name is
+  // read by both, and the later stands, as when read one by one.
+  std::vector<Curve> read(sources.size());
+  std::vector<std::string> problems(sources.size());
+  std::vector<char> readWell(sources.size());
+  util::ForEachInParallel(sources.size(), [&](std::size_t i) {
+    AccessorReader reader(model, problems[i]);
+    read[i].components = sources[i].curve->components;
+    readWell[i] = ReadCurve(reader, *sources[i].sampler, read[i], problems[i]);
+    if (!readWell[i]) {
+      const tinygltf::AnimationChannel& channel = *sources[i].channel;
+      problems[i] = NodePlace(model, static_cast<std::size_t>(channel.target_node)) + ", " + channel.target_path +
+                    " keys: " + problems[i];
+    }
+  });
+  for (std::size_t i = 0; i < sources.size(); ++i) {
+    if (!readWell[i]) {
+      problem = problems[i];
+      return false;
+    }
+    *sources[i].curve = std::move(read[i]);
+  }
   tracks.assign(count, TransformTrack());
-  for (std::size_t i = 0; i < count; ++i) {
+  util::ForEachInParallel(count, [&](std::size_t i) {
     tracks[i].SetStaticPose(TransformKey::FromMatrix(0, NodePose(model.nodes[i])));
     MergeKeys(curves[i], tracks[i]);
-  }
+  });
   return true;
 }
 

@@ -1,9 +1,6 @@
 #include "adaptor/standalone/scenetags.h"
 
 #include <algorithm>
-#include <atomic>
-#include <future>
-#include <thread>
 #include <cstdlib>
 #include <functional>
 #include <utility>
@@ -12,6 +9,7 @@
 #include "sdk/cextendable.h"
 #include "util/base64.h"
 #include "util/compressedblock.h"
+#include "util/parallel.h"
 #include "util/xml/tag.h"
 
 namespace vuk::rgw::adaptor::standalone {
@@ -114,15 +112,7 @@ bool UnpackMaster(Element& master) {
 
 std::vector<char> UnpackMasters(std::vector<Element>& masters) {
   std::vector<char> unpacked(masters.size());
-  std::atomic<std::size_t> next{0};
-  const auto work = [&] {
-    for (std::size_t i = next++; i < masters.size(); i = next++) unpacked[i] = UnpackMaster(masters[i]);
-  };
-  const std::size_t helpers = std::min<std::size_t>(std::thread::hardware_concurrency(), masters.size());
-  std::vector<std::future<void>> running;
-  for (std::size_t h = 1; h < helpers; ++h) running.push_back(std::async(std::launch::async, work));
-  work();
-  for (std::future<void>& helper : running) helper.get();
+  util::ForEachInParallel(masters.size(), [&](std::size_t i) { unpacked[i] = UnpackMaster(masters[i]); });
   return unpacked;
 }
 

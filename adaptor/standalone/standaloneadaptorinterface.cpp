@@ -7,6 +7,7 @@
 #include "adaptor/standalone/scenetags.h"
 #include "sdk/cinterface.h"
 #include "util/avar.h"
+#include "util/parallel.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -197,20 +198,31 @@ void StandaloneAdaptorInterface::GatherScene() {
   std::vector<util::xml::Element> masters;
   // Per master: where it came from, and its tool's name as the node's tag says it.
   std::vector<KeptTool> origins;
+  std::vector<std::pair<SceneNode*, const std::string*>> tagged;
   scene_.Walk([&](SceneNode& host) {
     const auto tag = host.properties.find(kTagProperty);
-    if (tag == host.properties.end() || tag->second.empty()) return;
+    if (tag != host.properties.end() && !tag->second.empty()) tagged.emplace_back(&host, &tag->second);
+  });
+  // A tag holds its tools' whole states: long takes make them big.
+  std::vector<util::xml::Element> tags(tagged.size());
+  std::vector<char> parsedWell(tagged.size());
+  util::ForEachInParallel(tagged.size(), [&](std::size_t i) {
+    parsedWell[i] = tags[i].ParseText(*tagged[i].second) == util::xml::kParsed;
+  });
+  for (std::size_t i = 0; i < tagged.size(); ++i) {
+    SceneNode& host = *tagged[i].first;
+    const std::string& text = *tagged[i].second;
     const std::string node = host.isRoot ? "" : host.hostName;
-    util::xml::Element parsed;
-    if (parsed.ParseText(tag->second) != util::xml::kParsed) {
-      keptTags_.emplace_back(&host, tag->second);
-      keptTools_.push_back({NameInDamagedTag(tag->second), "", node, "its tag is damaged"});
-      return;
+    util::xml::Element& parsed = tags[i];
+    if (!parsedWell[i]) {
+      keptTags_.emplace_back(&host, text);
+      keptTools_.push_back({NameInDamagedTag(text), "", node, "its tag is damaged"});
+      continue;
     }
     if (host.isRoot) {
       AddRootTools(parsed, masters);
       origins.resize(masters.size());
-      return;
+      continue;
     }
     // The states move on to be built; the record keeps the node's identity.
     const bool keep = !parsed.IsEmpty();
@@ -224,7 +236,7 @@ void StandaloneAdaptorInterface::GatherScene() {
                                   }),
                    children.end());
     if (keep) gatherRecords_.emplace_back(&host, std::move(parsed));
-  });
+  }
   // Without a loader nothing can take the tools up: the tags stay, so
   // nothing saved is lost.
   if (!loader_) return;
