@@ -51,7 +51,7 @@ std::set<std::string> Entries(const fs::path& folder) {
 // Starts rgw with its standard output and error going to the given files,
 // and the files it writes limited to `fileSizeLimit` bytes.
 pid_t Spawn(const Arguments& args, const std::string& out, const std::string& err, rlim_t fileSizeLimit = RLIM_INFINITY) {
-  std::vector<char*> argv{const_cast<char*>(RGW_PROGRAM)};
+  std::vector<char*> argv{const_cast<char*>(RGW_EXE)};
   for (const std::string& arg : args) argv.push_back(const_cast<char*>(arg.c_str()));
   argv.push_back(nullptr);
   const pid_t pid = fork();
@@ -61,7 +61,7 @@ pid_t Spawn(const Arguments& args, const std::string& out, const std::string& er
   if (outFd < 0 || errFd < 0 || dup2(outFd, 1) < 0 || dup2(errFd, 2) < 0) _exit(126);
   setenv("QT_QPA_PLATFORM", "offscreen", 1);
   const vuk::testing_support::FileSizeLimit limit(fileSizeLimit);
-  execv(RGW_PROGRAM, argv.data());
+  execv(RGW_EXE, argv.data());
   _exit(127);
 }
 
