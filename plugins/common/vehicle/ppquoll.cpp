@@ -200,8 +200,21 @@ void PPQuollRTQuatGlobLinVelocityControlWYNewNew::linearise() {
   const double dt = p.interval;
 
   Q_.setZero();
-  const double weights[kStates + 1] = {0, p.heightWeight,        p.velocityWeights[0],  p.velocityWeights[1], 0, 0, 0, 0,
-                                       0, p.yawWeight,           p.integratorWeights[0], p.integratorWeights[1]};
+  // Height, two velocities, then nothing on the rates and the tilt, yaw and
+  // the two position integrators.
+  const double weights[kStates + 1] = {0,
+                                       p.heightWeight,
+                                       p.velocityWeights[0],
+                                       p.velocityWeights[1],
+                                       0,
+                                       0,
+                                       0,
+                                       0,
+                                       0,
+                                       0,
+                                       p.yawWeight,
+                                       p.integratorWeights[0],
+                                       p.integratorWeights[1]};
   for (int i = 1; i <= kStates; ++i) Q_(i, i) = weights[i] * p.qScale;
   Q_.diagonal = true;
   Q_.symmetric = true;

@@ -41,7 +41,12 @@ struct PPQuollParameters {
   double thrustMax = 35000.0;
   double thrustMin = -35000.0;
   double yawChannelLimit = 50000.0;
-  double modelGain = 1.0 / 75;
+  // h = modelGain x 25 x interval scales the model's actuator paths. With
+  // 0.04 h is the interval itself, so the model's thrust and torque act as
+  // strongly as the plant's; at 1/75 (h a third of the interval) the plant
+  // answers three times harder than the gains expect and the yaw loop
+  // overshoots into a spin.
+  double modelGain = 0.04;
 };
 
 // The torque about the body's three axes of one unit of thrust from
