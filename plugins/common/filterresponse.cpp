@@ -44,16 +44,20 @@ bool PassesThrough(PassThrough rule, const Slices& slices, double k) {
 Quat Positive(const Quat& q) { return q.w < 0 ? -q : q; }
 
 // Both operands on the hemisphere of w >= 0, then the memory on the side of
-// the wanted value, so the component-wise lag follows the shorter arc.
+// the wanted value (|m - g|^2 > |m + g|^2 exactly when m.g < 0), so the
+// component-wise lag follows the shorter arc.
 void AlignForShortestArc(Quat& memory, Quat& wanted) {
   memory = Positive(memory);
   wanted = Positive(wanted);
-  const Quat difference{memory.x - wanted.x, memory.y - wanted.y, memory.z - wanted.z, memory.w - wanted.w};
-  const Quat sum{memory.x + wanted.x, memory.y + wanted.y, memory.z + wanted.z, memory.w + wanted.w};
-  if (difference.Dot(difference) > sum.Dot(sum)) memory = -memory;
+  if (memory.Dot(wanted) < 0) memory = -memory;
 }
 
-void RunQuat(const Slices& slices, Quat& memory, Quat wanted, double k) {
+template <typename Value>
+void RunSlices(const Slices& slices, Value& memory, const Value& wanted, double k) {
+  slices.Run(memory, wanted, k);
+}
+
+void RunSlices(const Slices& slices, Quat& memory, Quat wanted, double k) {
   AlignForShortestArc(memory, wanted);
   slices.Run(memory, wanted, k);
   memory.Normalize();
@@ -65,16 +69,7 @@ void Filter(PassThrough rule, Value& memory, const Value& wanted, double k, doub
   if (PassesThrough(rule, slices, k)) {
     memory = wanted;
   } else {
-    slices.Run(memory, wanted, k);
-  }
-}
-
-void FilterQuat(PassThrough rule, Quat& memory, const Quat& wanted, double k, double dt) {
-  const Slices slices(dt);
-  if (PassesThrough(rule, slices, k)) {
-    memory = wanted;
-  } else {
-    RunQuat(slices, memory, wanted, k);
+    RunSlices(slices, memory, wanted, k);
   }
 }
 
@@ -99,7 +94,7 @@ void filterResponseVector(Vector3& memory, const Vector3& wanted, double k, doub
 }
 
 void filterResponseQuat(Quat& memory, const Quat& wanted, double k, double dt) {
-  FilterQuat(PassThrough::kFactorOneOrZero, memory, wanted, k, dt);
+  Filter(PassThrough::kFactorOneOrZero, memory, wanted, k, dt);
 }
 
 void filterResponseClamped(double& memory, double wanted, double k, double dt) {
@@ -111,7 +106,7 @@ void filterResponseVectorClamped(Vector3& memory, const Vector3& wanted, double 
 }
 
 void filterResponseQuatClamped(Quat& memory, const Quat& wanted, double k, double dt) {
-  FilterQuat(PassThrough::kOvershootOrZero, memory, wanted, k, dt);
+  Filter(PassThrough::kOvershootOrZero, memory, wanted, k, dt);
 }
 
 void filterResponseLimited(double& memory, double wanted, double k, double maxRate, double dt) {
@@ -121,7 +116,7 @@ void filterResponseLimited(double& memory, double wanted, double k, double maxRa
     const double reach = std::abs(maxRate * dt);
     wanted = memory + std::clamp(wanted - memory, -reach, reach);
   }
-  slices.Run(memory, wanted, k);
+  RunSlices(slices, memory, wanted, k);
 }
 
 void filterResponseQuatLimited(Quat& memory, const Quat& wanted, double k, double maxRate, double dt) {
@@ -133,7 +128,7 @@ void filterResponseQuatLimited(Quat& memory, const Quat& wanted, double k, doubl
     const double angle = Quat::AngleBetween(memory, wanted);
     if (angle > reach) reachable = Quat::Slerp(memory, wanted, reach / angle);
   }
-  RunQuat(slices, memory, reachable, k);
+  RunSlices(slices, memory, reachable, k);
 }
 
 }  // namespace vuk::rgw::addon
