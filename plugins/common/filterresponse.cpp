@@ -10,11 +10,15 @@ namespace {
 using Vector3 = util::Vector3<double>;
 using Quat = util::Quat<double>;
 
-// One step of the linear filter: the fraction f of the way to the wanted value.
-double Towards(double memory, double wanted, double f) { return memory + (wanted - memory) * f; }
-Vector3 Towards(const Vector3& memory, const Vector3& wanted, double f) { return memory + (wanted - memory) * f; }
-Quat Towards(const Quat& m, const Quat& wanted, double f) {
-  return {Towards(m.x, wanted.x, f), Towards(m.y, wanted.y, f), Towards(m.z, wanted.z, f), Towards(m.w, wanted.w, f)};
+// One slice: the fraction s x k of the way to the wanted value. The error is
+// scaled by s, then by k, as recorded takes were keyed with; s x k first
+// would round differently.
+double Towards(double memory, double wanted, double s, double k) { return memory + (wanted - memory) * s * k; }
+Vector3 Towards(const Vector3& memory, const Vector3& wanted, double s, double k) {
+  return memory + (wanted - memory) * s * k;
+}
+Quat Towards(const Quat& m, const Quat& g, double s, double k) {
+  return {Towards(m.x, g.x, s, k), Towards(m.y, g.y, s, k), Towards(m.z, g.z, s, k), Towards(m.w, g.w, s, k)};
 }
 
 // n slices of s x 0.04 s each: n = 1 + trunc(dt / 0.04), s = (dt / 0.04) / n.
@@ -27,7 +31,7 @@ struct Slices {
   bool Overshoots(double k) const { return share * k >= 1.0; }
   template <typename Value>
   void Run(Value& memory, const Value& wanted, double k) const {
-    for (double i = 0; i < count; ++i) memory = Towards(memory, wanted, share * k);
+    for (double i = 0; i < count; ++i) memory = Towards(memory, wanted, share, k);
   }
   double count;
   double share;
