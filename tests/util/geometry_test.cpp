@@ -143,6 +143,92 @@ TEST(Quat, SlerpTakesTheShorterArc) {
   EXPECT_NEAR(std::fabs(Q::Slerp(a, -b, 0.5).Dot(eighth)), 1.0, 1e-15);
 }
 
+// Shortest arcs worked out by hand: the axis is from x to, the angle the one
+// between the directions; lengths don't matter.
+TEST(Quat, FromToTakesTheShortestArc) {
+  const struct {
+    V from, to;
+    Q expected;
+  } cases[] = {{{1, 0, 0}, {0, 3, 0}, {0, 0, kRootHalf, kRootHalf}},
+               {{0, 0, 2}, {0, 1, 0}, {-kRootHalf, 0, 0, kRootHalf}},
+               {{1, 1, 0}, {1, 0, 0}, {0, 0, -std::sin(kPi / 8), std::cos(kPi / 8)}},
+               {{0, 5, 0}, {0, 2, 0}, {0, 0, 0, 1}}};
+  for (const auto& c : cases) {
+    ExpectNear(Q::FromTo(c.from, c.to), c.expected);
+    ExpectNear(Q::FromTo(c.from, c.to).Rotate(c.from.Normalized()), c.to.Normalized());
+  }
+}
+
+TEST(Quat, FromToTurnsAnyDirectionOntoAnotherByTheAngleBetweenThem) {
+  std::mt19937 random(5);
+  std::normal_distribution<double> normal;
+  for (int round = 0; round < 300; ++round) {
+    const V a{normal(random), normal(random), normal(random)}, b{normal(random), normal(random), normal(random)};
+    const Q q = Q::FromTo(a, b);
+    EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
+    ExpectNear(q.Rotate(a.Normalized()), b.Normalized(), 1e-14);
+    EXPECT_NEAR(q.Angle(), std::acos(a.Normalized().Dot(b.Normalized())), 1e-7);
+  }
+}
+
+// Opposite directions: half a turn about some axis normal to the first.
+TEST(Quat, FromToOppositeDirectionsIsAHalfTurn) {
+  const V directions[] = {{1, 0, 0}, {0, -1, 0}, {0, 0, 3}, {0.95, 0.1, 0}, {1, 2, 3}};
+  for (const V& a : directions) {
+    const Q q = Q::FromTo(a, -a);
+    EXPECT_EQ(q.w, 0.0);
+    EXPECT_NEAR(q.Norm(), 1.0, 1e-15);
+    EXPECT_NEAR(V(q.x, q.y, q.z).Dot(a), 0.0, 1e-15);
+    ExpectNear(q.Rotate(a), -a, 1e-14);
+  }
+}
+
+// Angles in [0, pi]; past a half turn the other way round is shorter, and q
+// and -q are the same rotation.
+TEST(Quat, AngleIsTheAxisAngleLength) {
+  const std::pair<double, double> cases[] = {{0, 0},         {1e-9, 1e-9},           {0.5, 0.5}, {kHalfPi, kHalfPi},
+                                             {kPi, kPi},     {1.5 * kPi, kHalfPi},   {2 * kPi - 1e-9, 1e-9}};
+  const V axes[] = {{1, 0, 0}, {0, -2, 0}, {1, 2, 3}};
+  for (const auto& [turned, angle] : cases) {
+    for (const V& axis : axes) {
+      const Q q = Q::FromAxisAngle(axis, turned);
+      EXPECT_NEAR(q.Angle(), angle, 1e-15) << turned;
+      EXPECT_NEAR((-q).Angle(), angle, 1e-15) << turned;
+      EXPECT_NEAR(Q(q.x * 3, q.y * 3, q.z * 3, q.w * 3).Angle(), angle, 1e-15) << turned;
+    }
+  }
+}
+
+TEST(Quat, AngleBetweenIsTheAngleOfTheRelativeRotation) {
+  std::mt19937 random(9);
+  std::uniform_real_distribution<double> angle(0, kPi);
+  for (int round = 0; round < 300; ++round) {
+    const Q a = RandomRotation(random);
+    const double turned = angle(random);
+    const Q turn = Q::FromAxisAngle(RandomRotation(random).Rotate({1, 0, 0}), turned);
+    EXPECT_NEAR(Q::AngleBetween(a, a * turn), turned, 1e-7);
+    EXPECT_NEAR(Q::AngleBetween(a, turn * a), turned, 1e-7);
+    EXPECT_NEAR(Q::AngleBetween(-a, turn * a), turned, 1e-7);
+    EXPECT_NEAR(Q::AngleBetween(turn * a, a), turned, 1e-7);
+  }
+  EXPECT_EQ(Q::AngleBetween(Q(0, 0.6, 0, 0.8), Q(0, 0.6, 0, 0.8)), 0.0);
+}
+
+// The logarithm undoes the exponential for angles up to pi, and gives the
+// same vector for q and -q.
+TEST(Quat, RotationVectorInvertsTheExponential) {
+  std::mt19937 random(11);
+  std::uniform_real_distribution<double> angle(0, kPi);
+  for (int round = 0; round < 300; ++round) {
+    const V v = RandomRotation(random).Rotate({1, 0, 0}) * angle(random);
+    const Q q = Q::FromRotationVector(v);
+    ExpectNear(q.ToRotationVector(), v, 1e-13);
+    ExpectNear((-q).ToRotationVector(), v, 1e-13);
+  }
+  ExpectNear(Q::FromRotationVector({0, 1e-10, 0}).ToRotationVector(), V(0, 1e-10, 0), 1e-24);
+  EXPECT_EQ(Q().ToRotationVector(), V());
+}
+
 TEST(Matrix, ProductAppliesTheRightOperandFirstAndMayWriteIntoAnOperand) {
   // FromQuat doesn't normalise: the diagonal is w^2 = 4.
   EXPECT_EQ(M::FromQuat({0, 0, 0, 2}), FromElements({4, 0, 0, 0, 0, 4, 0, 0, 0, 0, 4, 0, 0, 0, 0, 1}));
