@@ -73,6 +73,37 @@ struct Quat {
     return v + t * w + u.Cross(t);
   }
 
+  // The shortest-arc rotation that turns the direction of from into that of
+  // to. Opposite directions turn half a turn about an axis normal to from.
+  static Quat FromTo(const Vector3<T>& from, const Vector3<T>& to) {
+    const Vector3<T> a = from.Normalized();
+    const Vector3<T> b = to.Normalized();
+    const Vector3<T> c = a.Cross(b);
+    // (a x b, 1 + a.b) is the half-angle rotation before normalising; it
+    // vanishes only for opposite directions, where any normal axis will do.
+    const Quat q{c.x, c.y, c.z, 1 + a.Dot(b)};
+    if (q.Dot(q) > T(1e-24)) return q.Normalized();
+    const Vector3<T> other = std::abs(a.x) < T(0.9) ? Vector3<T>{1, 0, 0} : Vector3<T>{0, 1, 0};
+    const Vector3<T> axis = a.Cross(other).Normalized();
+    return {axis.x, axis.y, axis.z, 0};
+  }
+
+  // The rotation vector (axis times angle, the angle in [0, pi]), the inverse
+  // of FromRotationVector. q and -q give the same; the scale of q is ignored.
+  Vector3<T> ToRotationVector() const {
+    const Vector3<T> axis = w < 0 ? Vector3<T>{-x, -y, -z} : Vector3<T>{x, y, z};
+    const T sine = axis.Length();
+    if (sine == 0) return {};
+    return axis * (Angle() / sine);
+  }
+
+  // The angle of this rotation in [0, pi], alike for q and -q. atan2 keeps
+  // small angles exact where acos(w) would lose them.
+  T Angle() const { return 2 * std::atan2(Vector3<T>{x, y, z}.Length(), std::abs(w)); }
+
+  // The angle of the rotation that takes a to b.
+  static T AngleBetween(const Quat& a, const Quat& b) { return (a.Conjugate() * b).Angle(); }
+
   // Spherical interpolation along the shorter arc.
   static Quat Slerp(const Quat& a, Quat b, T t) {
     T cosine = a.Dot(b);
