@@ -43,11 +43,9 @@ struct CarWheel {
   double compression = 0;
   double compressionFormer = 0;  // of the previous sub-step
   double springForce = 0;
-  double yaw = 0;
-  double yawFormer = 0;
+  double yaw = 0, yawFormer = 0;
   double pitchIncrement = 0;
-  double totalPitch = 0;
-  double totalPitchFormer = 0;
+  double totalPitch = 0, totalPitchFormer = 0;
   double pitchTurn = 0;  // what the total pitch turned this frame, unwrapped
   double gravelTarget = 0;
   double gravelMemory = 0;
@@ -152,12 +150,11 @@ class CCarCam {
 
   bool bIsReverseVelAbsBraking = false;
   bool bAbsIdle = true;
-  double dAbsReference = 0;
+  double dAbsReference = 0;  // the gas value the braking started from
   double dAbsFormerGasRaw = 0;
-  double dGasRawFormer = 0;
-  double dSteeringRawFormer = 0;
-  double dGasPedalInputFilterMem = 0;
-  double dInputFilterMem = 0;
+  // Former raws of the rate limits, and the autonomous mode's memories.
+  double dGasRawFormer = 0, dSteeringRawFormer = 0;
+  double dGasPedalInputFilterMem = 0, dInputFilterMem = 0;
 
   bool bBurnoutOn = false;
   double dBurnoutSavedSteeringResponse = 0;

@@ -163,6 +163,34 @@ TEST(CarCam, RightTurnLeansTheBodyOutwards) {
   EXPECT_GT(car.cCarBody.fRelZAng, 1e-3);
 }
 
+struct AirCase {
+  bool gravityOn;
+  double expectedFallSpeed;  // along gravity after a second, L per second
+};
+
+class InTheAir : public testing::TestWithParam<AirCase> {};
+
+// A car driving off an edge: with gravity it falls at a quarter of the jump
+// gravity (L g / 4 per second), without it it keeps its increment.
+TEST_P(InTheAir, FallsByTheJumpGravityOrKeepsItsIncrement) {
+  TestGround ground;
+  CCarCam car = StartedCar(ground);
+  car.params.bGravityOn = GetParam().gravityOn;
+  DriveFor(car, ground, {1.0, 0, 0}, 0.04, 3.0);
+  ground.inTheAir = true;
+  ground.Feed(car);
+  const double sideways = car.vTransCarAbsIncr.z;
+  const double dt = 0.04;
+  DriveFor(car, ground, {1.0, 0, 0}, dt, 1.0);
+  EXPECT_TRUE(car.bCarInTheAir);
+  const double h = CCarCam::SubStepsFor(dt).length;
+  EXPECT_NEAR(-car.vTransCarAbsIncr.y / h / car.dLength, GetParam().expectedFallSpeed, 1e-9);
+  EXPECT_DOUBLE_EQ(car.vTransCarAbsIncr.z, sideways);
+}
+
+INSTANTIATE_TEST_SUITE_P(Gravity, InTheAir,
+                         testing::Values(AirCase{true, 9.81 * 0.25}, AirCase{false, 0.0}));
+
 // Frames of one sub-step each, so that each frame shows every sub-step.
 TEST(CarCam, HeavePitchAndRollStayWithinTheirLimitsOnEverySubStep) {
   TestGround ground;

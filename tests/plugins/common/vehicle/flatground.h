@@ -13,6 +13,7 @@ namespace vuk::rgw::addon::test {
 struct TestGround {
   double stepZ = -1e300;  // ground at stepHeight where z < stepZ
   double stepHeight = 0;
+  bool inTheAir = false;  // every wheel misses the ground
 
   void Feed(CCarCam& car, bool first = false) const {
     for (std::size_t i = 0; i < car.wheels.size(); ++i) {
@@ -22,7 +23,7 @@ struct TestGround {
       ground.distanceDriven = first ? 0.0 : (hit - ground.hitPoint).Length();
       ground.hitPoint = hit;
       ground.normal = {0, 1, 0};
-      ground.inTheAir = false;
+      ground.inTheAir = inTheAir;
       ground.compression = car.CompressionAt(i, hit);
       if (first) car.wheels[i].hitPointFormer = hit;
     }
