@@ -276,6 +276,18 @@ bool ReadPlotTime(const Options& options, const std::string& name, double& secon
   return false;
 }
 
+// The ticks a node's path covers: without a range, the keys that move the
+// node; a range given at one end only is held at that end.
+void PlotRange(const Options& options, double from, double to, const rgw::adaptor::standalone::Clock& clock,
+               const SceneNode& node, Tick& first, Tick& last) {
+  first = last = 0;
+  KeySpan(node, first, last);
+  if (options.Has("from")) first = clock.TickOf(from);
+  if (options.Has("to")) last = clock.TickOf(to);
+  if (last < first && options.Has("from")) last = first;
+  if (last < first) first = last;
+}
+
 int PlotScene(const Arguments& args) {
   const char* usage =
       "usage: rgw scene plot FILE --node NAME... --png OUT [--ground NODE] [--from S] [--to S]\n"
@@ -305,14 +317,8 @@ int PlotScene(const Arguments& args) {
   for (auto it = named.first; it != named.second; ++it) {
     const SceneNode* node = FindNode(session, options.file, it->second, error);
     if (!node) return Fail(error);
-    // Without a range, a path covers the keys that move its node; a range
-    // given at one end only is held at that end.
     Tick pathFrom = 0, pathTo = 0;
-    KeySpan(*node, pathFrom, pathTo);
-    if (options.Has("from")) pathFrom = clock.TickOf(from);
-    if (options.Has("to")) pathTo = clock.TickOf(to);
-    if (pathTo < pathFrom && options.Has("from")) pathTo = pathFrom;
-    if (pathTo < pathFrom) pathFrom = pathTo;
+    PlotRange(options, from, to, clock, *node, pathFrom, pathTo);
     const Tick frames = (pathTo - pathFrom) / clock.GetTicksPerFrame();
     if (frames > rgw::core::Resimulator::kMaxFrames) {
       return Fail(node->hostName + " over " + Seconds(clock.SecondsOf(pathFrom)) + " to " +

@@ -325,7 +325,9 @@ QImage DrawPlot(const Plot& plot) {
   painter.setPen(kInk);
   painter.drawText(QRectF(0, 6, PlotLayout::kWidth, 20), Qt::AlignHCenter, QString::fromStdString(plot.title));
   const PanelMap top(PlotLayout::TopPanel(), Padded(xs.from, xs.to), Padded(zs.from, zs.to), true, true);
-  const PanelMap side(PlotLayout::SidePanel(), {0, std::max(distances.to, 1.0) * 1.04}, Padded(heights.from, heights.to),
+  // Room at both ends of the distance, so that the marks there show whole.
+  const double travelled = std::max(distances.to, 1.0);
+  const PanelMap side(PlotLayout::SidePanel(), {-0.04 * travelled, 1.04 * travelled}, Padded(heights.from, heights.to),
                       false, false);
   painter.drawText(top.Pixels().topLeft() - QPointF(0, 8), "From above: X to the right, Z toward the bottom");
   painter.drawText(side.Pixels().topLeft() - QPointF(0, 8), "From the side: height over the distance travelled");

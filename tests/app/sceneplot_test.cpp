@@ -2,12 +2,9 @@
 // sampled from a scene, a mesh ground's height below a point, the drawing,
 // and `rgw scene plot` on the demo scene.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <QGuiApplication>
 #include <QImage>
-#include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
@@ -15,6 +12,7 @@
 #include "app/rgw/picture.h"
 #include "app/rgw/sceneplot.h"
 #include "scenes/terrain.h"
+#include "tests/app/rgwprogram.h"
 
 namespace vuk::app {
 namespace {
@@ -199,20 +197,6 @@ TEST(DrawPlot, TheGroundShadesTheViewFromAboveByItsHeight) {
   const QColor low = shaded.pixelColor(left), high = shaded.pixelColor(right);
   EXPECT_GT(low.blue(), low.red());  // low ground is blue, high ground brown
   EXPECT_GT(high.red(), high.blue());
-}
-
-struct Ran {
-  int code;
-  std::string output;  // standard output and error
-};
-
-Ran Rgw(const std::string& arguments) {
-  FILE* pipe = popen((std::string(RGW_EXE) + " " + arguments + " 2>&1").c_str(), "r");
-  std::string output;
-  char line[4096];
-  while (pipe && std::fgets(line, sizeof line, pipe)) output += line;
-  const int status = pipe ? pclose(pipe) : -1;
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
 }
 
 class PlotCommand : public ::testing::Test {
