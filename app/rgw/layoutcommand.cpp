@@ -1,21 +1,18 @@
 // rgw layout: windows rendered offscreen to pictures, to look at them without a screen.
 #include <QApplication>
-#include <QBuffer>
-#include <QByteArray>
 #include <QImage>
 #include <QStyleFactory>
 #include <QWidget>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "app/rgw/commands.h"
+#include "app/rgw/picture.h"
 #include "app/rgw/samplepage.h"
 #include "gui/builder.h"
 #include "gui/qt/realizer.h"
-#include "util/atomicfile.h"
 #include "util/xml/element.h"
 
 namespace vuk::app {
@@ -49,15 +46,8 @@ int Render(vuk::gui::Component& root, const std::string& png, int width, int hei
   QApplication::processEvents();
   const QImage picture = window->grab().toImage();
   delete window;
-  QByteArray bytes;
-  QBuffer encoded(&bytes);
-  if (!encoded.open(QIODevice::WriteOnly) || !picture.save(&encoded, "PNG")) {
-    std::fprintf(stderr, "rgw: %s: the picture can't be written\n", png.c_str());
-    return 1;
-  }
   std::string error;
-  if (!vuk::util::AtomicFile::Replace(png, std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())),
-                                      &error)) {
+  if (!SavePng(picture, png, error)) {
     std::fprintf(stderr, "rgw: %s\n", error.c_str());
     return 1;
   }
@@ -111,10 +101,7 @@ int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
 
 int LayoutCommand(const Arguments& args) {
   if (args.empty() || WantsHelp(args) || (args[0] != "show" && args[0] != "page")) return LayoutUsage(args);
-  // Without a display the picture is drawn offscreen.
-  if (!std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY") && !std::getenv("QT_QPA_PLATFORM")) {
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  }
+  DrawOffscreenWithoutDisplay();
   int argc = 1;
   char name[] = "rgw";
   char* argv[] = {name, nullptr};

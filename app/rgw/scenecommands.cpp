@@ -1,3 +1,4 @@
+#include <QGuiApplication>
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -8,6 +9,8 @@
 
 #include "app/rgw/bindingwords.h"
 #include "app/rgw/commands.h"
+#include "app/rgw/picture.h"
+#include "app/rgw/sceneplot.h"
 #include "app/rgw/session.h"
 #include "app/rgw/wording.h"
 #include "core/prmfile.h"
@@ -23,6 +26,7 @@ namespace {
 
 using rgw::adaptor::standalone::ObjectKind;
 using rgw::adaptor::standalone::SceneNode;
+using rgw::adaptor::standalone::Tick;
 
 int Fail(const std::string& message) {
   std::fprintf(stderr, "rgw: %s\n", message.c_str());
@@ -247,6 +251,110 @@ int DescribeTool(const std::string& toolName) {
   return 0;
 }
 
+// The scene's node of that name, or null with the names it has in `error`.
+SceneNode* FindNode(Session& session, const std::string& file, const std::string& name, std::string& error) {
+  SceneNode* found = nullptr;
+  std::vector<std::string> names;
+  session.host.GetScene().Walk([&](SceneNode& node) {
+    if (node.isRoot) return;
+    names.push_back(node.hostName);
+    if (!found && node.hostName == name) found = &node;
+  });
+  if (!found) error = file + ": no node \"" + name + "\"; its nodes are " + Listed(names);
+  return found;
+}
+
+// A plot's --from or --to, in seconds of scene time; false with the reason.
+bool ReadPlotTime(const Options& options, const std::string& name, double& seconds, std::string& error) {
+  if (!ReadNumber(options.Get(name), seconds, error)) {
+    error = "--" + name + ": " + error;
+    return false;
+  }
+  if (seconds >= 0 && seconds <= rgw::core::Resimulator::kMaxSceneSeconds) return true;
+  error = "--" + name + " " + options.Get(name) + ": a plot lies within 0 s and " +
+          Seconds(rgw::core::Resimulator::kMaxSceneSeconds) + " of scene time (a day)";
+  return false;
+}
+
+// The ticks a node's path covers: without a range, the keys that move the
+// node; a range given at one end only is held at that end.
+void PlotRange(const Options& options, double from, double to, const rgw::adaptor::standalone::Clock& clock,
+               const SceneNode& node, Tick& first, Tick& last) {
+  first = last = 0;
+  KeySpan(node, first, last);
+  if (options.Has("from")) first = clock.TickOf(from);
+  if (options.Has("to")) last = clock.TickOf(to);
+  if (last < first && options.Has("from")) last = first;
+  if (last < first) first = last;
+}
+
+int PlotScene(const Arguments& args) {
+  const char* usage =
+      "usage: rgw scene plot FILE --node NAME... --png OUT [--ground NODE] [--from S] [--to S]\n"
+      "  Draws where the nodes go in one picture, from above and from the side: each over its keys\n"
+      "  and those of the nodes above it, or from S to S, at the scene's frame rate. A node that\n"
+      "  does not move is a dot. With --ground, a node with a mesh, the view from above is shaded\n"
+      "  by the ground's height and the side view shows the ground below each path.\n";
+  Options options{"node", "png", "ground", "from", "to"};
+  if (const auto code = options.Read(args, usage, {"node", "png"})) return *code;
+  std::string error;
+  double from = 0, to = 0;
+  if (options.Has("from") && !ReadPlotTime(options, "from", from, error)) return Fail(error);
+  if (options.Has("to") && !ReadPlotTime(options, "to", to, error)) return Fail(error);
+  if (options.Has("from") && options.Has("to") && to < from) {
+    return Fail("the range ends at " + Seconds(to) + ", before it starts at " + Seconds(from));
+  }
+  const auto named = options.values.equal_range("node");
+  if (static_cast<std::size_t>(std::distance(named.first, named.second)) > kPathColours) {
+    return Fail("a plot draws at most " + Counted(kPathColours, "node") + ", each in a colour of its own");
+  }
+  Session session;
+  if (!session.Open(options.file, error)) return Fail(error);
+  const rgw::adaptor::standalone::Clock& clock = session.host.GetScene().clock;
+  Plot plot;
+  std::vector<std::string> names;
+  Tick start = 0, end = 0;
+  for (auto it = named.first; it != named.second; ++it) {
+    const SceneNode* node = FindNode(session, options.file, it->second, error);
+    if (!node) return Fail(error);
+    Tick pathFrom = 0, pathTo = 0;
+    PlotRange(options, from, to, clock, *node, pathFrom, pathTo);
+    const Tick frames = (pathTo - pathFrom) / clock.GetTicksPerFrame();
+    if (frames > rgw::core::Resimulator::kMaxFrames) {
+      return Fail(node->hostName + " over " + Seconds(clock.SecondsOf(pathFrom)) + " to " +
+                  Seconds(clock.SecondsOf(pathTo)) + " is " + std::to_string(frames) + " frames; a plot draws at most " +
+                  std::to_string(rgw::core::Resimulator::kMaxFrames));
+    }
+    start = plot.paths.empty() ? pathFrom : std::min(start, pathFrom);
+    end = plot.paths.empty() ? pathTo : std::max(end, pathTo);
+    plot.paths.push_back(TracePath(*node, PathTicks(*node, clock, pathFrom, pathTo)));
+    names.push_back(node->hostName);
+  }
+  std::unique_ptr<MeshGround> ground;
+  if (options.Has("ground")) {
+    const SceneNode* node = FindNode(session, options.file, options.Get("ground"), error);
+    if (!node) return Fail("--ground: " + error);
+    if (node->mesh.faces.empty()) return Fail("--ground " + node->hostName + ": the node has no mesh to stand on");
+    // The ground as it stands where the plot starts.
+    ground = std::make_unique<MeshGround>(*node, start);
+    plot.ground = ground.get();
+    plot.groundName = node->hostName;
+  }
+  plot.title = std::filesystem::path(options.file).filename().string() + ", " + Seconds(clock.SecondsOf(start)) +
+               " to " + Seconds(clock.SecondsOf(end));
+  DrawOffscreenWithoutDisplay();
+  int argc = 1;
+  char program[] = "rgw";
+  char* argv[] = {program, nullptr};
+  QGuiApplication application(argc, argv);
+  const QImage picture = DrawPlot(plot);
+  if (!SavePng(picture, options.Get("png"), error)) return Fail(error);
+  const std::string over = plot.ground ? " over " + plot.groundName : "";
+  std::printf("drew %s (%s)%s, %d by %d pixels, written to %s\n", Counted(plot.paths.size(), "path").c_str(),
+              Listed(names).c_str(), over.c_str(), picture.width(), picture.height(), options.Get("png").c_str());
+  return 0;
+}
+
 }  // namespace
 
 int ToolsCommand(const Arguments& args) {
@@ -267,7 +375,10 @@ int ToolsCommand(const Arguments& args) {
 int SceneCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, tools\n"
-      "       rgw scene demo OUT      writes a small demo scene (a car driving, a camera)\n";
+      "       rgw scene demo OUT      writes a small demo scene (a car driving, a camera)\n"
+      "       rgw scene plot FILE --node NAME... --png OUT [--ground NODE] [--from S] [--to S]\n"
+      "                               draws where nodes go, from above and from the side\n";
+  if (!args.empty() && args[0] == "plot") return PlotScene(Arguments(args.begin() + 1, args.end()));
   if (args.size() != 2 || WantsHelp(args)) return Usage(args, usage);
   Session session;
   std::string error;

@@ -2,7 +2,6 @@
 // the tool is listed with why, kept in every file written as it came, and
 // the commands that would change it refuse.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "app/rgw/session.h"
 #include "scenes/samplescene.h"
+#include "tests/app/rgwprogram.h"
 #include "tests/core/scopedenv.h"
 #include "util/base64.h"
 #include "util/compressedblock.h"
@@ -25,20 +25,6 @@ using rgw::adaptor::standalone::StandaloneAdaptorInterface;
 
 const std::string kMaster = "LookAtCam_01_TargetMesh";
 const std::string kOther = "LookAtCam_01_LookAtCam";
-
-struct Ran {
-  int code;
-  std::string output;  // standard output and error
-};
-
-Ran Rgw(const std::string& arguments) {
-  FILE* pipe = popen((std::string(RGW_EXE) + " " + arguments + " 2>&1").c_str(), "r");
-  std::string output;
-  char line[4096];
-  while (pipe && std::fgets(line, sizeof line, pipe)) output += line;
-  const int status = pipe ? pclose(pipe) : -1;
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, output};
-}
 
 // The "RGT_tag" of the file's node by its name, as the file holds it.
 std::string TagIn(const std::string& path, const std::string& nodeName) {
