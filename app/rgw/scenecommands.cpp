@@ -16,6 +16,7 @@
 #include "core/prmfile.h"
 #include "core/resimulator.h"
 #include "core/takefile.h"
+#include "scenes/drivingscene.h"
 #include "scenes/samplescene.h"
 #include "util/atomicfile.h"
 #include "util/xml/element.h"
@@ -372,20 +373,35 @@ int ToolsCommand(const Arguments& args) {
   return 0;
 }
 
+namespace {
+
+int DemoScene(const Arguments& args, const char* usage) {
+  Options options({}, {"terrain"});
+  if (const auto code = options.Read(args, usage, {})) return *code;
+  Session session;
+  if (options.Has("terrain")) {
+    vuk::scenes::BuildDrivingScene(session.host.GetScene());
+    return SaveAndSay(session, options.file, "made the demo terrain with a ramp");
+  }
+  vuk::scenes::BuildSampleScene(session.host.GetScene());
+  return SaveAndSay(session, options.file, "made the demo scene");
+}
+
+}  // namespace
+
 int SceneCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, tools\n"
-      "       rgw scene demo OUT      writes a small demo scene (a car driving, a camera)\n"
+      "       rgw scene demo OUT [--terrain]\n"
+      "                               writes a small demo scene (a car driving, a camera); with\n"
+      "                               --terrain, the ground to drive on: a rolling terrain with a ramp\n"
       "       rgw scene plot FILE --node NAME... --png OUT [--ground NODE] [--from S] [--to S]\n"
       "                               draws where nodes go, from above and from the side\n";
   if (!args.empty() && args[0] == "plot") return PlotScene(Arguments(args.begin() + 1, args.end()));
+  if (!args.empty() && args[0] == "demo") return DemoScene(Arguments(args.begin() + 1, args.end()), usage);
   if (args.size() != 2 || WantsHelp(args)) return Usage(args, usage);
   Session session;
   std::string error;
-  if (args[0] == "demo") {
-    vuk::scenes::BuildSampleScene(session.host.GetScene());
-    return SaveAndSay(session, args[1], "made the demo scene");
-  }
   if (args[0] != "show") return Usage(args, usage);
   if (!session.Open(args[1], error)) return Fail(error);
   std::vector<std::pair<const SceneNode*, int>> pending{{&session.host.GetScene().Root(), -1}};
