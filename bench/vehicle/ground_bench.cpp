@@ -112,7 +112,8 @@ void GroundFrame(benchmark::State& state) {
 }
 BENCHMARK(GroundFrame)
     ->ArgNames({"caster", "rim"})
-    ->ArgsProduct({{static_cast<int>(Caster::kHost), static_cast<int>(Caster::kTree), static_cast<int>(Caster::kBullet)},
+    ->ArgsProduct({{static_cast<int>(Caster::kHost), static_cast<int>(Caster::kTree),
+                    static_cast<int>(Caster::kBullet)},
                    {kCentreOnly, kRim, kRimAndEdges}})
     ->Unit(benchmark::kMicrosecond);
 

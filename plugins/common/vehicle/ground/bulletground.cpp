@@ -107,7 +107,8 @@ BulletGround::BulletGround(const std::vector<GroundSurface>& surfaces, double gr
               std::make_unique<triMeshStorage>(util::CMesh(*surface.mesh, ScalePart(surface.pose)), true),
               RigidPart(surface.pose), true);
     } else {
-      AddBody("Dynamic_" + surface.name, std::make_unique<triMeshStorage>(util::CMesh(*surface.mesh, surface.pose), false),
+      AddBody("Dynamic_" + surface.name,
+              std::make_unique<triMeshStorage>(util::CMesh(*surface.mesh, surface.pose), false),
               btTransform::getIdentity(), false);
     }
   }

@@ -135,7 +135,9 @@ void GroundMeshTree::Build(std::uint32_t index, const std::vector<Vector3>& soup
     if ((!split[0] && (corner & 1)) || (!split[1] && (corner & 2)) || (!split[2] && (corner & 4))) continue;
     std::vector<Vector3> part;
     for (std::size_t t = 0; t < triangles; ++t) {
-      if (TouchesCorner(triangleBoxes[t], corner, split, middle)) part.insert(part.end(), &soup[3 * t], &soup[3 * t + 3]);
+      if (TouchesCorner(triangleBoxes[t], corner, split, middle)) {
+        part.insert(part.end(), &soup[3 * t], &soup[3 * t + 3]);
+      }
     }
     if (!part.empty()) children.push_back(std::move(part));
   }

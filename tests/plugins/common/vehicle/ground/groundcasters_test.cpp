@@ -69,7 +69,8 @@ GroundRay Down(const Vector3& above) { return {above, {0, -1, 0}, kRayLength}; }
 
 class CastersOnTerrain : public testing::TestWithParam<Placement> {
  protected:
-  CastersOnTerrain() : terrain(scenes::RollingTerrain(kCells, kTerrainSize)), pose(GetParam().Pose()), scene(terrain, pose) {}
+  CastersOnTerrain()
+      : terrain(scenes::RollingTerrain(kCells, kTerrainSize)), pose(GetParam().Pose()), scene(terrain, pose) {}
 
   // A point straight above a point of the terrain's own space.
   Vector3 Above(double localX, double localZ) const {
