@@ -33,6 +33,20 @@ class CNode : public CExtendable {
   virtual void ReleaseWrapper(CNode* wrapper) = 0;
   virtual ~CNode() = default;
 
+  // The order of these operations is part of the SDK layout: later ones
+  // come after the destructor, so that tools built before them still work.
+
+  // The scene children, in the host's order. Each one asked for is a new
+  // wrapper (null outside the range); give it back with ReleaseNode.
+  virtual std::int32_t GetSceneChildCount() = 0;
+  virtual CNode* GetSceneChild(std::int32_t index) = 0;
+  // True when the other handle stands for this scene object or for one of
+  // its scene ancestors; null gives false.
+  virtual bool IsSameOrBelow(CNode* other) = 0;
+  // True when the world pose changes over time: this object or a scene
+  // ancestor has keys that move it.
+  virtual bool IsAnimated() = 0;
+
   // The node's name inside its tool; FindNode compares this, not the host name.
   std::string name;
 };

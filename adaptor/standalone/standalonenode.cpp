@@ -94,11 +94,38 @@ std::string StandaloneNode::GetDescription() {
 
 std::int32_t StandaloneNode::IsRootNode() { return host_ && host_->isRoot ? 1 : 0; }
 
-CNode* StandaloneNode::GetParent() {
-  if (!host_ || !host_->parent) return nullptr;
-  auto* wrapper = new StandaloneNode(adaptor_, host_->parent);
+CNode* StandaloneNode::HandOut(SceneNode* host) {
+  auto* wrapper = new StandaloneNode(adaptor_, host);
   wrapper->origin = this;
   return wrapper;
+}
+
+CNode* StandaloneNode::GetParent() { return host_ && host_->parent ? HandOut(host_->parent) : nullptr; }
+
+std::int32_t StandaloneNode::GetSceneChildCount() {
+  return host_ ? static_cast<std::int32_t>(host_->children.size()) : 0;
+}
+
+CNode* StandaloneNode::GetSceneChild(std::int32_t index) {
+  if (index < 0 || index >= GetSceneChildCount()) return nullptr;
+  return HandOut(host_->children[static_cast<std::size_t>(index)]);
+}
+
+bool StandaloneNode::IsSameOrBelow(CNode* other) {
+  const auto* node = dynamic_cast<StandaloneNode*>(other);
+  if (!node || !node->host_) return false;
+  for (const SceneNode* up = host_; up; up = up->parent) {
+    if (up == node->host_) return true;
+  }
+  return false;
+}
+
+bool StandaloneNode::IsAnimated() {
+  // One key holds one pose for ever: it takes two to move.
+  for (const SceneNode* up = host_; up; up = up->parent) {
+    if (up->track.Keys().size() > 1) return true;
+  }
+  return false;
 }
 
 void StandaloneNode::ReleaseWrapper(CNode* wrapper) {

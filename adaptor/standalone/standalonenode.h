@@ -36,6 +36,10 @@ class StandaloneNode : public core::CoreNode {
   std::int32_t IsRootNode() override;
   CNode* GetParent() override;
   void ReleaseWrapper(CNode* wrapper) override;
+  std::int32_t GetSceneChildCount() override;
+  CNode* GetSceneChild(std::int32_t index) override;
+  bool IsSameOrBelow(CNode* other) override;
+  bool IsAnimated() override;
 
   CoreNode* Adopt(CExtendable* instance, const std::string& nodeName) override;
   void Release() override;
@@ -69,6 +73,8 @@ class StandaloneNode : public core::CoreNode {
  private:
   Tick TickOf(double time) const;
   bool HasMeshForm() const;
+  // A wrapper of another scene object that this node hands out.
+  CNode* HandOut(SceneNode* host);
 
   StandaloneAdaptorInterface* adaptor_;
   SceneNode* host_;

@@ -277,5 +277,77 @@ TEST_P(AdaptorContract, ReleaseTurnsAnOwnedNodeIntoAWrapperOnce) {
   node->DestroySelf();
 }
 
+// What the vehicle tools ask about their ground: the surfaces below a node,
+// whether a surface is the car or below it, and whether it moves.
+class SceneFamily {
+ public:
+  explicit SceneFamily(core::AdaptorInterface& adaptor) : tool("Ground01") {
+    const util::CMesh_Box box(1, 1, 1);
+    parent = adaptor.CreateMeshNode(&tool, "Parent", nullptr, box, 0);
+    first = adaptor.CreateMeshNode(&tool, "First", parent, box, 0);
+    second = adaptor.CreateCameraNode(&tool, "Second", parent, 0);
+    grandchild = adaptor.CreateMeshNode(&tool, "Grandchild", first, box, 0);
+    apart = adaptor.CreateMeshNode(&tool, "Apart", nullptr, box, 0);
+  }
+
+  TestInstance tool;
+  CoreNode *parent, *first, *second, *grandchild, *apart;
+};
+
+TEST_P(AdaptorContract, SceneChildrenAreHandedOutInHostOrder) {
+  SceneFamily family(*adaptor);
+  ASSERT_EQ(family.parent->GetSceneChildCount(), 2);
+  const CoreNode* expected[] = {family.first, family.second};
+  for (std::int32_t i = 0; i < 2; ++i) {
+    auto* child = static_cast<CoreNode*>(family.parent->GetSceneChild(i));
+    ASSERT_NE(child, nullptr);
+    EXPECT_TRUE(child->IsSameNode(const_cast<CoreNode*>(expected[i])));
+    EXPECT_NE(child, expected[i]);  // a wrapper of its own
+    family.parent->ReleaseWrapper(child);
+  }
+  EXPECT_EQ(family.parent->GetSceneChild(2), nullptr);
+  EXPECT_EQ(family.parent->GetSceneChild(-1), nullptr);
+  EXPECT_EQ(family.second->GetSceneChildCount(), 0);
+  EXPECT_EQ(family.first->GetSceneChildCount(), 1);
+}
+
+TEST_P(AdaptorContract, SameOrBelowFollowsTheSceneTree) {
+  SceneFamily family(*adaptor);
+  const struct {
+    CoreNode* node;
+    CoreNode* other;
+    bool below;
+  } cases[] = {
+      {family.first, family.parent, true},       {family.grandchild, family.parent, true},
+      {family.first, family.first, true},        {family.parent, family.first, false},
+      {family.second, family.first, false},      {family.grandchild, family.second, false},
+      {family.apart, family.parent, false},      {family.first, nullptr, false},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.node->IsSameOrBelow(c.other), c.below)
+        << c.node->GetHostName() << " below " << (c.other ? c.other->GetHostName() : "null");
+  }
+  // A wrapper stands for the same object as the node.
+  CNode* wrapper = family.parent->GetSceneChild(0);
+  EXPECT_TRUE(wrapper->IsSameOrBelow(family.first));
+  EXPECT_TRUE(family.first->IsSameOrBelow(wrapper));
+  family.parent->ReleaseWrapper(wrapper);
+}
+
+TEST_P(AdaptorContract, AnimatedIsKeysThatMoveTheNodeOrAnAncestor) {
+  SceneFamily family(*adaptor);
+  // A live write outside a recording moves nothing over time.
+  WriteX(family.first, 0.0, 5.0);
+  for (CoreNode* node : {family.parent, family.first, family.grandchild, family.apart}) {
+    EXPECT_FALSE(node->IsAnimated()) << node->GetHostName();
+  }
+  RecordTenFrames(*adaptor, family.first);
+  EXPECT_TRUE(family.first->IsAnimated());
+  EXPECT_TRUE(family.grandchild->IsAnimated());  // carried by its parent
+  EXPECT_FALSE(family.parent->IsAnimated());
+  EXPECT_FALSE(family.second->IsAnimated());
+  EXPECT_FALSE(family.apart->IsAnimated());
+}
+
 }  // namespace
 }  // namespace vuk::rgw::testing_support
