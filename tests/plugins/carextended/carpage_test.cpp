@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <map>
 #include <ostream>
@@ -15,6 +16,7 @@
 #include "core/configadaptor/elements.h"
 #include "core/instance.h"
 #include "tests/sdk/testplugin.h"
+#include "util/xml/element.h"
 
 namespace vuk::rgw::addon {
 namespace {
@@ -298,6 +300,121 @@ TEST(CarPageLayout, EntriesReportToTheTool) {
     const bool silent = entry.node->label == HelperSwitches::kHideDuringRecording;
     EXPECT_EQ(entry.node->callback, silent ? nullptr : page.tool) << entry.node->label;
   }
+}
+
+
+// The factory profiles, each with the values it changes from "Start Profile".
+struct FactoryProfile {
+  const char* name;
+  std::map<std::int32_t, double> changes;
+};
+
+void PrintTo(const FactoryProfile& profile, std::ostream* out) { *out << '"' << profile.name << '"'; }
+
+const FactoryProfile kProfiles[] = {
+    {"Start Profile", {}},
+    {"F1", {{26, 8000}, {27, 400}, {28, 8000}, {29, 400}, {31, 0.03}, {32, 0.03}, {52, 0.98}, {59, 5}, {61, 15}}},
+    {"Truck", {{26, 4000}, {27, 600}, {28, 4000}, {29, 600}, {34, 6}, {59, 0.2}, {61, 2}, {62, 0.05}}},
+    {"Bus", {{27, 600}, {29, 600}, {32, 0.1}, {34, 6}, {59, 0.2}, {61, 2}, {62, 0.05}}},
+    {"Boat",
+     {{26, 200}, {27, 20}, {28, 200}, {29, 20}, {31, 1}, {32, 1}, {39, 0.1}, {40, 10}, {43, 0.05}, {59, 0.1},
+      {62, 1.4}, {63, 0.02}}},
+    {"Moon Buggy", {{25, 0.5}, {26, 800}, {28, 800}, {30, 0.2}, {53, 0.165}, {54, 20}}},
+    {"Toony Car", {{26, 600}, {28, 600}, {31, 0.2}, {32, 0.2}, {38, 0}, {59, 100}}},
+    {"Rally Car", {{26, 3000}, {27, 300}, {28, 3000}, {29, 300}, {39, 0.05}, {40, 0.1}, {59, 4}, {61, 8}}},
+    {"Autonomous mode - tight", {{15, 1}, {16, 3}, {20, 0.2}, {26, 4000}, {28, 4000}, {59, 10}, {61, 15}}},
+    {"Autonomous mode - standard", {{15, 1}, {20, 1}}},
+    {"Autonomous mode - loose", {{15, 1}, {16, 0.2}, {20, 1}}},
+    {"Autonomous mode - slippery", {{15, 1}, {40, 0}}},
+};
+
+const std::string kProfileFolder = std::string(RGW_TOOL_SOURCES) + "/carextended/data/configprofiles/";
+
+util::xml::Element LoadProfile(const std::string& name) {
+  util::xml::Element profile;
+  EXPECT_EQ(profile.Parse(kProfileFolder + name + ".ccp"), util::xml::kParsed) << name;
+  return profile;
+}
+
+// The label of every item, by id, through the groups.
+void CollectItems(const util::xml::Element& element, std::map<std::int32_t, std::string>& labels) {
+  for (const auto& child : element.children) {
+    if (child->name == "item") {
+      EXPECT_TRUE(labels.emplace(std::stoi(child->GetAttribute("id")), child->GetAttribute("label")).second);
+    }
+    if (child->name == "group") CollectItems(*child, labels);
+  }
+}
+
+TEST(CarFactoryProfiles, AreTheTwelveNamed) {
+  std::set<std::string> files, named;
+  for (const auto& file : std::filesystem::directory_iterator(kProfileFolder)) {
+    EXPECT_EQ(file.path().extension(), ".ccp");
+    files.insert(file.path().stem().string());
+  }
+  for (const FactoryProfile& profile : kProfiles) named.insert(profile.name);
+  EXPECT_EQ(files, named);
+  EXPECT_EQ(files.size(), 12u);
+}
+
+class CarFactoryProfile : public testing::TestWithParam<FactoryProfile> {
+ protected:
+  const util::xml::Element profile = LoadProfile(GetParam().name);
+  CarPage defaults;
+  CarPage page;
+};
+
+TEST_P(CarFactoryProfile, ChangesExactlyItsIds) {
+  page.instance.ApplyConfigProfile(profile);
+  EXPECT_EQ(page.instance.ConfigProfile().GetAttribute("name"), GetParam().name);
+  std::map<std::int32_t, double> changed;
+  const std::map<std::int32_t, double> before = defaults.Values();
+  for (const auto& [id, value] : page.Values()) {
+    if (value != before.at(id)) changed[id] = value;
+  }
+  EXPECT_EQ(changed, GetParam().changes);
+}
+
+// Every stored value of the page, under the page's label; the computed
+// gauges, the button and the ground release entries are in no profile, and
+// id 38 keeps the label older profiles gave it, as items match by id.
+TEST_P(CarFactoryProfile, HoldsEveryStoredValueOfThePage) {
+  EXPECT_EQ(profile.name, "configprofile");
+  EXPECT_EQ(profile.GetAttribute("version"), "2.0");
+  EXPECT_EQ(profile.GetAttribute("name"), GetParam().name);
+  EXPECT_EQ(profile.GetAttribute("converted"), "");
+  std::map<std::int32_t, std::string> items, expected;
+  CollectItems(profile, items);
+  for (const Entry& entry : page.entries) {
+    const std::int32_t id = entry.node->id;
+    if ((id >= 2 && id <= 7) || id >= 78) continue;
+    expected[id] = id == 38 ? "Use Reverse As ABS Brake" : entry.node->label;
+  }
+  EXPECT_EQ(items, expected);
+}
+
+TEST_P(CarFactoryProfile, StartProfileRestoresTheDefaults) {
+  page.instance.ApplyConfigProfile(profile);
+  page.instance.ApplyConfigProfile(LoadProfile("Start Profile"));
+  EXPECT_EQ(page.Values(), defaults.Values());
+}
+
+INSTANTIATE_TEST_SUITE_P(Profiles, CarFactoryProfile, testing::ValuesIn(kProfiles),
+                         [](const testing::TestParamInfo<FactoryProfile>& info) {
+                           std::string name = info.param.name;
+                           name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return !std::isalnum(c); }),
+                                      name.end());
+                           return name;
+                         });
+
+// No profile holds them, so whatever else was loaded, they stay.
+TEST(CarFactoryProfiles, StartProfileLeavesTheGroundReleaseValuesAtTheirDefaults) {
+  CarPage page;
+  for (const FactoryProfile& profile : kProfiles) page.instance.ApplyConfigProfile(LoadProfile(profile.name));
+  page.instance.ApplyConfigProfile(LoadProfile("Start Profile"));
+  EXPECT_FALSE(page.tool->settings.bEnableWheelGroundRelease);
+  EXPECT_EQ(page.tool->params.dSuspensionLengthRel, 0.5);
+  EXPECT_EQ(page.tool->settings.dMaxWheelExtensionVelRel, 3);
 }
 
 }  // namespace
