@@ -94,11 +94,16 @@ void ForgetLongExtras(tinygltf::Model& model) {
   }
 }
 
-bool RestoreLongExtras(tinygltf::Model& model, std::string& problem) {
+bool RestoreLongExtras(tinygltf::Model& model, std::map<int, std::string>& texts, std::string& problem) {
   bool restored = true;
   ForEachExtra(model, [&](const std::string& key, tinygltf::Value& value) {
     int view = -1;
     if (!restored || !ReferencedView(value, view)) return;
+    if (const auto text = texts.find(view); text != texts.end()) {
+      value = tinygltf::Value(std::move(text->second));
+      texts.erase(text);
+      return;
+    }
     const bool known = view >= 0 && static_cast<std::size_t>(view) < model.bufferViews.size();
     const tinygltf::BufferView* blob = known ? &model.bufferViews[static_cast<std::size_t>(view)] : nullptr;
     const bool inBuffer = blob && blob->buffer >= 0 && static_cast<std::size_t>(blob->buffer) < model.buffers.size() &&

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -47,9 +48,10 @@ void MarkLongExtras(tinygltf::Model& model, JsonSplicer& splicer);
 // frees their bytes before the new ones are added.
 void ForgetLongExtras(tinygltf::Model& model);
 
-// Turns each blob reference back into its text. False, with `problem` set,
-// when a reference names no view or bytes outside its buffer.
-bool RestoreLongExtras(tinygltf::Model& model, std::string& problem);
+// Turns each blob reference back into its text: the one `texts` holds for
+// its view, moved out, else the view's bytes. False, with `problem` set, when
+// a reference names no view or bytes outside its buffer.
+bool RestoreLongExtras(tinygltf::Model& model, std::map<int, std::string>& texts, std::string& problem);
 
 // Calls visit with the view number of every blob reference, which it may
 // change: pruning keeps those views and renumbers them.

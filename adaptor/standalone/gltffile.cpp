@@ -6,11 +6,13 @@
 #include <cstring>
 #include <string_view>
 #include <limits>
+#include <map>
 #include <set>
 
 #include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltfclips.h"
 #include "adaptor/standalone/gltfdata.h"
+#include "adaptor/standalone/gltfglb.h"
 #include "adaptor/standalone/gltfjson.h"
 #include "adaptor/standalone/gltfprune.h"
 #include "adaptor/standalone/gltfsource.h"
@@ -265,6 +267,39 @@ void WriteRootProperties(const SceneNode& root, tinygltf::Scene& target) {
   target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(std::move(extras));
 }
 
+// Texts of a binary file's JSON are never cut out: they are blobs already.
+constexpr std::size_t kNoLongTexts = std::numeric_limits<std::size_t>::max();
+
+// The bytes for the parser and the facts of the file's JSON. A binary file
+// as we write it comes without its long texts, which come in `texts`.
+bool ReadScene(const std::string& path, std::vector<unsigned char>& bytes, JsonFacts& facts,
+               std::map<int, std::string>& texts, std::string& problem) {
+  RegularFile file;
+  if (!file.Open(path, problem)) return false;
+  if (file.Size() == 0) {
+    problem = "the file is empty";
+    return false;
+  }
+  GlbChunks chunks;
+  if (ReadGlbChunks(file, chunks)) {
+    if (!ScanJson(chunks.json, facts, problem, kNoLongTexts)) return false;
+    GlbParts parts;
+    if (!ReadGlbParts(file, chunks, parts)) return file.ReadAll(bytes, problem);
+    bytes = std::move(parts.container);
+    texts = std::move(parts.texts);
+    return true;
+  }
+  if (!file.ReadAll(bytes, problem)) return false;
+  const bool binary = IsBinary(bytes);
+  // A text file's long node texts are cut out before the parser sees them.
+  if (!ScanJson(JsonText(bytes, binary), facts, problem, binary ? kNoLongTexts : kBlobThreshold)) return false;
+  if (!facts.longNodeTexts.empty()) {
+    const std::string cut = WithoutLongNodeTexts(JsonText(bytes, binary), facts.longNodeTexts);
+    bytes.assign(cut.begin(), cut.end());
+  }
+  return true;
+}
+
 }  // namespace
 
 GltfFile::GltfFile() : model_(std::make_unique<tinygltf::Model>()) {}
@@ -276,18 +311,11 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     return false;
   };
   std::vector<unsigned char> bytes;
-  std::string problem;
-  if (!ReadRegularFile(path, bytes, problem)) return fail(problem);
-  if (bytes.empty()) return fail("the file is empty");
-  const bool binary = IsBinary(bytes);
   JsonFacts facts;
-  // A text file's long node texts are cut out before the parser sees them.
-  const std::size_t longText = binary ? std::numeric_limits<std::size_t>::max() : kBlobThreshold;
-  if (!ScanJson(JsonText(bytes, binary), facts, problem, longText)) return fail(problem);
-  if (!facts.longNodeTexts.empty()) {
-    const std::string cut = WithoutLongNodeTexts(JsonText(bytes, binary), facts.longNodeTexts);
-    bytes.assign(cut.begin(), cut.end());
-  }
+  std::map<int, std::string> longTexts;
+  std::string problem;
+  if (!ReadScene(path, bytes, facts, longTexts, problem)) return fail(problem);
+  const bool binary = IsBinary(bytes);
   SceneFolder folder(std::filesystem::absolute(path).parent_path());
   for (std::size_t b = 0; b < facts.bufferUris.size(); ++b) {
     const std::string& uri = facts.bufferUris[b];
@@ -319,7 +347,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
 
   // Everything is read and checked before the scene changes.
   int sceneIndex = 0;
-  if (!CheckDataBounds(*model, problem) || !RestoreLongExtras(*model, problem) || !CheckNodes(*model, problem) ||
+  if (!CheckDataBounds(*model, problem) || !RestoreLongExtras(*model, longTexts, problem) || !CheckNodes(*model, problem) ||
       !FindScene(*model, sceneIndex, problem)) {
     return fail(problem);
   }

@@ -15,21 +15,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Closes the descriptor however the read ends.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  int Get() const { return fd_; }
-
- private:
-  int fd_;
-};
-
 bool IsInside(const fs::path& file, const fs::path& folder) {
   const auto [inFolder, inFile] = std::mismatch(folder.begin(), folder.end(), file.begin(), file.end());
   return inFolder == folder.end() && inFile != file.end();
@@ -37,7 +22,11 @@ bool IsInside(const fs::path& file, const fs::path& folder) {
 
 }  // namespace
 
-bool ReadRegularFile(const fs::path& path, std::vector<unsigned char>& bytes, std::string& problem) {
+RegularFile::~RegularFile() {
+  if (fd_ >= 0) close(fd_);
+}
+
+bool RegularFile::Open(const fs::path& path, std::string& problem) {
   std::error_code error;
   const fs::path real = fs::canonical(path, error);
   if (error) {
@@ -46,9 +35,9 @@ bool ReadRegularFile(const fs::path& path, std::vector<unsigned char>& bytes, st
   }
   // Not waiting on a FIFO and not following a link swapped in since the
   // path was resolved.
-  const Descriptor file(open(real.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+  fd_ = open(real.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
   struct stat status {};
-  if (file.Get() < 0 || fstat(file.Get(), &status) != 0) {
+  if (fd_ < 0 || fstat(fd_, &status) != 0) {
     problem = "can't be read";
     return false;
   }
@@ -60,17 +49,31 @@ bool ReadRegularFile(const fs::path& path, std::vector<unsigned char>& bytes, st
     problem = "is larger than this program reads";
     return false;
   }
-  bytes.resize(static_cast<std::size_t>(status.st_size));
+  size_ = static_cast<std::uint64_t>(status.st_size);
+  return true;
+}
+
+bool RegularFile::ReadAt(std::uint64_t offset, void* into, std::size_t length) const {
+  auto* bytes = static_cast<unsigned char*>(into);
   std::size_t done = 0;
-  while (done < bytes.size()) {
-    const ssize_t got = read(file.Get(), bytes.data() + done, bytes.size() - done);
-    if (got <= 0) {
-      problem = "can't be read";
-      return false;
-    }
+  while (done < length) {
+    const ssize_t got = pread(fd_, bytes + done, length - done, static_cast<off_t>(offset + done));
+    if (got <= 0) return false;
     done += static_cast<std::size_t>(got);
   }
   return true;
+}
+
+bool RegularFile::ReadAll(std::vector<unsigned char>& bytes, std::string& problem) const {
+  bytes.resize(static_cast<std::size_t>(size_));
+  if (ReadAt(0, bytes.data(), bytes.size())) return true;
+  problem = "can't be read";
+  return false;
+}
+
+bool ReadRegularFile(const fs::path& path, std::vector<unsigned char>& bytes, std::string& problem) {
+  RegularFile file;
+  return file.Open(path, problem) && file.ReadAll(bytes, problem);
 }
 
 SceneFolder::SceneFolder(const fs::path& folder) {

@@ -19,8 +19,27 @@ namespace vuk::rgw::adaptor::standalone {
 // Larger files are refused rather than read into memory whole.
 constexpr std::uintmax_t kMaxSceneFileBytes = std::uintmax_t(1) << 30;
 
-// A regular file, whole; devices, FIFOs and files over kMaxSceneFileBytes
-// are refused without being waited on.
+// A regular file open for reading; devices, FIFOs and files over
+// kMaxSceneFileBytes are refused without being waited on.
+class RegularFile {
+ public:
+  RegularFile() = default;
+  ~RegularFile();
+  RegularFile(const RegularFile&) = delete;
+  RegularFile& operator=(const RegularFile&) = delete;
+
+  bool Open(const std::filesystem::path& path, std::string& problem);
+  std::uint64_t Size() const { return size_; }
+  // Exactly `length` bytes from `offset`, or false.
+  bool ReadAt(std::uint64_t offset, void* into, std::size_t length) const;
+  bool ReadAll(std::vector<unsigned char>& bytes, std::string& problem) const;
+
+ private:
+  int fd_ = -1;
+  std::uint64_t size_ = 0;
+};
+
+// A regular file, whole, with the refusals of RegularFile.
 bool ReadRegularFile(const std::filesystem::path& path, std::vector<unsigned char>& bytes, std::string& problem);
 
 // The folder of a scene, and the files in it that its buffers may be read from.

@@ -137,7 +137,8 @@ TEST(GltfBlobs, PruningKeepsAndRenumbersTheViewsOfBlobs) {
   PruneUnusedData(model);
   ASSERT_EQ(model.bufferViews.size(), 1u);
   std::string problem;
-  ASSERT_TRUE(RestoreLongExtras(model, problem)) << problem;
+  std::map<int, std::string> none;
+  ASSERT_TRUE(RestoreLongExtras(model, none, problem)) << problem;
   EXPECT_EQ(model.nodes[0].extras.Get("RGT_tag").Get<std::string>(), std::string("x\0\0\0", 4));
 }
 
@@ -155,7 +156,8 @@ TEST(GltfBlobs, AReferenceToMissingBytesIsRefusedWithItsName) {
     tinygltf::Value::Object extras{{"RGT_tag", tinygltf::Value(Reference(view))}};
     model.nodes[0].extras = tinygltf::Value(extras);
     std::string problem;
-    EXPECT_FALSE(RestoreLongExtras(model, problem)) << view;
+    std::map<int, std::string> none;
+    EXPECT_FALSE(RestoreLongExtras(model, none, problem)) << view;
     EXPECT_NE(problem.find("\"RGT_tag\" names buffer view " + std::to_string(view)), std::string::npos) << problem;
   }
 }
