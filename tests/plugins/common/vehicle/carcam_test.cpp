@@ -17,27 +17,12 @@ namespace {
 // Rounding of the interpolation, far below any visible turn.
 constexpr double kKeyRounding = 1e-12;
 
+using test::Apply;
+using test::Drive;
 using test::StartedCar;
 using test::TestGround;
 
 constexpr double kPi = 3.141592653589793;
-
-// Raw inputs as a device would give them, set again before every frame.
-struct Drive {
-  double gas = 0;
-  double steering = 0;
-  double booster = 0;
-};
-
-void Apply(CCarCam& car, const Drive& drive) {
-  car.inputs[pcInput_GAS_PEDAL].raw = drive.gas;
-  car.inputs[pcInput_STEERING_WHEEL].raw = drive.steering;
-  car.inputs[pcInput_BOOSTER].raw = drive.booster;
-  for (CarInput held : {pcInput_ABS_BRAKE, pcInput_SKIDDING, pcInput_SKID_BRAKE, pcInput_GRAVEL_SHAKE,
-                        pcInput_BURNOUT, pcInput_EXTERNAL_FORCE}) {
-    car.inputs[held].raw = 0;
-  }
-}
 
 // Drives for `seconds` and answers the base's positions, one per frame.
 std::vector<CarVector> DriveFor(CCarCam& car, const TestGround& ground, const Drive& drive, double dt, double seconds) {
