@@ -153,6 +153,7 @@ class CCarCam {
   bool bAbsIdle = true;
   double dAbsReference = 0;  // the gas value the braking started from
   double dAbsFormerGasRaw = 0;
+  double dAbsFormerGasValue = 0;  // the gas value this stage left last frame
   // Former raws of the rate limits, and the autonomous mode's memories.
   double dGasRawFormer = 0, dSteeringRawFormer = 0;
   double dGasPedalInputFilterMem = 0, dInputFilterMem = 0;

@@ -221,17 +221,19 @@ void CCarCam::RunBooster(double dt) {
 void CCarCam::RunAbs(double dt) {
   const CarChannel& abs = inputs[pcInput_ABS_BRAKE];
   CarChannel& gas = inputs[pcInput_GAS_PEDAL];
-  // Brakes from the gas value the braking started at, down to 0 and no
-  // further. "Former" is the value before this stage, after the channel
-  // filter: a car at rest can then reverse, as the filter already moved it
-  // to the raw's side.
+  // Brakes the value the last frame left, by a share of the gas value the
+  // braking started at, down to 0 and no further. Braking from this frame's
+  // filtered value instead would let a lively pedal carry the car through 0,
+  // and the brake would then drive it backwards beyond the gas maximum.
+  // A car at rest still reverses: the state below sees the filtered value,
+  // which the raw has already pulled to its own side.
   const auto brake = [&](double strength) {
     if (bAbsIdle) {
       dAbsReference = gas.value;
       bAbsIdle = false;
     }
-    const double braked = gas.value - std::fabs(strength) * (dAbsReference * dt * 30.0);
-    gas.value = Sign(braked) == Sign(gas.value) ? braked : 0.0;
+    const double braked = dAbsFormerGasValue - std::fabs(strength) * (dAbsReference * dt * 30.0);
+    gas.value = Sign(braked) == Sign(dAbsFormerGasValue) ? braked : 0.0;
   };
   if (abs.raw > 0) {
     brake(abs.raw * abs.maximum);
@@ -252,6 +254,7 @@ void CCarCam::RunAbs(double dt) {
     bAbsIdle = true;
   }
   dAbsFormerGasRaw = gas.raw;
+  dAbsFormerGasValue = gas.value;
 }
 
 void CCarCam::RunGravel(double dt) {
