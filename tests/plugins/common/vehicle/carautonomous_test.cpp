@@ -1,15 +1,14 @@
 // The 4-Wheeler core in autonomous mode: it chooses gas and steering from a
-// target's position and follows it, forwards or in reverse.
+// target's position and follows it, forwards or in reverse. Determinism and
+// allocations are tested with the driven mode's.
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstring>
 #include <optional>
 
 #include "plugins/common/vehicle/carcam.h"
 #include "tests/plugins/common/vehicle/flatground.h"
-#include "tests/support/allocationcount.h"
 
 namespace vuk::rgw::addon {
 namespace {
@@ -177,41 +176,6 @@ TEST(CarAutonomous, ATargetInsideTheSphereStopsTheCar) {
   EXPECT_LE(std::fabs(car.Speed()), 1e-8 * L);
   EXPECT_LT((car.vAutonomousTarget - FrontPoint(car)).Length(), car.params.dIgnoreSphereRadius * L);
   EXPECT_LT(std::fabs(car.position.x), 1e-9 * L);
-}
-
-// A target that circles, with steering noise and gravel switched on.
-CCarCam AutonomousRun(const TestGround& ground) {
-  CCarCam car = AutonomousCar(ground);
-  car.params.dSteeringNoise = 0.3;
-  for (int i = 0; i < 300; ++i) {
-    const double angle = i * 0.01;
-    car.inputs[pcInput_GRAVEL_SHAKE].raw = 1.0;
-    FollowFrame(car, ground, CarVector{10 * std::sin(angle), 0, -10 * std::cos(angle)}, 0.04);
-  }
-  return car;
-}
-
-TEST(CarAutonomous, TwoRunsAreBitIdentical) {
-  const TestGround ground;
-  const CCarCam first = AutonomousRun(ground);
-  const CCarCam second = AutonomousRun(ground);
-  ASSERT_GT(first.position.Length(), first.dLength);
-  EXPECT_EQ(std::memcmp(&first.position, &second.position, sizeof first.position), 0);
-  EXPECT_EQ(std::memcmp(&first.rotation, &second.rotation, sizeof first.rotation), 0);
-  EXPECT_EQ(std::memcmp(&first.cCarBody, &second.cCarBody, sizeof first.cCarBody), 0);
-  EXPECT_EQ(first.dFollowAccMem, second.dFollowAccMem);
-  EXPECT_EQ(first.dAutoSteeringValueMem, second.dAutoSteeringValueMem);
-  EXPECT_EQ(first.dAutoSteeringWantedFormer, second.dAutoSteeringWantedFormer);
-}
-
-TEST(CarAutonomous, AFrameAllocatesNothingOnceWarm) {
-  const TestGround ground;
-  CCarCam car = AutonomousCar(ground);
-  const CarVector target{3, 0, -20};
-  for (int i = 0; i < 10; ++i) FollowFrame(car, ground, target, 0.04);
-  vuk::test::AllocationCount count;
-  for (int i = 0; i < 20; ++i) FollowFrame(car, ground, target, 0.04);
-  EXPECT_EQ(count.Made(), 0u);
 }
 
 }  // namespace
