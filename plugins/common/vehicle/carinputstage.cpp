@@ -16,9 +16,11 @@ namespace {
 // sign(0) counts as +1 throughout the car.
 double Sign(double v) { return v < 0 ? -1.0 : 1.0; }
 
-// Moves from `former` towards `wanted` by at most `largest`.
+// Moves from `former` towards `wanted` by at most `largest`; within reach
+// it is `wanted` itself, not former plus the difference, which may round.
 double StepTowards(double former, double wanted, double largest) {
-  return former + std::clamp(wanted - former, -largest, largest);
+  if (std::fabs(wanted - former) <= largest) return wanted;
+  return former + Sign(wanted - former) * largest;
 }
 
 // In autonomous mode a channel integrates: the memory follows raw x maximum
