@@ -21,5 +21,21 @@ void BM_CarFrame30Fps(benchmark::State& state) {
 }
 BENCHMARK(BM_CarFrame30Fps);
 
+// The same in autonomous mode, following a target that drives ahead and
+// swerves now and then.
+void BM_CarFrameAutonomous30Fps(benchmark::State& state) {
+  const test::TestGround ground;
+  CCarCam car = test::StartedCar(ground);
+  car.params.bAutonomousMode = true;
+  int frame = 0;
+  for (auto _ : state) {
+    const double side = (frame / 90) % 2 ? 2.0 : -2.0;
+    car.vAutonomousTarget = {side, 0, -5.0 - 0.05 * frame++};
+    ground.Frame(car, 1.0 / 30);
+    benchmark::DoNotOptimize(car.position);
+  }
+}
+BENCHMARK(BM_CarFrameAutonomous30Fps);
+
 }  // namespace
 }  // namespace vuk::rgw::addon

@@ -50,6 +50,7 @@ void CCarCam::Start() {
 void CCarCam::Stop() { params.cSuspension = cSuspensionRecording; }
 
 void CCarCam::StepA(double dt) {
+  if (params.bAutonomousMode) FollowTarget(dt);
   for (CarWheel& wheel : wheels) {
     wheel.pitchIncrement = 0;
     wheel.compression = wheel.ground.compression;

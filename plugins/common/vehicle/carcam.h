@@ -82,7 +82,8 @@ class CCarCam {
   // Restores the suspension values the booster may have raised.
   void Stop();
 
-  // Everything up to the wheels' ground detection: inputs, booster, ABS,
+  // Everything up to the wheels' ground detection: in autonomous mode the
+  // gas and steering that follow the target, then inputs, booster, ABS,
   // gravel, and the integrator's rounds. Reads each wheel's `ground`.
   void StepA(double dt);
   // After the ground detection: the wheels' turning.
@@ -152,9 +153,20 @@ class CCarCam {
   bool bAbsIdle = true;
   double dAbsReference = 0;  // the gas value the braking started from
   double dAbsFormerGasRaw = 0;
+  double dAbsFormerGasValue = 0;  // the gas value this stage left last frame
   // Former raws of the rate limits, and the autonomous mode's memories.
   double dGasRawFormer = 0, dSteeringRawFormer = 0;
   double dGasPedalInputFilterMem = 0, dInputFilterMem = 0;
+
+  // Autonomous mode. In: the target's world position one frame ago (final
+  // whatever order the host evaluates in), and the body's scale, the length
+  // of its matrix's third row, which bounds how far ahead the car looks.
+  // Out: the gas value (L per second) and the steering angle it chose.
+  CarVector vAutonomousTarget;
+  double dBodyScale = 1;
+  double dFollowAccMem = 0;
+  double dAutoSteeringValueMem = 0;
+  double dAutoSteeringWantedFormer = 0;  // for its rate limit
 
   bool bBurnoutOn = false;
   double dBurnoutSavedSteeringResponse = 0;
@@ -170,6 +182,7 @@ class CCarCam {
   void StopDriving();
   void DecaySkidYaw(double loss);
   void UpdateSkiddingFlag();
+  void FollowTarget(double dt);
   void RunInputStage(double dt);
   void RunGasInput(double dt);
   void RunSteeringInput(double dt);

@@ -1,6 +1,8 @@
-// The 4-Wheeler core's frame-level stages before the integrator: skid
-// brake, input channels, booster, ABS and gravel.
+// The 4-Wheeler core's frame-level stages before the integrator: the
+// autonomous mode's choice of gas and steering, skid brake, input channels,
+// booster, ABS and gravel.
 
+#include <algorithm>
 #include <cmath>
 
 #include "plugins/common/filterresponse.h"
@@ -13,6 +15,13 @@ namespace {
 
 // sign(0) counts as +1 throughout the car.
 double Sign(double v) { return v < 0 ? -1.0 : 1.0; }
+
+// Moves from `former` towards `wanted` by at most `largest`; within reach
+// it is `wanted` itself, not former plus the difference, which may round.
+double StepTowards(double former, double wanted, double largest) {
+  if (std::fabs(wanted - former) <= largest) return wanted;
+  return former + Sign(wanted - former) * largest;
+}
 
 // In autonomous mode a channel integrates: the memory follows raw x maximum
 // and the value grows by it; raw becomes what the value stands for.
@@ -27,6 +36,43 @@ void IntegrateAutonomous(bool autonomous, CarChannel& channel, double& memory, d
 }
 
 }  // namespace
+
+void CCarCam::FollowTarget(double dt) {
+  CarChannel& gas = inputs[pcInput_GAS_PEDAL];
+  CarChannel& steering = inputs[pcInput_STEERING_WHEEL];
+  // The target as the body sees it from its front point, on the body's plane.
+  const CarRotation body = ChassisRotation();
+  const CarVector front = ChassisPosition() + body.Rotate({0, 0, -0.5 * dLength});
+  const CarVector local = body.Conjugate().Rotate(vAutonomousTarget - front);
+  CarVector lag{local.x, 0, local.z};
+  // The lag is a distance and a wanted speed at once: the farther behind,
+  // the faster, up to the top speed.
+  const double farthest = dBodyScale * gas.maximum;
+  if (lag.Length() > farthest) lag *= farthest / lag.Length();
+  const double distance = lag.Length();
+  // A target at the front point has no direction: (0, 1, 0) then gives
+  // neither speed nor steering.
+  const CarVector direction = lag.Normalized();
+  const double sphere = params.dIgnoreSphereRadius * dLength;
+  const bool outside = distance >= sphere;
+  if (!outside) inputs[pcInput_ABS_BRAKE].raw = 1.0;
+  const double excess = outside ? distance - sphere : 0.0;
+
+  double wanted = -direction.z * params.dFollowAccelerationMult * excess / dLength * 3.5;
+  if (wanted < 0) wanted *= params.dReverseMaxVelMult;
+  wanted = std::clamp(wanted, -gas.maximum, gas.maximum);
+  filterResponse(dFollowAccMem, wanted, params.dFollowAccRespFact, dt);
+  gas.value = dFollowAccMem;
+
+  // Reversing turns the other way; half the speed reduction applies here.
+  double steer = Sign(wanted) * direction.x * steering.maximum /
+                 (std::fabs(dFollowAccMem) * params.dSpeedDependentTurnRadiusReduction * 0.5 + 1.0);
+  steer = StepTowards(dAutoSteeringWantedFormer, steer, dt * params.dVelRelMaxSteeringChangeVel);
+  dAutoSteeringWantedFormer = steer;
+  filterResponse(dAutoSteeringValueMem, steer, params.dAutoSteeringValueRespFact, dt);
+  // Inside the sphere the wheels stay as they are while the car brakes.
+  if (outside) steering.value = dAutoSteeringValueMem;
+}
 
 void CCarCam::UpdateSkidBrake(double h, double dt) {
   if (bCarInTheAir || bJustLanded) return;
@@ -139,9 +185,7 @@ void CCarCam::RunSteeringInput(double dt) {
   }
   // Back to the centre twice as fast as away from it.
   const double rate = params.dVelRelMaxSteeringChangeVel * (raw == 0 ? 2.0 : 1.0);
-  if (std::fabs(raw - dSteeringRawFormer) > dt * rate) {
-    raw = dSteeringRawFormer + Sign(raw - dSteeringRawFormer) * rate * dt;
-  }
+  raw = StepTowards(dSteeringRawFormer, raw, rate * dt);
   if (params.dSteeringNoise > 0) {
     raw += std::sqrt(std::fabs(Speed())) * (noise01(randomValue_steeringNoise) - 0.5) * params.dSteeringNoise;
   }
@@ -179,17 +223,19 @@ void CCarCam::RunBooster(double dt) {
 void CCarCam::RunAbs(double dt) {
   const CarChannel& abs = inputs[pcInput_ABS_BRAKE];
   CarChannel& gas = inputs[pcInput_GAS_PEDAL];
-  // Brakes from the gas value the braking started at, down to 0 and no
-  // further. "Former" is the value before this stage, after the channel
-  // filter: a car at rest can then reverse, as the filter already moved it
-  // to the raw's side.
+  // Brakes the value the last frame left, by a share of the gas value the
+  // braking started at, down to 0 and no further. Braking from this frame's
+  // filtered value instead would let a lively pedal carry the car through 0,
+  // and the brake would then drive it backwards beyond the gas maximum.
+  // A car at rest still reverses: the state below sees the filtered value,
+  // which the raw has already pulled to its own side.
   const auto brake = [&](double strength) {
     if (bAbsIdle) {
       dAbsReference = gas.value;
       bAbsIdle = false;
     }
-    const double braked = gas.value - std::fabs(strength) * (dAbsReference * dt * 30.0);
-    gas.value = Sign(braked) == Sign(gas.value) ? braked : 0.0;
+    const double braked = dAbsFormerGasValue - std::fabs(strength) * (dAbsReference * dt * 30.0);
+    gas.value = Sign(braked) == Sign(dAbsFormerGasValue) ? braked : 0.0;
   };
   if (abs.raw > 0) {
     brake(abs.raw * abs.maximum);
@@ -210,6 +256,7 @@ void CCarCam::RunAbs(double dt) {
     bAbsIdle = true;
   }
   dAbsFormerGasRaw = gas.raw;
+  dAbsFormerGasValue = gas.value;
 }
 
 void CCarCam::RunGravel(double dt) {

@@ -19,8 +19,14 @@ struct CarSuspension {
 };
 
 struct CarParameters {
-  // Autonomous mode: the gas and steering channels integrate a memory.
-  bool bAutonomousMode = false;  // "Autonomous Mode"
+  // Autonomous mode: the car chooses gas and steering to follow a target,
+  // and the gas and steering channels integrate a memory on top of them.
+  bool bAutonomousMode = false;             // "Autonomous Mode"
+  double dFollowAccelerationMult = 0.5;     // "Autonomous mode follow strength"
+  double dFollowAccRespFact = 0.02;         // "Follow Strength Response Factor"
+  double dAutoSteeringValueRespFact = 0.2;  // "Auto-Steering Response Factor"
+  double dReverseMaxVelMult = 0.5;          // "Reverse Max Vel Mult"
+  double dIgnoreSphereRadius = 0.5;         // "Ignore Sphere Radius (length relative)"
 
   double dVelRelMaxSteeringChangeVel = 2.0;      // "Maximum Steering Change Velocity"
   double dSpeedDependentTurnRadiusReduction = 0.2;  // "Speed Dependent Turn Radius Reduction Factor"

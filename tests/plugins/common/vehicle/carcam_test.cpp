@@ -17,27 +17,12 @@ namespace {
 // Rounding of the interpolation, far below any visible turn.
 constexpr double kKeyRounding = 1e-12;
 
+using test::Apply;
+using test::Drive;
 using test::StartedCar;
 using test::TestGround;
 
 constexpr double kPi = 3.141592653589793;
-
-// Raw inputs as a device would give them, set again before every frame.
-struct Drive {
-  double gas = 0;
-  double steering = 0;
-  double booster = 0;
-};
-
-void Apply(CCarCam& car, const Drive& drive) {
-  car.inputs[pcInput_GAS_PEDAL].raw = drive.gas;
-  car.inputs[pcInput_STEERING_WHEEL].raw = drive.steering;
-  car.inputs[pcInput_BOOSTER].raw = drive.booster;
-  for (CarInput held : {pcInput_ABS_BRAKE, pcInput_SKIDDING, pcInput_SKID_BRAKE, pcInput_GRAVEL_SHAKE,
-                        pcInput_BURNOUT, pcInput_EXTERNAL_FORCE}) {
-    car.inputs[held].raw = 0;
-  }
-}
 
 // Drives for `seconds` and answers the base's positions, one per frame.
 std::vector<CarVector> DriveFor(CCarCam& car, const TestGround& ground, const Drive& drive, double dt, double seconds) {
@@ -329,22 +314,35 @@ TEST(CarCam, Noise01HashesTheAdvancedCounter) {
   }
 }
 
-// Everything noisy switched on: gravel, steering noise, burnout.
-CCarCam NoisyRun(const TestGround& ground) {
+// A frame driven by hand, or in autonomous mode following a target that
+// circles ahead; the raw inputs act on top of the target's in both.
+void NoisyFrame(CCarCam& car, const TestGround& ground, int i) {
+  Apply(car, {1.0, 0.4 * std::sin(i * 0.1), i > 160 && i < 250 ? 1.0 : 0.0});
+  car.inputs[pcInput_BURNOUT].raw = i > 100 && i < 150 ? 1.0 : 0.0;
+  car.vAutonomousTarget = {10 * std::sin(i * 0.01), 0, -10 * std::cos(i * 0.01)};
+  ground.Frame(car, 0.04);
+}
+
+CCarCam NoisyCar(const TestGround& ground, bool autonomous) {
   CCarCam car = StartedCar(ground);
   car.params.dSteeringNoise = 0.3;
-  for (int i = 0; i < 300; ++i) {
-    Apply(car, {1.0, 0.4 * std::sin(i * 0.1), 0});
-    car.inputs[pcInput_BURNOUT].raw = i > 100 && i < 150 ? 1.0 : 0.0;
-    ground.Frame(car, 0.04);
-  }
+  car.params.bAutonomousMode = autonomous;
   return car;
 }
 
-TEST(CarCam, TwoRunsAreBitIdentical) {
+class Mode : public testing::TestWithParam<bool> {};
+
+// Everything noisy switched on: gravel, steering noise, burnout; and the
+// booster.
+TEST_P(Mode, TwoRunsAreBitIdentical) {
   const TestGround ground;
-  const CCarCam first = NoisyRun(ground);
-  const CCarCam second = NoisyRun(ground);
+  CCarCam first = NoisyCar(ground, GetParam());
+  CCarCam second = NoisyCar(ground, GetParam());
+  for (int i = 0; i < 300; ++i) {
+    NoisyFrame(first, ground, i);
+    NoisyFrame(second, ground, i);
+  }
+  ASSERT_GT(first.position.Length(), first.dLength);
   EXPECT_EQ(std::memcmp(&first.position, &second.position, sizeof first.position), 0);
   EXPECT_EQ(std::memcmp(&first.rotation, &second.rotation, sizeof first.rotation), 0);
   EXPECT_EQ(std::memcmp(&first.cCarBody, &second.cCarBody, sizeof first.cCarBody), 0);
@@ -356,19 +354,26 @@ TEST(CarCam, TwoRunsAreBitIdentical) {
   EXPECT_EQ(first.randomValue_gravelShake, second.randomValue_gravelShake);
   EXPECT_EQ(first.randomValue_burnout, second.randomValue_burnout);
   EXPECT_EQ(first.randomValue_steeringNoise, second.randomValue_steeringNoise);
+  EXPECT_EQ(first.dFollowAccMem, second.dFollowAccMem);
+  EXPECT_EQ(first.dAutoSteeringValueMem, second.dAutoSteeringValueMem);
+  EXPECT_EQ(first.dGasPedalInputFilterMem, second.dGasPedalInputFilterMem);
+  EXPECT_EQ(first.dInputFilterMem, second.dInputFilterMem);
+  EXPECT_EQ(first.dFollowAccMem != 0, GetParam());
 }
 
-TEST(CarCam, AFrameAllocatesNothingOnceWarm) {
+TEST_P(Mode, AFrameAllocatesNothingOnceWarm) {
   const TestGround ground;
-  CCarCam car = StartedCar(ground);
-  DriveFor(car, ground, {1.0, 0.3, 0}, 0.04, 0.4);
+  CCarCam car = NoisyCar(ground, GetParam());
+  for (int i = 0; i < 10; ++i) NoisyFrame(car, ground, i);
   vuk::test::AllocationCount count;
-  for (int i = 0; i < 20; ++i) {
-    Apply(car, {1.0, 0.3, 1.0});
-    ground.Frame(car, 0.04);
-  }
+  for (int i = 10; i < 200; ++i) NoisyFrame(car, ground, i);
   EXPECT_EQ(count.Made(), 0u);
 }
+
+INSTANTIATE_TEST_SUITE_P(CarCam, Mode, testing::Bool(),
+                         [](const testing::TestParamInfo<bool>& info) {
+                           return info.param ? "Autonomous" : "Driven";
+                         });
 
 }  // namespace
 }  // namespace vuk::rgw::addon

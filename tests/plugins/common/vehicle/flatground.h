@@ -2,7 +2,7 @@
 // A ground for the car core without a scene: the plane y = 0, or a step of
 // some height in front of a line z = stepZ. Each frame every wheel's hit
 // point is its mount dropped onto the ground, with the compression there
-// and the distance from last frame's hit.
+// and the distance from last frame's hit. Also the raw inputs a device gives.
 
 #include <cmath>
 
@@ -36,6 +36,23 @@ struct TestGround {
     car.StepB();
   }
 };
+
+// Raw inputs as a device would give them, set again before every frame.
+struct Drive {
+  double gas = 0;
+  double steering = 0;
+  double booster = 0;
+};
+
+inline void Apply(CCarCam& car, const Drive& drive) {
+  car.inputs[pcInput_GAS_PEDAL].raw = drive.gas;
+  car.inputs[pcInput_STEERING_WHEEL].raw = drive.steering;
+  car.inputs[pcInput_BOOSTER].raw = drive.booster;
+  for (CarInput held : {pcInput_ABS_BRAKE, pcInput_SKIDDING, pcInput_SKID_BRAKE, pcInput_GRAVEL_SHAKE,
+                        pcInput_BURNOUT, pcInput_EXTERNAL_FORCE}) {
+    car.inputs[held].raw = 0;
+  }
+}
 
 // The default rig scaled as a whole, started on the ground.
 inline CCarCam StartedCar(const TestGround& ground, double scale = 1.0) {
