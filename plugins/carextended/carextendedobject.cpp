@@ -154,6 +154,7 @@ void CCarCamObject::Start(double time) {
     if (keepHistories) iface->PushUndo(new CVariableModUndo<double>(&dStartTime));
     dStartTime = time;
     StartFresh(time);
+    turnBase.Update(time);
   } else {
     cCarCam.Start();
     history.Restore(time, *this);
@@ -164,7 +165,6 @@ void CCarCamObject::Start(double time) {
   }
   for (std::size_t i = 0; i < kCarInputCount; ++i) responseFactors[i] = cCarCam.inputs[i].responseFactor;
   steeringWheel.Measure(dStartTime);
-  turnBase.Update(time);
   if (settings.helpers.hide || settings.helpers.hideDuringRecording) {
     for (ToolNode* node : Helpers()) SetHidden(node->handle, true);
   }

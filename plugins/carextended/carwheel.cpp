@@ -36,10 +36,12 @@ void CCarCamObject::CWheelNode::Reset() {
   CCarCam& core = car.cCarCam;
   CarWheel& wheel = core.wheels[index];
   const Vector up = core.rotation.Rotate({0, 1, 0});
-  position = formerPosition = core.position + core.rotation.Rotate({wheel.x, wheel.radius, wheel.z});
-  hitPoint = position - up * wheel.radius;
+  // At rest the wheel stands the ride height below its mount, its shrunk
+  // radius above the base.
+  heightAboveGround = -core.dRideHeight;
+  position = formerPosition = core.WheelMountWorld(index) - up * heightAboveGround;
+  hitPoint = position - up * (wheel.radius * core.params.dWheelRadiusMult);
   normal = up;
-  heightAboveGround = (core.WheelMountWorld(index) - position).Dot(up);
   formerYaw = wheel.yaw;
   wheel.ground = {hitPoint, normal, false, core.CompressionAt(index, hitPoint), 0};
   wheel.hitPointFormer = hitPoint;
