@@ -232,9 +232,15 @@ void CCarCamObject::Step(double time) {
   bFreshRun = false;
 }
 
-void CCarCamObject::TimeChanged(double) { iface->UpdateConfig(); }
+void CCarCamObject::TimeChanged(double time) {
+  // The speed the car had then, as its run kept it.
+  if (!history.IsEmpty()) UpdateGauges(history.GasValueAt(time));
+  iface->UpdateConfig();
+}
 
-void CCarCamObject::UpdateGauges() {
+void CCarCamObject::UpdateGauges() { UpdateGauges(cCarCam.inputs[pcInput_GAS_PEDAL].value); }
+
+void CCarCamObject::UpdateGauges(double velocity) {
   CarGauges& g = settings.gauges;
   const CCarCam& core = cCarCam;
   const CarChannel& gas = core.inputs[pcInput_GAS_PEDAL];
@@ -243,8 +249,8 @@ void CCarCamObject::UpdateGauges() {
   const double acceleration = core.params.dAcceleration;
   g.dSecondsTo100 = ((100 / g.dMultiplier) / acceleration) / length;
   g.dSecondsTo60 = ((60 / g.dMultiplier) / acceleration) / length;
-  g.dCurrentVelocity = std::fabs(gas.value) < 0.0001 ? 0.0 : length * g.dMultiplier * gas.value;
-  const double percent = gas.value * 100 / gas.maximum;
+  g.dCurrentVelocity = std::fabs(velocity) < 0.0001 ? 0.0 : length * g.dMultiplier * velocity;
+  const double percent = velocity * 100 / gas.maximum;
   g.dCurrentVelocityPercent = std::fabs(percent) < 0.01 ? 0.0 : percent;
 }
 

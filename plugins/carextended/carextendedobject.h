@@ -305,6 +305,8 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   void ResetCore();
   void LayBaseOnGround();
   void UpdateGauges();
+  // With the car's speed in L per second.
+  void UpdateGauges(double velocity);
   void ReadInputs();
   void WriteGauges();
 

@@ -38,6 +38,8 @@ class CarHistory {
   // host's undo first, each history in a record of its own.
   void CutAfter(double t, CInterface* undo);
   bool IsEmpty() const;
+  // The filtered gas, the car's speed in L per second, at t.
+  double GasValueAt(double t) const { return gas_.Get(t); }
 
   void SaveTo(util::DataChunk& chunk) const;
   // False when an entry is missing or damaged; the history is then left as

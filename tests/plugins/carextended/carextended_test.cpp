@@ -166,7 +166,13 @@ TEST_F(Car, DrivingFromATakeMovesItForwardOnTheGround) {
     ASSERT_NEAR(to.y, BodyAt(0).GetTranslation().y, 0.01 * tool.cCarCam.dLength) << k;
   }
   EXPECT_LT(BodyAt(90).GetTranslation().z, BodyAt(0).GetTranslation().z - tool.cCarCam.dLength);
+  const double top = tool.GaugeValue(CCarCamObject::kVelocity);
+  EXPECT_NEAR(top, tool.cCarCam.dLength * 3.6 * tool.cCarCam.inputs[pcInput_GAS_PEDAL].value, 1e-9);
+  EXPECT_GT(top, 0);
+  // Scrubbed back, the gauge shows the speed the car had then.
+  tool.TimeChanged(harness.TimeOf(1));
   EXPECT_GT(tool.GaugeValue(CCarCamObject::kVelocity), 0);
+  EXPECT_LT(tool.GaugeValue(CCarCamObject::kVelocity), top);
   for (std::size_t gauge = CCarCamObject::kFirstWheelInTheAir; gauge < CCarCamObject::kGaugeCount; ++gauge) {
     EXPECT_EQ(tool.GaugeValue(gauge), 0.0) << gauge;
   }
