@@ -1,4 +1,4 @@
-# rgw_tool(<slot> <Name> <folder> [DATA <data path>] [SOURCES <more sources>...]):
+# rgw_tool(<slot> <Name> <folder> [DATA <data path>] [SOURCES <more sources>...] [LIBS <libraries>...]):
 # one built-in tool. The line is tied to the code by names alone:
 #   plugins/<folder>/<folder>object.h and .cpp hold the class C<Name>Object,
 #   with its record `static const ToolInfo kInfo` (plugins/common/toolplugin.h);
@@ -8,13 +8,14 @@
 #   tests/plugins/<folder>/*_test.cpp and tests/plugins/<folder>/tests.cmake
 #   join the tool tests, and tests/plugins/<folder>/savedata*.bin are its
 #   saved-data fixtures.
+#   LIBS are what the tool links beyond the SDK and the tool kit.
 # The tool becomes the library vuk::tool_<folder>; vuk::tools links them all.
 function(rgw_tool slot name folder)
-  cmake_parse_arguments(ARG "" "DATA" "SOURCES" ${ARGN})
+  cmake_parse_arguments(ARG "" "DATA" "SOURCES;LIBS" ${ARGN})
   set(dir ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
   list(TRANSFORM ARG_SOURCES PREPEND ${dir}/)
   rgw_library(tool_${folder} SOURCES ${dir}/${folder}object.cpp ${ARG_SOURCES})
-  target_link_libraries(rgw_tool_${folder} PUBLIC vuk::sdk vuk::plugin_common)
+  target_link_libraries(rgw_tool_${folder} PUBLIC vuk::sdk vuk::plugin_common ${ARG_LIBS})
   get_property(slots GLOBAL PROPERTY RGW_TOOL_SLOTS)
   if(${slot} IN_LIST slots OR slot LESS 0 OR slot GREATER 40)
     message(FATAL_ERROR "rgw_tool(${name}): slot ${slot} is taken or outside 0 to 40")

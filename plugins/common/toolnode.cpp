@@ -30,10 +30,10 @@ util::Matrix<double> ToolNode::Local(double time) const {
   return snapshot ? snapshot->GetLocalTransform() : util::Matrix<double>();
 }
 
-void ToolNode::CreateCamera() { handle = owner->iface->CreateCameraNode(name, nullptr, nullptr); }
+void ToolNode::CreateCamera(CNode* parent) { handle = owner->iface->CreateCameraNode(name, parent, nullptr); }
 
-void ToolNode::CreateHelper(const util::CMesh& mesh) {
-  handle = owner->iface->CreateMeshNode(name, nullptr, mesh, nullptr);
+void ToolNode::CreateHelper(const util::CMesh& mesh, CNode* parent) {
+  handle = owner->iface->CreateMeshNode(name, parent, mesh, nullptr);
   RefreshHelper();
 }
 

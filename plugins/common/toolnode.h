@@ -50,10 +50,11 @@ class ToolNode {
   std::vector<std::string> formerNames;
 
  protected:
-  // The two kinds of scene node a tool makes, without a parent. A helper
-  // mesh node is refreshed at once, as the host caches it.
-  void CreateCamera();
-  void CreateHelper(const util::CMesh& mesh);
+  // The two kinds of scene node a tool makes, linked below `parent` when
+  // one is given. A helper mesh node is refreshed at once, as the host
+  // caches it.
+  void CreateCamera(CNode* parent = nullptr);
+  void CreateHelper(const util::CMesh& mesh, CNode* parent = nullptr);
 };
 
 }  // namespace vuk::rgw::addon

@@ -27,6 +27,10 @@ const std::map<std::string, Pinned> kPinned = {
     {"1DPositioner",
      {{"Position", "Spinner: Position Response Factor", "Spinner: Position Maximum", "Spinner: Position Change Limit"},
       17204771284010365527ull}},
+    {"4WheelerExt",
+     {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
+       "Gravel Shake Amplitude", "Burnout", "External Force"},
+      15431344893362499152ull}},
 };
 
 constexpr int kTakeFrames = 60;

@@ -1,0 +1,233 @@
+#include "plugins/carextended/carextendedobject.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "core/messagebox.h"
+#include "tests/plugins/toolharness.h"
+
+namespace vuk::rgw::addon {
+namespace {
+
+using testing_support::Keys;
+using testing_support::ToolHarness;
+using Matrix = CCarCamObject::Matrix;
+using Vector = CCarCamObject::Vector;
+
+constexpr char kNonUniformBody[] =
+    "Nonuniform scaling is not allowed on the body since it would affect children.\nThe 4-wheeler body will now "
+    "rescale to become uniform.\nWhen scaling only the length of the dummy is of importance.\nModify the shape by "
+    "editing the mesh.";
+constexpr char kWheelsDisplaced[] =
+    "In the rigging process the wheels should be moved and scaled with the WheelRelocatorMesh:es.\nUse the "
+    "WheelCenterMesh:es for suspension and particles.";
+
+// The raw value of each channel at a frame.
+using Take = std::function<double(CarInput channel, int frame)>;
+
+// Gas, then a turn to the left with a touch of booster, then the brake.
+double DrivingTake(CarInput channel, int k) {
+  switch (channel) {
+    case pcInput_GAS_PEDAL:
+      return k < 70 ? 0.8 : 0.0;
+    case pcInput_STEERING_WHEEL:
+      return k > 30 && k < 60 ? -0.6 : 0.0;
+    case pcInput_BOOSTER:
+      return k > 40 && k < 50 ? 1.0 : 0.0;
+    case pcInput_ABS_BRAKE:
+      return k >= 70 ? 1.0 : 0.0;
+    default:
+      return 0.0;
+  }
+}
+
+class Car : public testing::Test {
+ protected:
+  void SetUp() override {
+    core::SetMessageBoxSink([this](const std::string& text, const std::string& caption, std::int32_t) {
+      boxes.push_back(caption + ": " + text);
+      return box::kOk;
+    });
+  }
+  void TearDown() override { core::SetMessageBoxSink(nullptr); }
+
+  void Run(int first, int last, const Take& take) {
+    harness.Record(first, last,
+                   [&take](std::size_t channel, int k) { return take(static_cast<CarInput>(channel), k); });
+  }
+  bool Warned(const std::string& text) const {
+    return std::find(boxes.begin(), boxes.end(), std::string("Warning: ") + text) != boxes.end();
+  }
+  Matrix BodyAt(int frame) { return tool.body.World(harness.TimeOf(frame)); }
+  std::vector<Keys> AllKeys() {
+    std::vector<Keys> keys;
+    for (CNode* node : harness.ToolNodes()) keys.push_back(ToolHarness::KeysOf(node));
+    return keys;
+  }
+
+  std::vector<std::string> boxes;
+  ToolHarness harness{"4WheelerExt"};
+  CCarCamObject& tool = harness.Tool<CCarCamObject>();
+};
+
+TEST_F(Car, IsAVehicleWithItsNodesInCreationOrder) {
+  CCameraPlugin& plugin = *harness.Instance().GetToolPlugin();
+  EXPECT_EQ(plugin.GetName(), "4WheelerExt");
+  EXPECT_EQ(plugin.GetPath(), "carextended");
+  EXPECT_EQ(plugin.GetTitle(), "Quoll 4-Wheeler Extended");
+  EXPECT_EQ(plugin.GetCategory(), "Vehicle");
+  std::vector<std::string> aliases;
+  plugin.Extension(extension::kAliases, &aliases);
+  EXPECT_EQ(aliases, std::vector<std::string>{"CarExtended"});
+  std::vector<std::string> expected = {"CarBodyMesh", "CarBodyBaseMesh", "ChassisRelocatorMesh"};
+  for (const char* suffix : {"_FL", "_FR", "_BL", "_BR"}) {
+    for (const char* name : {"WheelRelocatorMesh", "WheelMesh", "WheelCenterMesh", "WheelCenterSuspensionMesh"}) {
+      expected.push_back(std::string(name) + suffix);
+    }
+  }
+  expected.insert(expected.end(), {"SteeringWheelMesh", "TargetMesh", "GravityDirectionMesh", "ExternalForceMesh",
+                                   "TurnBaseMesh", "DriverCam", "FollowCam", "TopViewCam"});
+  std::vector<std::string> names;
+  for (CNode* node : harness.ToolNodes()) names.push_back(node->name);
+  EXPECT_EQ(names, expected);
+  // The cameras start hidden, the helpers shown.
+  EXPECT_FALSE(tool.followCam.handle->IsVisible());
+  EXPECT_TRUE(tool.target.handle->IsVisible());
+}
+
+struct BodyScale {
+  Vector scale;
+  bool warns;
+};
+
+class CarRig : public Car, public testing::WithParamInterface<BodyScale> {};
+
+// The relocators ride on the body, so a body scaled as a whole scales the rig.
+TEST_P(CarRig, ABodyScaledUnevenlyWarnsAndBecomesUniform) {
+  const BodyScale& given = GetParam();
+  Matrix pose = BodyAt(0);
+  const double scale[3] = {given.scale.x, given.scale.y, given.scale.z};
+  for (int axis = 0; axis < 3; ++axis) pose.SetAxis(axis, pose.Axis(axis).Normalized() * scale[axis]);
+  tool.body.Transform(0)->SetWorldTransform(pose);
+  Run(0, 1, [](CarInput, int) { return 0.0; });
+  EXPECT_EQ(Warned(kNonUniformBody), given.warns);
+  const Matrix measured = BodyAt(0);
+  for (int axis = 0; axis < 3; ++axis) EXPECT_NEAR(measured.Axis(axis).Length(), given.scale.z, 1e-12) << axis;
+  EXPECT_DOUBLE_EQ(tool.cCarCam.dLength, given.scale.z);
+  // The default rig at this length: its wheels and ride height in proportion.
+  const double ratio = given.scale.z / 3.522;
+  EXPECT_NEAR(tool.cCarCam.wheels[CCarCam::kFrontRight].x, 0.64 * ratio, 1e-9);
+  EXPECT_NEAR(tool.cCarCam.wheels[CCarCam::kBackLeft].z, 1.044 * ratio, 1e-9);
+  EXPECT_NEAR(tool.cCarCam.wheels[CCarCam::kBackLeft].radius, 0.26 * ratio, 1e-9);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, CarRig,
+                         testing::Values(BodyScale{{2, 2, 2}, false}, BodyScale{{2, 2, 2.1}, true},
+                                         BodyScale{{3.522, 3.6, 3.522}, true}));
+
+TEST_F(Car, MeasuresTheDefaultRigAndWarnsOfAWheelMovedOffItsRelocator) {
+  Run(0, 1, [](CarInput, int) { return 0.0; });
+  EXPECT_TRUE(boxes.empty());
+  EXPECT_NEAR(tool.cCarCam.dRideHeight, 0.15, 1e-12);
+  EXPECT_NEAR(tool.cCarCam.wheels[CCarCam::kFrontLeft].z, -1.05, 1e-12);
+  Matrix wheel = tool.wheels[0].World(0);
+  wheel.SetTranslation(wheel.GetTranslation() + Vector(0, 0, 0.1));
+  tool.wheels[0].Transform(0)->SetWorldTransform(wheel);
+  Run(0, 1, [](CarInput, int) { return 0.0; });
+  EXPECT_EQ(boxes, std::vector<std::string>{std::string("Warning: ") + kWheelsDisplaced});
+}
+
+// Without input the car keeps still on the plane, every wheel on the ground.
+TEST_F(Car, ACarAtRestOnThePlaneStaysAtRest) {
+  const Matrix start = BodyAt(0);
+  Run(0, 90, [](CarInput, int) { return 0.0; });
+  for (int k = 1; k <= 90; ++k) {
+    const Matrix body = BodyAt(k);
+    ASSERT_NEAR((body.GetTranslation() - start.GetTranslation()).Length(), 0, 1e-6 * tool.cCarCam.dLength) << k;
+    ASSERT_NEAR(Matrix::FromQuat(body.ToQuat()).Axis(1).y, 1.0, 1e-9) << k;
+  }
+  for (const CarWheel& wheel : tool.cCarCam.wheels) {
+    EXPECT_FALSE(wheel.ground.inTheAir);
+    EXPECT_NEAR(wheel.ground.hitPoint.y, 0, 1e-12);
+  }
+}
+
+TEST_F(Car, DrivingFromATakeMovesItForwardOnTheGround) {
+  Run(0, 90, [](CarInput channel, int) { return channel == pcInput_GAS_PEDAL ? 1.0 : 0.0; });
+  // The car's front is its minus Z, which at the start is the world's. The
+  // gas pedal's slow response lets it gather speed gently.
+  for (int k = 1; k <= 90; ++k) {
+    const Vector from = BodyAt(k - 1).GetTranslation(), to = BodyAt(k).GetTranslation();
+    ASSERT_LT(to.z, from.z) << k;
+    ASSERT_NEAR(to.x, from.x, 1e-9) << k;
+    ASSERT_NEAR(to.y, BodyAt(0).GetTranslation().y, 0.01 * tool.cCarCam.dLength) << k;
+  }
+  EXPECT_LT(BodyAt(90).GetTranslation().z, BodyAt(0).GetTranslation().z - tool.cCarCam.dLength);
+  const double top = tool.GaugeValue(CCarCamObject::kVelocity);
+  EXPECT_NEAR(top, tool.cCarCam.dLength * 3.6 * tool.cCarCam.inputs[pcInput_GAS_PEDAL].value, 1e-9);
+  EXPECT_GT(top, 0);
+  // Scrubbed back, the gauge shows the speed the car had then.
+  tool.TimeChanged(harness.TimeOf(1));
+  EXPECT_GT(tool.GaugeValue(CCarCamObject::kVelocity), 0);
+  EXPECT_LT(tool.GaugeValue(CCarCamObject::kVelocity), top);
+  for (std::size_t gauge = CCarCamObject::kFirstWheelInTheAir; gauge < CCarCamObject::kGaugeCount; ++gauge) {
+    EXPECT_EQ(tool.GaugeValue(gauge), 0.0) << gauge;
+  }
+}
+
+// The keys of the driving take, pinned: any change to the car's numbers shows.
+TEST_F(Car, TheSameTakeGivesTheSameKeysBitForBit) {
+  Run(0, 90, DrivingTake);
+  ToolHarness again("4WheelerExt");
+  again.Record(0, 90, [](std::size_t channel, int k) { return DrivingTake(static_cast<CarInput>(channel), k); });
+  EXPECT_EQ(again.HashOfKeys(), harness.HashOfKeys());
+  EXPECT_EQ(harness.HashOfKeys(), 3161910536464092889ull);
+}
+
+// A run stopped at frame 45, saved, loaded into a scrambled car and started
+// again at 45 from its saved histories writes the continuous run's keys.
+TEST_F(Car, ARunResumedFromSavedHistoriesMatchesTheContinuousRunBitForBit) {
+  Run(0, 90, DrivingTake);
+  const std::vector<Keys> continuous = AllKeys();
+  ToolHarness resumed("4WheelerExt");
+  const auto take = [](std::size_t channel, int k) { return DrivingTake(static_cast<CarInput>(channel), k); };
+  resumed.Record(0, 45, take);
+  const testing_support::Bytes saved = resumed.Save();
+  CCarCamObject& car = resumed.Tool<CCarCamObject>();
+  car.cCarCam = CCarCam();
+  car.dStartTime = 1e300;
+  resumed.SetSaveData(saved);
+  ASSERT_EQ(car.Load(), 0);
+  resumed.Record(45, 90, take);
+  const std::vector<CNode*> nodes = resumed.ToolNodes();
+  for (std::size_t n = 0; n < nodes.size(); ++n) {
+    EXPECT_EQ(testing_support::HashOf(ToolHarness::KeysOf(nodes[n])), testing_support::HashOf(continuous[n]))
+        << nodes[n]->name;
+  }
+}
+
+TEST_F(Car, SavesLoadsAndSavesTheSameBytes) {
+  Run(0, 30, DrivingTake);
+  tool.settings.bKeyframeOnlyEssentialObjects = true;
+  tool.cCarCam.params.dGravity = 1.5;
+  const testing_support::Bytes saved = harness.Save();
+  tool.settings.bKeyframeOnlyEssentialObjects = false;
+  tool.cCarCam.params.dGravity = 1;
+  harness.SetSaveData(saved);
+  ASSERT_EQ(tool.Load(), 0);
+  EXPECT_TRUE(tool.settings.bKeyframeOnlyEssentialObjects);
+  EXPECT_EQ(tool.cCarCam.params.dGravity, 1.5);
+  EXPECT_EQ(harness.Save(), saved);
+}
+
+TEST_F(Car, HideSwitchesUndoThroughTheHost) {
+  harness.ExpectUndoableHide(tool, "Hide Helpers", tool.settings.helpers.hide, tool.wheelCenters[2].handle);
+  EXPECT_FALSE(tool.gravity.handle->IsVisible());
+  harness.ExpectUndoableHide(tool, "Hide Follow Camera", tool.settings.bHideFollowCam, tool.followCam.handle);
+}
+
+}  // namespace
+}  // namespace vuk::rgw::addon

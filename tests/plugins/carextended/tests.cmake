@@ -1,0 +1,20 @@
+# The 4-Wheeler through the command line: made in the demo scene, given a
+# take of full gas, simulated from the saved scene, and read back: the body
+# drives forward along its minus Z on the built-in plane.
+set(car ${CMAKE_CURRENT_BINARY_DIR}/car)
+file(WRITE ${car}_take.csv "time,Gas Pedal (Forw/Backw)\n0,1\n3,1\n")
+set(car_steps
+  "create\;${rgw_demo_scene}\;--tool\;4WheelerExt\;--out\;${car}.gltf"
+  "take\;${car}.gltf\;--instance\;4WheelerExt_01\;--csv\;${car}_take.csv\;--out\;${car}.gltf"
+  "run\;${car}.gltf\;--out\;${car}_result.gltf")
+set(previous rgw_demo)
+set(step 0)
+foreach(arguments IN LISTS car_steps)
+  math(EXPR step "${step} + 1")
+  add_test(NAME rgw_car_${step} COMMAND rgw ${arguments})
+  set_tests_properties(rgw_car_${step} PROPERTIES FIXTURES_REQUIRED ${previous} FIXTURES_SETUP rgw_car_${step})
+  set(previous rgw_car_${step})
+endforeach()
+add_test(NAME rgw_car_result COMMAND rgw scene show ${car}_result.gltf)
+set_tests_properties(rgw_car_result PROPERTIES FIXTURES_REQUIRED ${previous} PASS_REGULAR_EXPRESSION
+  "4WheelerExt_01_CarBodyMesh \\(helper\\)  90 keys, 0.033 s to 3.000 s, local \\(0.000, 0.150, -0.000\\) to \\(0.000, 0.150, -5.902\\).*tool 4WheelerExt_01 \\(4WheelerExt\\): 9 channels, 9 recorded tracks")
