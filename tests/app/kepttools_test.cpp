@@ -3,6 +3,8 @@
 // the commands that would change it refuse.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include <cstdio>
 #include <filesystem>
 #include <functional>
@@ -97,8 +99,15 @@ const Damage kDamages[] = {
 // 1D positioner with a take to run.
 class KeptTool : public testing::TestWithParam<Damage> {
  protected:
+  // Each test of a damage its own: tests run side by side.
+  static std::string FolderOfThisTest() {
+    std::string name = testing::UnitTest::GetInstance()->current_test_info()->name();
+    std::replace(name.begin(), name.end(), '/', '_');
+    return testing::TempDir() + "/kepttool_" + name;
+  }
+
   KeptTool()
-      : folder(testing::TempDir() + "/kepttool_" + GetParam().what),
+      : folder(FolderOfThisTest()),
         dataHome("XDG_DATA_HOME", (folder + "/user").c_str()) {
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
