@@ -163,7 +163,8 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
     void Create() override;
     // Gives the core the gravity direction and the attitude wanted in the air.
     void Read(double time);
-    // Follows the car above its roof, keeping its own turn.
+    // Follows the car above its roof, keeping its own turn; stays where it
+    // is while surfaces hang below it.
     void Update(double time) override;
 
    private:

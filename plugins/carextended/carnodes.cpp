@@ -184,6 +184,9 @@ void CCarCamObject::CGravityDirectionNode::Read(double time) {
 }
 
 void CCarCamObject::CGravityDirectionNode::Update(double time) {
+  // Surfaces hung below it are the ground: following the car would drag
+  // them along.
+  if (handle && handle->GetSceneChildCount() > 0) return;
   const CCarCam& core = car.cCarCam;
   Matrix above = pose;
   above.SetTranslation(core.ChassisPosition() + core.rotation.Rotate({0, core.dLength * 0.6, 0}));

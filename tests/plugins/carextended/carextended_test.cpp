@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "adaptor/standalone/standalonenode.h"
 #include "core/messagebox.h"
 #include "tests/plugins/toolharness.h"
 
@@ -177,6 +178,32 @@ TEST_F(Car, DrivingFromATakeMovesItForwardOnTheGround) {
     EXPECT_EQ(tool.GaugeValue(gauge), 0.0) << gauge;
   }
 }
+
+// The gravity node rides above the car; a surface hung below it is ground,
+// so then it stays, and the surface with it.
+class CarGravityNode : public Car, public testing::WithParamInterface<bool> {};
+
+TEST_P(CarGravityNode, FollowsTheCarUnlessASurfaceHangsBelowIt) {
+  const bool carriesSurface = GetParam();
+  auto& scene = harness.host.GetScene();
+  adaptor::standalone::SceneNode* surface = harness.AddSceneNode("Ramp");
+  if (carriesSurface) {
+    scene.SetParent(surface, static_cast<adaptor::standalone::StandaloneNode*>(tool.gravity.handle)->GetHostNode(), 0);
+  }
+  const Vector gravityFrom = tool.gravity.World(harness.TimeOf(0)).GetTranslation();
+  Run(0, 90, [](CarInput channel, int) { return channel == pcInput_GAS_PEDAL ? 1.0 : 0.0; });
+  const double end = harness.TimeOf(90);
+  ASSERT_LT(BodyAt(90).GetTranslation().z, BodyAt(0).GetTranslation().z - tool.cCarCam.dLength);
+  const double moved = (tool.gravity.World(end).GetTranslation() - gravityFrom).Length();
+  if (carriesSurface) {
+    EXPECT_EQ(moved, 0.0);
+  } else {
+    EXPECT_GT(moved, tool.cCarCam.dLength);
+  }
+  EXPECT_EQ(surface->World(scene.clock.TickOf(end)).GetTranslation().Length(), 0.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(AloneOrCarryingASurface, CarGravityNode, testing::Bool());
 
 // The keys of the driving take, pinned: any change to the car's numbers shows.
 TEST_F(Car, TheSameTakeGivesTheSameKeysBitForBit) {
