@@ -16,6 +16,7 @@
 #include "core/prmfile.h"
 #include "core/resimulator.h"
 #include "core/takefile.h"
+#include "core/xmlfilemanager.h"
 #include "scenes/drivingscene.h"
 #include "scenes/samplescene.h"
 #include "util/atomicfile.h"
@@ -160,7 +161,59 @@ std::string Bindings(const rgw::core::Instance& instance) {
          (bindings.empty() ? "" : ": " + Listed(bindings));
 }
 
-// Makes the tool named by --tool, when there is one, and links its nodes.
+// Splits "LEFT=RIGHT" as an option's value; false with what it wants.
+bool ReadPair(const std::string& option, const std::string& value, const char* form, std::string& left,
+              std::string& right, std::string& error) {
+  const std::size_t equals = value.find('=');
+  if (equals == std::string::npos) {
+    error = "--" + option + " wants " + form + ", not \"" + value + "\"";
+    return false;
+  }
+  left = value.substr(0, equals);
+  right = value.substr(equals + 1);
+  return true;
+}
+
+// "X,Y,Z" as an offset; false with what --move wants.
+bool ReadOffset(const std::string& text, util::Vector3<double>& offset, std::string& error) {
+  int used = 0;
+  const bool read = std::sscanf(text.c_str(), "%lf,%lf,%lf%n", &offset.x, &offset.y, &offset.z, &used) == 3 &&
+                    static_cast<std::size_t>(used) == text.size() && std::isfinite(offset.x) &&
+                    std::isfinite(offset.y) && std::isfinite(offset.z);
+  if (!read) error = "--move wants three numbers X,Y,Z, not \"" + text + "\"";
+  return read;
+}
+
+// A profile to apply: a file of its kind, else one of the tool's own by
+// that name (a factory one or the user's); null with the reason.
+const vuk::util::xml::Element* FindProfile(Session& session, const rgw::core::Instance& instance,
+                                           const std::string& given, rgw::core::XMLFileManager::Kind kind,
+                                           vuk::util::xml::Element& file, std::string& error) {
+  const bool input = kind == rgw::core::XMLFileManager::Kind::kInput;
+  const char* what = input ? "an input profile" : "a configuration profile";
+  if (std::filesystem::exists(given)) {
+    const vuk::util::xml::ParseResult parsed = file.Parse(given);
+    if (parsed != vuk::util::xml::kParsed) {
+      error = given + ": " + XmlProblem(parsed);
+      return nullptr;
+    }
+    if (file.name == (input ? "unidevice" : "configprofile")) return input ? &file.GetChild("profile") : &file;
+    error = given + ": not " + std::string(what);
+    return nullptr;
+  }
+  const std::string toolName = instance.GetToolPlugin()->GetName();
+  rgw::core::Plugin* tool = session.library.FindTool(toolName);
+  rgw::core::XMLFileManager* profiles = !tool ? nullptr : input ? &tool->InputProfiles() : &tool->ConfigProfiles();
+  const vuk::util::xml::Element* profile = profiles ? profiles->Find(given) : nullptr;
+  if (!profile) {
+    error = "\"" + given + "\" is neither a file nor " + what + " of " + toolName + "; its profiles are " +
+            Listed(profiles ? profiles->Names() : std::vector<std::string>());
+  }
+  return profile;
+}
+
+// Makes the tool named by --tool, when there is one, moves it, links its
+// nodes below scene nodes and puts scene nodes below its nodes.
 int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
   made = nullptr;
   const std::string toolName = options.Get("tool");
@@ -174,20 +227,32 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
     return Fail(Session::Where(*kept) + " is not loaded but has the name " + made->InstanceName() +
                 "; give the new tool another with --name");
   }
+  std::string error;
+  if (options.Has("move")) {
+    util::Vector3<double> offset;
+    if (!ReadOffset(options.Get("move"), offset, error)) return Fail(error);
+    session.Move(*made, offset);
+  }
+  std::string toolNode, sceneNode;
   const auto links = options.values.equal_range("link");
   for (auto it = links.first; it != links.second; ++it) {
-    const std::size_t equals = it->second.find('=');
-    if (equals == std::string::npos) return Fail("--link wants TOOLNODE=SCENENODE, not \"" + it->second + "\"");
-    std::string error;
-    if (!session.Link(*made, it->second.substr(0, equals), it->second.substr(equals + 1), options.Has("keep-offset"),
-                      error)) {
+    if (!ReadPair("link", it->second, "TOOLNODE=SCENENODE", toolNode, sceneNode, error) ||
+        !session.Link(*made, toolNode, sceneNode, options.Has("keep-offset"), error)) {
+      return Fail(error);
+    }
+  }
+  const auto children = options.values.equal_range("child");
+  for (auto it = children.first; it != children.second; ++it) {
+    if (!ReadPair("child", it->second, "TOOLNODE=SCENENODE", toolNode, sceneNode, error) ||
+        !session.Adopt(*made, toolNode, sceneNode, error)) {
       return Fail(error);
     }
   }
   return 0;
 }
 
-// What the links of a made tool did: ", with TargetMesh on Car".
+// What the links of a made tool did: ", with TargetMesh on Car and Ramp
+// below GravityDirectionMesh".
 std::string Linked(const Options& options) {
   std::vector<std::string> links;
   const auto given = options.values.equal_range("link");
@@ -196,7 +261,13 @@ std::string Linked(const Options& options) {
     link.replace(link.find('='), 1, options.Has("keep-offset") ? " linked below " : " on ");
     links.push_back(link);
   }
-  return links.empty() ? "" : ", with " + Listed(links);
+  const auto children = options.values.equal_range("child");
+  for (auto it = children.first; it != children.second; ++it) {
+    const std::size_t equals = it->second.find('=');
+    links.push_back(it->second.substr(equals + 1) + " below " + it->second.substr(0, equals));
+  }
+  const std::string moved = options.Has("move") ? ", moved by " + options.Get("move") : "";
+  return moved + (links.empty() ? "" : ", with " + Listed(links));
 }
 
 // Parses a command's options, opens its scene and finds the tool named by
@@ -456,11 +527,14 @@ int SceneCommand(const Arguments& args) {
 
 int CreateCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--link TOOLNODE=SCENENODE]... [--keep-offset]\n"
+      "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--move X,Y,Z] [--link TOOLNODE=SCENENODE]...\n"
+      "                  [--keep-offset] [--child TOOLNODE=SCENENODE]...\n"
       "       rgw create FILE --prm MODEL.prm --out OUT\n"
       "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n"
-      "  A linked node goes onto its scene node; with --keep-offset it stays where it stands.\n";
-  Options options{{"tool", "name", "link", "prm", "out", "fps"}, {"keep-offset"}};
+      "  --move moves the new tool by X,Y,Z from where it makes itself. A linked node goes onto its\n"
+      "  scene node; with --keep-offset it stays where it stands. A child scene node goes below the\n"
+      "  tool's node where it stands (a vehicle's GravityDirectionMesh takes its ground so).\n";
+  Options options{{"tool", "name", "move", "link", "child", "prm", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   const bool fromModel = options.Has("prm");
   if (fromModel == options.Has("tool")) return Fail("give either --tool or --prm");
@@ -495,12 +569,12 @@ int ModelCommand(const Arguments& args) {
 
 int RunCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw run FILE --out OUT [--tool NAME [--link TOOLNODE=SCENENODE]... [--keep-offset]] [--from S] [--to S]\n"
-      "               [--fps N]\n"
+      "usage: rgw run FILE --out OUT [--tool NAME [--move X,Y,Z] [--link TOOLNODE=SCENENODE]... [--keep-offset]\n"
+      "               [--child TOOLNODE=SCENENODE]...] [--from S] [--to S] [--fps N]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default from 0 to the end of the scene's keys or of the tools' takes, whichever is later,\n"
       "  and writes the scene with the keys, at the scene's frame rate or N frames per second.\n";
-  Options options{{"tool", "name", "link", "from", "to", "out", "fps"}, {"keep-offset"}};
+  Options options{{"tool", "name", "move", "link", "child", "from", "to", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
   double from = 0, to = 0;
@@ -533,18 +607,32 @@ int RunCommand(const Arguments& args) {
 
 int SetCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw set FILE --instance NAME --value LABEL=NUMBER... --out OUT\n"
-      "  Changes configuration values of a tool in the scene, by their labels ('rgw tools TOOL'\n"
-      "  lists them with their ranges).\n";
-  Options options{"instance", "value", "out", "fps"};
+      "usage: rgw set FILE --instance NAME [--profile PROFILE] [--value LABEL=NUMBER]... --out OUT\n"
+      "  Changes the configuration of a tool in the scene: first the whole of a configuration\n"
+      "  profile (a .ccp file, or the name of one of the tool's profiles), then values by their\n"
+      "  labels ('rgw tools TOOL' lists them with their ranges and the profiles).\n";
+  Options options{"instance", "profile", "value", "out", "fps"};
   Session session;
   rgw::core::InstanceReference* item = nullptr;
-  if (const auto code = OpenTool(args, usage, {"instance", "value", "out"}, options, session, item)) return *code;
+  if (const auto code = OpenTool(args, usage, {"instance", "out"}, options, session, item)) return *code;
+  if (!options.Has("profile") && !options.Has("value")) {
+    std::fprintf(stderr, "rgw: give --profile or --value\n%s", usage);
+    return 2;
+  }
   rgw::core::Instance& instance = *item->instance;
   std::vector<std::string> labels;
   for (const auto& value : instance.Values()) labels.push_back(value.label);
   std::string error;
   std::vector<std::string> changes;
+  std::string profileName;
+  if (options.Has("profile")) {
+    vuk::util::xml::Element file;
+    const vuk::util::xml::Element* profile = FindProfile(session, instance, options.Get("profile"),
+                                                         rgw::core::XMLFileManager::Kind::kConfig, file, error);
+    if (!profile) return Fail(error);
+    instance.ApplyConfigProfile(*profile);
+    profileName = "the profile " + options.Get("profile");
+  }
   const auto values = options.values.equal_range("value");
   for (auto it = values.first; it != values.second; ++it) {
     const std::size_t equals = it->second.find('=');
@@ -558,7 +646,9 @@ int SetCommand(const Arguments& args) {
     if (!instance.SetValue(label, value, error)) return Fail(error);
     changes.push_back(label + " to " + it->second.substr(equals + 1));
   }
-  return SaveAndSay(session, options.Get("out"), "set " + Listed(changes) + " on " + instance.InstanceName());
+  const std::string then = profileName.empty() || changes.empty() ? "" : ", then ";
+  return SaveAndSay(session, options.Get("out"),
+                    "set " + profileName + then + (changes.empty() ? "" : Listed(changes)) + " on " + instance.InstanceName());
 }
 
 int TakeCommand(const Arguments& args) {
@@ -601,22 +691,10 @@ int BindCommand(const Arguments& args) {
   if (const auto code = OpenTool(args, usage, {"instance", "profile", "out"}, options, session, item)) return *code;
   const std::string& given = options.Get("profile");
   vuk::util::xml::Element file;
-  const vuk::util::xml::Element* profile = nullptr;
-  if (std::filesystem::exists(given)) {
-    const vuk::util::xml::ParseResult parsed = file.Parse(given);
-    if (parsed != vuk::util::xml::kParsed) return Fail(given + ": " + XmlProblem(parsed));
-    if (file.name != "unidevice") return Fail(given + ": not an input profile");
-    profile = &file.GetChild("profile");
-  } else {
-    // Not a file: a profile the tool has by that name, a factory one or the user's.
-    const std::string toolName = item->instance->GetToolPlugin()->GetName();
-    rgw::core::Plugin* tool = session.library.FindTool(toolName);
-    profile = tool ? tool->InputProfiles().Find(given) : nullptr;
-    if (!profile) {
-      return Fail("\"" + given + "\" is neither a file nor an input profile of " + toolName + "; its profiles are " +
-                  Listed(tool ? tool->InputProfiles().Names() : std::vector<std::string>()));
-    }
-  }
+  std::string error;
+  const vuk::util::xml::Element* profile =
+      FindProfile(session, *item->instance, given, rgw::core::XMLFileManager::Kind::kInput, file, error);
+  if (!profile) return Fail(error);
   // Applying unbinds every channel first: a profile that binds none of them
   // would only take the bindings away.
   const std::vector<std::string> channels = ChannelNames(*item->instance);

@@ -65,14 +65,25 @@ bool Session::Save(const std::string& path, std::string& error) {
   return saved;
 }
 
+SceneNode* Session::FindSceneNode(const std::string& name) {
+  SceneNode* found = nullptr;
+  host.GetScene().Walk([&](SceneNode& candidate) {
+    if (!found && !candidate.isRoot && candidate.hostName == name) found = &candidate;
+  });
+  return found;
+}
+
+rgw::core::CoreNode* Session::FindToolNode(rgw::core::Instance& instance, const std::string& toolNode,
+                                           std::string& error) {
+  auto* node = static_cast<rgw::core::CoreNode*>(instance.FindNode(toolNode));
+  if (!node) error = instance.InstanceName() + " has no node \"" + toolNode + "\"; its nodes are " + Listed(instance.NodeNames());
+  return node;
+}
+
 bool Session::Link(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
                    bool keepOffset, std::string& error) {
-  auto* node = static_cast<rgw::core::CoreNode*>(instance.FindNode(toolNode));
-  SceneNode* target = nullptr;
-  host.GetScene().Walk([&](SceneNode& candidate) {
-    if (!target && !candidate.isRoot && candidate.hostName == sceneNode) target = &candidate;
-  });
-  if (!node) error = instance.InstanceName() + " has no node \"" + toolNode + "\"; its nodes are " + Listed(instance.NodeNames());
+  rgw::core::CoreNode* node = FindToolNode(instance, toolNode, error);
+  SceneNode* target = FindSceneNode(sceneNode);
   if (node && !target) error = path_ + ": no node \"" + sceneNode + "\"";
   if (!node || !target) return false;
   rgw::adaptor::standalone::StandaloneNode wrapper(&host, target);
@@ -85,6 +96,37 @@ bool Session::Link(rgw::core::Instance& instance, const std::string& toolNode, c
   snapshot->SetLocalTransform(rgw::Matrix());
   node->ReleaseSnapshot(snapshot);
   return true;
+}
+
+bool Session::Adopt(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
+                    std::string& error) {
+  rgw::core::CoreNode* node = FindToolNode(instance, toolNode, error);
+  SceneNode* child = FindSceneNode(sceneNode);
+  if (node && !child) error = path_ + ": no node \"" + sceneNode + "\"";
+  if (!node || !child) return false;
+  SceneNode* parent = static_cast<rgw::adaptor::standalone::StandaloneNode*>(node)->GetHostNode();
+  for (const SceneNode* up = parent; up; up = up->parent) {
+    if (up != child) continue;
+    error = sceneNode + " can't go below " + parent->hostName + ", which hangs below it";
+    return false;
+  }
+  auto& scene = host.GetScene();
+  scene.SetParent(child, parent, scene.clock.TickOf(host.GetTime()));
+  return true;
+}
+
+void Session::Move(rgw::core::Instance& instance, const util::Vector3<double>& offset) {
+  rgw::core::NodeVector nodes;
+  host.GetInstanceNodes(&instance, nodes);
+  const double now = host.GetTime();
+  for (rgw::core::CoreNode* node : nodes.nodes) {
+    if (!static_cast<rgw::adaptor::standalone::StandaloneNode*>(node)->GetHostNode()->parent->isRoot) continue;
+    rgw::CSnapshot* snapshot = node->GetSnapshot(now);
+    rgw::Matrix world = snapshot->GetWorldTransform();
+    world.SetTranslation(world.GetTranslation() + offset);
+    snapshot->SetWorldTransform(world);
+    node->ReleaseSnapshot(snapshot);
+  }
 }
 
 double Session::DefaultEnd() {

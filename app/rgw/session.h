@@ -28,6 +28,13 @@ class Session {
   // the offset is kept.
   bool Link(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
             bool keepOffset, std::string& error);
+  // Puts a scene node below a tool's node where it stands, so that the tool
+  // finds it among its node's scene children (a vehicle's ground, say).
+  bool Adopt(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
+             std::string& error);
+  // Moves a tool's nodes that hang from the scene's root, and with them the
+  // rest, by an offset in the world.
+  void Move(rgw::core::Instance& instance, const util::Vector3<double>& offset);
   // Simulates every checked tool over the range, with a progress bar.
   void Resimulate(double from, double to);
   // The end of the scene's keys or of the tools' takes, whichever is later;
@@ -55,6 +62,11 @@ class Session {
   rgw::core::InstanceManager& tools;
 
  private:
+  // The scene's node of that host name, not the root; null when none.
+  rgw::adaptor::standalone::SceneNode* FindSceneNode(const std::string& name);
+  // A tool's node by its name in the tool; null with the names it has.
+  rgw::core::CoreNode* FindToolNode(rgw::core::Instance& instance, const std::string& toolNode, std::string& error);
+
   rgw::adaptor::standalone::GltfFile file_;
   std::string path_;
 };

@@ -76,5 +76,51 @@ TEST_P(LinkedTarget, FollowsTheSceneNodeOnItOrAtItsOffset) {
 
 INSTANTIATE_TEST_SUITE_P(OnTheNodeOrKeepingTheOffset, LinkedTarget, testing::Bool());
 
+// What `create --move` and `--child` do to a fresh LookAt camera in the demo
+// scene: its nodes move together; a scene node put below one of them keeps
+// where it stands, then goes where that node goes.
+class MadeTool : public testing::Test {
+ protected:
+  MadeTool() : dataHome("XDG_DATA_HOME", (testing::TempDir() + "/madetool/user").c_str()) {
+    scenes::BuildSampleScene(session.host.GetScene());
+    session.host.GatherScene();
+    item = session.tools.Create("LookAtCam");
+  }
+  util::Vector3<double> WorldAt(const std::string& name) {
+    return Named(session, name)->World(0).GetTranslation();
+  }
+
+  ScopedEnv dataHome;
+  Session session;
+  rgw::core::InstanceReference* item = nullptr;
+};
+
+TEST_F(MadeTool, MovesAllItsNodesByTheOffset) {
+  ASSERT_NE(item, nullptr);
+  const std::vector<std::string> nodes{"LookAtCam_01_TargetMesh", "LookAtCam_01_LookAtCam"};
+  std::vector<util::Vector3<double>> before;
+  for (const std::string& node : nodes) before.push_back(WorldAt(node));
+  session.Move(*item->instance, {1, 2, -3});
+  for (std::size_t i = 0; i < nodes.size(); ++i) {
+    const util::Vector3<double> moved = WorldAt(nodes[i]) - before[i];
+    EXPECT_NEAR(moved.x, 1, 1e-12) << nodes[i];
+    EXPECT_NEAR(moved.y, 2, 1e-12) << nodes[i];
+    EXPECT_NEAR(moved.z, -3, 1e-12) << nodes[i];
+  }
+}
+
+TEST_F(MadeTool, AChildSceneNodeKeepsItsPlaceThenFollowsTheToolNode) {
+  ASSERT_NE(item, nullptr);
+  std::string error;
+  const util::Vector3<double> ground = WorldAt("Ground");
+  ASSERT_TRUE(session.Adopt(*item->instance, "TargetMesh", "Ground", error)) << error;
+  EXPECT_EQ(Named(session, "Ground")->parent, Named(session, "LookAtCam_01_TargetMesh"));
+  EXPECT_NEAR((WorldAt("Ground") - ground).Length(), 0, 1e-12);
+  session.Move(*item->instance, {0, 0, 5});
+  EXPECT_NEAR((WorldAt("Ground") - ground - util::Vector3<double>(0, 0, 5)).Length(), 0, 1e-12);
+  EXPECT_FALSE(session.Adopt(*item->instance, "Target", "Ground", error));
+  EXPECT_EQ(error, "LookAtCam_01 has no node \"Target\"; its nodes are TargetMesh, LookAtCam");
+}
+
 }  // namespace
 }  // namespace vuk::app
