@@ -213,7 +213,8 @@ const vuk::util::xml::Element* FindProfile(Session& session, const rgw::core::In
 }
 
 // Makes the tool named by --tool, when there is one, moves it, links its
-// nodes below scene nodes and puts scene nodes below its nodes.
+// nodes below scene nodes, puts scene nodes below its nodes and gives its
+// helpers solids.
 int CreateTool(Session& session, const Options& options, rgw::core::Instance*& made) {
   made = nullptr;
   const std::string toolName = options.Get("tool");
@@ -248,6 +249,10 @@ int CreateTool(Session& session, const Options& options, rgw::core::Instance*& m
       return Fail(error);
     }
   }
+  const auto solids = options.values.equal_range("solid");
+  for (auto it = solids.first; it != solids.second; ++it) {
+    if (!session.Solidify(*made, it->second, error)) return Fail(error);
+  }
   return 0;
 }
 
@@ -266,6 +271,10 @@ std::string Linked(const Options& options) {
     const std::size_t equals = it->second.find('=');
     links.push_back(it->second.substr(equals + 1) + " below " + it->second.substr(0, equals));
   }
+  std::vector<std::string> solids;
+  const auto drawn = options.values.equal_range("solid");
+  for (auto it = drawn.first; it != drawn.second; ++it) solids.push_back(it->second);
+  if (!solids.empty()) links.push_back("solids on " + Listed(solids));
   const std::string moved = options.Has("move") ? ", moved by " + options.Get("move") : "";
   return moved + (links.empty() ? "" : ", with " + Listed(links));
 }
@@ -528,13 +537,14 @@ int SceneCommand(const Arguments& args) {
 int CreateCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw create FILE --tool NAME --out OUT [--name INSTANCE] [--move X,Y,Z] [--link TOOLNODE=SCENENODE]...\n"
-      "                  [--keep-offset] [--child TOOLNODE=SCENENODE]...\n"
+      "                  [--keep-offset] [--child TOOLNODE=SCENENODE]... [--solid TOOLNODE]...\n"
       "       rgw create FILE --prm MODEL.prm --out OUT\n"
       "  Makes a tool (or the tools of a pre-rigged model) in the scene and saves the scene with it.\n"
       "  --move moves the new tool by X,Y,Z from where it makes itself. A linked node goes onto its\n"
       "  scene node; with --keep-offset it stays where it stands. A child scene node goes below the\n"
-      "  tool's node where it stands (a vehicle's GravityDirectionMesh takes its ground so).\n";
-  Options options{{"tool", "name", "move", "link", "child", "prm", "out", "fps"}, {"keep-offset"}};
+      "  tool's node where it stands (a vehicle's GravityDirectionMesh takes its ground so). --solid\n"
+      "  hangs a mesh of a helper's shape below it, for viewers that draw no helpers.\n";
+  Options options{{"tool", "name", "move", "link", "child", "solid", "prm", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   const bool fromModel = options.Has("prm");
   if (fromModel == options.Has("tool")) return Fail("give either --tool or --prm");
@@ -570,11 +580,11 @@ int ModelCommand(const Arguments& args) {
 int RunCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw run FILE --out OUT [--tool NAME [--move X,Y,Z] [--link TOOLNODE=SCENENODE]... [--keep-offset]\n"
-      "               [--child TOOLNODE=SCENENODE]...] [--from S] [--to S] [--fps N]\n"
+      "               [--child TOOLNODE=SCENENODE]... [--solid TOOLNODE]...] [--from S] [--to S] [--fps N]\n"
       "  Simulates the scene's checked tools (and a new one when --tool is given) over the range,\n"
       "  by default from 0 to the end of the scene's keys or of the tools' takes, whichever is later,\n"
       "  and writes the scene with the keys, at the scene's frame rate or N frames per second.\n";
-  Options options{{"tool", "name", "move", "link", "child", "from", "to", "out", "fps"}, {"keep-offset"}};
+  Options options{{"tool", "name", "move", "link", "child", "solid", "from", "to", "out", "fps"}, {"keep-offset"}};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
   std::string error;
   double from = 0, to = 0;

@@ -115,6 +115,19 @@ bool Session::Adopt(rgw::core::Instance& instance, const std::string& toolNode, 
   return true;
 }
 
+bool Session::Solidify(rgw::core::Instance& instance, const std::string& toolNode, std::string& error) {
+  rgw::core::CoreNode* node = FindToolNode(instance, toolNode, error);
+  if (!node) return false;
+  SceneNode* helper = static_cast<rgw::adaptor::standalone::StandaloneNode*>(node)->GetHostNode();
+  if (helper->mesh.faces.empty()) {
+    error = instance.InstanceName() + "'s " + toolNode + " has no shape to draw";
+    return false;
+  }
+  SceneNode* solid = host.GetScene().CreateNode(rgw::adaptor::standalone::ObjectKind::kMesh, helper->hostName + "_Solid", helper);
+  solid->SetMesh(helper->mesh);
+  return true;
+}
+
 void Session::Move(rgw::core::Instance& instance, const util::Vector3<double>& offset) {
   rgw::core::NodeVector nodes;
   host.GetInstanceNodes(&instance, nodes);

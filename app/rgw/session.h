@@ -32,6 +32,9 @@ class Session {
   // finds it among its node's scene children (a vehicle's ground, say).
   bool Adopt(rgw::core::Instance& instance, const std::string& toolNode, const std::string& sceneNode,
              std::string& error);
+  // Hangs a mesh of a tool node's helper shape below it, which every viewer
+  // draws where the helper, ours alone, is an empty; false with the reason.
+  bool Solidify(rgw::core::Instance& instance, const std::string& toolNode, std::string& error);
   // Moves a tool's nodes that hang from the scene's root, and with them the
   // rest, by an offset in the world.
   void Move(rgw::core::Instance& instance, const util::Vector3<double>& offset);
