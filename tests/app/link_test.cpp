@@ -122,5 +122,20 @@ TEST_F(MadeTool, AChildSceneNodeKeepsItsPlaceThenFollowsTheToolNode) {
   EXPECT_EQ(error, "LookAtCam_01 has no node \"Target\"; its nodes are TargetMesh, LookAtCam");
 }
 
+TEST_F(MadeTool, ASolidIsAMeshOfItsHelpersShapeBelowIt) {
+  ASSERT_NE(item, nullptr);
+  std::string error;
+  ASSERT_TRUE(session.Solidify(*item->instance, "TargetMesh", error)) << error;
+  const SceneNode* helper = Named(session, "LookAtCam_01_TargetMesh");
+  const SceneNode* solid = Named(session, "LookAtCam_01_TargetMesh_Solid");
+  ASSERT_TRUE(helper && solid);
+  EXPECT_EQ(solid->parent, helper);
+  EXPECT_EQ(solid->kind, rgw::adaptor::standalone::ObjectKind::kMesh);
+  EXPECT_FALSE(solid->mesh.faces.empty());
+  EXPECT_EQ(solid->mesh.faces, helper->mesh.faces);
+  EXPECT_EQ(solid->mesh.vertices.size(), helper->mesh.vertices.size());
+  EXPECT_NEAR((solid->World(0).GetTranslation() - helper->World(0).GetTranslation()).Length(), 0, 1e-12);
+}
+
 }  // namespace
 }  // namespace vuk::app

@@ -1,0 +1,111 @@
+// The main job's outcome, read from the files its steps wrote
+// (scripts/demo-steps, run by the fixture before these tests): the car drives
+// far over the terrain, never below it and never off it, jumps off the ramp;
+// the truck drives the same take otherwise; the follower ends near the car.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "adaptor/standalone/gltffile.h"
+#include "adaptor/standalone/scene.h"
+#include "scenes/drivingscene.h"
+#include "scenes/terrain.h"
+
+namespace vuk::app {
+namespace {
+
+using rgw::adaptor::standalone::GltfFile;
+using rgw::adaptor::standalone::Scene;
+using rgw::adaptor::standalone::SceneNode;
+using Point = util::Vector3<double>;
+
+// A scene the demo wrote, read as rgw reads it.
+class Written {
+ public:
+  explicit Written(const std::string& name) {
+    std::string error;
+    loaded = file_.Load(std::string(RGW_DEMO_OUTPUT) + "/" + name, scene, &error);
+    EXPECT_TRUE(loaded) << name << ": " << error;
+  }
+  SceneNode* Node(const std::string& name) {
+    SceneNode* found = nullptr;
+    scene.Walk([&](SceneNode& node) {
+      if (node.hostName == name) found = &node;
+    });
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+  }
+  // Where the node stands at its last key.
+  Point End(const std::string& name) {
+    const SceneNode* node = Node(name);
+    return node && !node->track.Keys().empty() ? node->World(node->track.Keys().back().tick).GetTranslation() : Point();
+  }
+
+  bool loaded = false;
+  Scene scene;
+
+ private:
+  GltfFile file_;
+};
+
+double AboveTerrain(const Point& at) { return at.y - scenes::RollingHeight(at.x, at.z); }
+
+class MainJob : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { result = std::make_unique<Written>("demo_result.gltf"); }
+  static void TearDownTestSuite() { result.reset(); }
+
+  static std::unique_ptr<Written> result;
+};
+
+std::unique_ptr<Written> MainJob::result;
+
+TEST_F(MainJob, TheCarDrivesFarOverTheTerrainAndJumpsOffTheRamp) {
+  ASSERT_TRUE(result->loaded);
+  const SceneNode* body = result->Node("Car_CarBodyMesh");
+  const SceneNode* ramp = result->Node("Ramp");
+  ASSERT_TRUE(body && ramp);
+  ASSERT_GT(body->track.Keys().size(), 500u);
+  // Past the ramp's lip, the far end of its mesh down the road, where a
+  // car that jumps is still in the air.
+  constexpr double kFlight = 10;
+  double lip = std::numeric_limits<double>::max();
+  for (const auto& vertex : ramp->mesh.vertices) lip = std::min(lip, ramp->World(0).TransformPoint(vertex).z);
+  const Point start = body->World(body->track.Keys().front().tick).GetTranslation();
+  const double riding = AboveTerrain(start);
+  double highestPastTheLip = -1;
+  for (const auto& key : body->track.Keys()) {
+    const Point at = body->World(key.tick).GetTranslation();
+    ASSERT_GT(AboveTerrain(at), 0.05) << "below the terrain at tick " << key.tick;
+    const double half = scenes::kDrivingTerrainSize / 2;
+    ASSERT_TRUE(std::fabs(at.x) < half && std::fabs(at.z) < half) << "off the terrain at tick " << key.tick;
+    if (at.z < lip && at.z > lip - kFlight && std::fabs(at.x) < 5) highestPastTheLip = std::max(highestPastTheLip, AboveTerrain(at));
+  }
+  EXPECT_GT((result->End("Car_CarBodyMesh") - start).Length(), 50);
+  // In the air: higher above the terrain than it rides by far.
+  EXPECT_GT(highestPastTheLip, riding + 0.4);
+}
+
+TEST_F(MainJob, TheTruckDrivesTheSameTakeOtherwise) {
+  Written truck("demo_truck_result.gltf");
+  ASSERT_TRUE(result->loaded && truck.loaded);
+  EXPECT_GT((truck.End("Car_CarBodyMesh") - result->End("Car_CarBodyMesh")).Length(), 5);
+}
+
+TEST_F(MainJob, TheFollowerEndsNearTheCar) {
+  ASSERT_TRUE(result->loaded);
+  const SceneNode* body = result->Node("Follower_CarBodyMesh");
+  ASSERT_TRUE(body && !body->track.Keys().empty());
+  const Point start = body->World(body->track.Keys().front().tick).GetTranslation();
+  const Point end = result->End("Follower_CarBodyMesh");
+  EXPECT_LT((end - result->End("Car_CarBodyMesh")).Length(), 15);
+  // It drove to get there, from behind the car.
+  EXPECT_GT((end - start).Length(), 30);
+}
+
+}  // namespace
+}  // namespace vuk::app
