@@ -657,8 +657,8 @@ int SetCommand(const Arguments& args) {
     changes.push_back(label + " to " + it->second.substr(equals + 1));
   }
   const std::string then = profileName.empty() || changes.empty() ? "" : ", then ";
-  return SaveAndSay(session, options.Get("out"),
-                    "set " + profileName + then + (changes.empty() ? "" : Listed(changes)) + " on " + instance.InstanceName());
+  const std::string listed = changes.empty() ? "" : Listed(changes);
+  return SaveAndSay(session, options.Get("out"), "set " + profileName + then + listed + " on " + instance.InstanceName());
 }
 
 int TakeCommand(const Arguments& args) {

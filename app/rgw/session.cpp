@@ -123,7 +123,8 @@ bool Session::Solidify(rgw::core::Instance& instance, const std::string& toolNod
     error = instance.InstanceName() + "'s " + toolNode + " has no shape to draw";
     return false;
   }
-  SceneNode* solid = host.GetScene().CreateNode(rgw::adaptor::standalone::ObjectKind::kMesh, helper->hostName + "_Solid", helper);
+  SceneNode* solid =
+      host.GetScene().CreateNode(rgw::adaptor::standalone::ObjectKind::kMesh, helper->hostName + "_Solid", helper);
   solid->SetMesh(helper->mesh);
   return true;
 }

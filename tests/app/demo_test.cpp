@@ -83,7 +83,9 @@ TEST_F(MainJob, TheCarDrivesFarOverTheTerrainAndJumpsOffTheRamp) {
     ASSERT_GT(AboveTerrain(at), 0.05) << "below the terrain at tick " << key.tick;
     const double half = scenes::kDrivingTerrainSize / 2;
     ASSERT_TRUE(std::fabs(at.x) < half && std::fabs(at.z) < half) << "off the terrain at tick " << key.tick;
-    if (at.z < lip && at.z > lip - kFlight && std::fabs(at.x) < 5) highestPastTheLip = std::max(highestPastTheLip, AboveTerrain(at));
+    if (at.z < lip && at.z > lip - kFlight && std::fabs(at.x) < 5) {
+      highestPastTheLip = std::max(highestPastTheLip, AboveTerrain(at));
+    }
   }
   EXPECT_GT((result->End("Car_CarBodyMesh") - start).Length(), 50);
   // In the air: higher above the terrain than it rides by far.
