@@ -1,6 +1,6 @@
-# The whole main job on a tool with a channel, one process per step, in the
-# order of scripts/demo: made, set, bound, a take imported, simulated, read
-# back; then simulated again from its own result, which changes nothing.
+# A whole job on a tool with a channel, one process per step as the main job
+# goes: made, set, bound, a take imported, simulated, read back; then
+# simulated again from its own result, which changes nothing.
 set(job ${CMAKE_CURRENT_BINARY_DIR}/job.gltf)
 set(job_steps
   "create\;${rgw_demo_scene}\;--tool\;1DPositioner\;--link\;RelativeCage=Car\;--out\;${job}"

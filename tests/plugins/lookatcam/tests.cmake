@@ -1,4 +1,4 @@
-# The main job through the command line: a LookAt camera made and simulated
+# Through the command line: a LookAt camera made and simulated
 # in the demo scene, and the result read back.
 add_test(NAME rgw_run_lookat COMMAND rgw run ${rgw_demo_scene} --tool LookAtCam
   --link TargetMesh=Car --out ${CMAKE_CURRENT_BINARY_DIR}/demo_lookat.gltf)
