@@ -148,15 +148,14 @@ class CarRun : public Car, public testing::WithParamInterface<PinnedRun> {
 };
 
 // A car beside the test's own, on the same ground.
-struct SideCar : Car {
-  SideCar() { CarRun::Prepare(*this); }
-  void TestBody() override {}
+struct GroundSideCar : SideCar {
+  GroundSideCar() { CarRun::Prepare(*this); }
 };
 
 // The keys of the driving take, pinned: any change to the car's numbers shows.
 TEST_P(CarRun, TheSameTakeGivesTheSameKeysBitForBit) {
   Run(0, 90, DrivingTake);
-  SideCar again;
+  GroundSideCar again;
   again.Run(0, 90, DrivingTake);
   EXPECT_EQ(again.harness.HashOfKeys(), harness.HashOfKeys());
   EXPECT_EQ(harness.HashOfKeys(), GetParam().hash);
@@ -167,7 +166,7 @@ TEST_P(CarRun, TheSameTakeGivesTheSameKeysBitForBit) {
 TEST_P(CarRun, ResumedFromSavedHistoriesMatchesTheContinuousRunBitForBit) {
   Run(0, 90, DrivingTake);
   const std::vector<Keys> continuous = AllKeys();
-  SideCar resumed;
+  GroundSideCar resumed;
   resumed.Run(0, 45, DrivingTake);
   const testing_support::Bytes saved = resumed.harness.Save();
   CCarCamObject& car = resumed.tool;

@@ -139,4 +139,9 @@ class Car : public testing::Test {
   CCarCamObject& tool = harness.Tool<CCarCamObject>();
 };
 
+// A car beside the test's own, on a host of its own; its boxes go to the log.
+struct SideCar : Car {
+  void TestBody() override {}
+};
+
 }  // namespace vuk::rgw::addon
