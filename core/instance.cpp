@@ -552,7 +552,15 @@ CSnapshot_Mesh* Instance::GetMeshSnapshot(CNode* node, double time) {
   CSnapshot_Mesh* snapshot = node ? Core(node)->GetMeshSnapshot(time) : nullptr;
   if (!snapshot) return nullptr;
   // The tool holds a proxy, never a snapshot of the node's pool.
-  return Lend(static_cast<CSnapshot_Mesh*>(new CoreNode::Snapshot_Mesh_Proxy(snapshot)), Core(node));
+  CoreNode::Snapshot_Mesh_Proxy* proxy = nullptr;
+  if (spareMeshProxies_.empty()) {
+    proxy = new CoreNode::Snapshot_Mesh_Proxy(snapshot);
+  } else {
+    proxy = static_cast<CoreNode::Snapshot_Mesh_Proxy*>(spareMeshProxies_.back().release());
+    spareMeshProxies_.pop_back();
+    proxy->snapshot = snapshot;
+  }
+  return Lend(static_cast<CSnapshot_Mesh*>(proxy), Core(node));
 }
 
 CSnapshot_Lens* Instance::GetLensSnapshot(CNode* node, double time) {
@@ -572,7 +580,7 @@ void Instance::ReleaseMeshSnapshot(CSnapshot_Mesh* snapshot) {
   if (!node) return;
   auto* proxy = static_cast<CoreNode::Snapshot_Mesh_Proxy*>(snapshot);
   node->ReleaseMeshSnapshot(proxy->snapshot);
-  delete proxy;
+  spareMeshProxies_.emplace_back(proxy);
 }
 
 void Instance::ReleaseHelperSnapshot(CSnapshot_Helper* snapshot) {

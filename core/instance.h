@@ -224,6 +224,9 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   std::string inputProfileName_ = "Factory Settings";
   Run run_ = Run::kIdle;
   std::vector<std::pair<const void*, CoreNode*>> lent_;
+  // Mesh proxies given back, for the next get: a tool that casts rays on a
+  // mesh every frame then allocates nothing.
+  std::vector<std::unique_ptr<CSnapshot_Mesh>> spareMeshProxies_;
   // The wrappers of nodes an unplug left in the scene.
   std::vector<std::unique_ptr<CoreNode>> unplugged_;
 };

@@ -83,6 +83,7 @@ bool AtomicFile::Write(const void* data, std::size_t size) {
     if (written <= 0) return Fail("can't be written");
     bytes += written;
     size -= static_cast<std::size_t>(written);
+    written_ += static_cast<std::uint64_t>(written);
   }
   return true;
 }

@@ -7,6 +7,7 @@
 // removes its own temporary file and nothing else.
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ class AtomicFile {
   bool Open();
   bool Write(const void* data, std::size_t size);
   bool Write(std::string_view bytes) { return Write(bytes.data(), bytes.size()); }
+  // The bytes written so far.
+  std::uint64_t Written() const { return written_; }
   // Syncs and closes the temporary file, renames it over the target and syncs
   // the folder. A failure before the rename leaves the target as it was.
   bool Commit();
@@ -47,6 +50,7 @@ class AtomicFile {
   std::string temporary_;
   std::string error_;
   int fd_ = -1;
+  std::uint64_t written_ = 0;
 };
 
 }  // namespace vuk::util

@@ -22,6 +22,23 @@ constexpr std::array<std::int8_t, 256> MakeDecodeTable() {
 
 constexpr std::array<std::int8_t, 256> kDecode = MakeDecodeTable();
 
+// The 12 bits of every pair of alphabet characters, -1 for a pair with any
+// other: whole groups then take two lookups instead of four. Saved states run
+// to hundreds of megabytes of text.
+const std::array<std::int16_t, 65536>& PairTable() {
+  static const std::array<std::int16_t, 65536> table = [] {
+    std::array<std::int16_t, 65536> pairs{};
+    for (int first = 0; first < 256; ++first) {
+      for (int second = 0; second < 256; ++second) {
+        const std::int8_t a = kDecode[static_cast<std::size_t>(first)], b = kDecode[static_cast<std::size_t>(second)];
+        pairs[static_cast<std::size_t>(first << 8 | second)] = (a < 0 || b < 0) ? std::int16_t(-1) : std::int16_t(a << 6 | b);
+      }
+    }
+    return pairs;
+  }();
+  return table;
+}
+
 bool Fail(std::string* error, std::size_t offset, const std::string& what) {
   if (error) *error = "base64 text at character " + std::to_string(offset) + ": " + what;
   return false;
@@ -62,14 +79,14 @@ bool Base64::Decode(std::string_view text, Bytes& out, std::string* error) {
   while (i < text.size()) {
     // Whole groups of four alphabet characters, the common case, at once.
     if (filled == 0 && !padded) {
+      const std::array<std::int16_t, 65536>& pairs = PairTable();
+      const auto pair = [&](std::size_t at) {
+        return pairs[static_cast<std::size_t>(static_cast<unsigned char>(text[at]) << 8 | static_cast<unsigned char>(text[at + 1]))];
+      };
       while (i + 4 <= text.size()) {
-        const std::int8_t a = kDecode[static_cast<unsigned char>(text[i])];
-        const std::int8_t b = kDecode[static_cast<unsigned char>(text[i + 1])];
-        const std::int8_t c = kDecode[static_cast<unsigned char>(text[i + 2])];
-        const std::int8_t d = kDecode[static_cast<unsigned char>(text[i + 3])];
-        if ((a | b | c | d) < 0) break;
-        const std::uint32_t whole = (std::uint32_t(a) << 18) | (std::uint32_t(b) << 12) | (std::uint32_t(c) << 6) |
-                                    std::uint32_t(d);
+        const std::int16_t high = pair(i), low = pair(i + 2);
+        if ((high | low) < 0) break;
+        const std::uint32_t whole = std::uint32_t(high) << 12 | std::uint32_t(low);
         written[0] = static_cast<std::uint8_t>(whole >> 16);
         written[1] = static_cast<std::uint8_t>(whole >> 8);
         written[2] = static_cast<std::uint8_t>(whole);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <limits>
 #include <set>
@@ -138,13 +139,29 @@ bool ReadCurve(AccessorReader& reader, const tinygltf::AnimationSampler& sampler
   return true;
 }
 
-void MergeKeys(const NodeCurves& curves, TransformTrack& track) {
-  std::vector<Tick> ticks;
-  for (const Curve* curve : {&curves.translation, &curves.rotation, &curves.scale}) {
-    ticks.insert(ticks.end(), curve->ticks.begin(), curve->ticks.end());
+// The ticks of all three curves, each once, in order.
+std::vector<Tick> UnitedTicks(const NodeCurves& curves) {
+  const Curve* curvesOf[] = {&curves.translation, &curves.rotation, &curves.scale};
+  // Curves keyed on the same ticks, as exporters and we write them, share them.
+  const Curve* first = nullptr;
+  bool same = true;
+  for (const Curve* curve : curvesOf) {
+    if (curve->Empty()) continue;
+    if (!first) first = curve;
+    same = same && curve->ticks == first->ticks;
   }
+  const bool rising = first && std::adjacent_find(first->ticks.begin(), first->ticks.end(), std::greater_equal<Tick>()) ==
+                                   first->ticks.end();
+  if (same && rising) return first->ticks;
+  std::vector<Tick> ticks;
+  for (const Curve* curve : curvesOf) ticks.insert(ticks.end(), curve->ticks.begin(), curve->ticks.end());
   std::sort(ticks.begin(), ticks.end());
   ticks.erase(std::unique(ticks.begin(), ticks.end()), ticks.end());
+  return ticks;
+}
+
+void MergeKeys(const NodeCurves& curves, TransformTrack& track) {
+  const std::vector<Tick> ticks = UnitedTicks(curves);
   // Curves keyed on every tick, as exporters and we write them, are read
   // key by key rather than searched.
   const bool translationAligned = curves.translation.ticks == ticks;

@@ -16,8 +16,10 @@ struct FsCallbacks;
 
 namespace vuk::rgw::adaptor::standalone {
 
-// Larger files are refused rather than read into memory whole.
-constexpr std::uintmax_t kMaxSceneFileBytes = std::uintmax_t(1) << 30;
+// Larger files are refused rather than read: the most a binary glTF can
+// hold, and the most the glTF parser takes in one text. A scene of several
+// vehicles with hour-long takes runs to gigabytes.
+constexpr std::uintmax_t kMaxSceneFileBytes = (std::uintmax_t(1) << 32) - 1;
 
 // A regular file open for reading; devices, FIFOs and files over
 // kMaxSceneFileBytes are refused without being waited on.

@@ -13,6 +13,7 @@
 #include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/gltfjson.h"
+#include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfsplice.h"
 #include "adaptor/standalone/gltfuris.h"
 #include "adaptor/standalone/gltfwrite.h"
@@ -209,6 +210,12 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     }
   } else if (!splicer_.Write(main, text)) {
     return Failed(error, main.Error().empty() ? path + ": the file can't be written" : main.Error());
+  }
+  // A file this program can't read back is not written: the old one stays.
+  for (const util::AtomicFile& file : files) {
+    if (file.Written() > kMaxSceneFileBytes) {
+      return Failed(error, path + ": the scene would be larger than the 4 GB a glTF file can hold here");
+    }
   }
   for (util::AtomicFile& file : files) {
     if (!file.Commit()) return Failed(error, file.Error());

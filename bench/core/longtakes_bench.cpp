@@ -65,8 +65,11 @@ using namespace vuk::rgw;
 constexpr int kTools = 10;
 constexpr double kTakeSeconds = 3600;
 
-std::string ScenePath(const char* extension) {
-  return (std::filesystem::temp_directory_path() / ("rgw_bench_long_takes" + std::string(extension))).string();
+// "positioners": ten 1D positioners, small states, the figures first taken;
+// "mixed": the tools that take input in turn, a 4-Wheeler's state per frame
+// ten times a positioner's.
+std::string ScenePath(const std::string& set, const char* extension) {
+  return (std::filesystem::temp_directory_path() / ("rgw_bench_long_takes_" + set + extension)).string();
 }
 
 // The host, the tools and their tree, as the rgw command line holds them.
@@ -93,10 +96,14 @@ std::vector<std::string> ToolsWithChannels() {
   return names;
 }
 
+std::vector<std::string> ToolsOf(const std::string& set) {
+  return set == "positioners" ? std::vector<std::string>{"1DPositioner"} : ToolsWithChannels();
+}
+
 // Those tools in turn, each with an hour of input on every channel,
 // simulated over that hour.
-std::unique_ptr<Session> LongTakes() {
-  const std::vector<std::string> names = ToolsWithChannels();
+std::unique_ptr<Session> LongTakes(const std::string& set) {
+  const std::vector<std::string> names = ToolsOf(set);
   auto made = std::make_unique<Session>();
   const double fps = made->host.GetFrameRate();
   const auto frames = static_cast<int>(kTakeSeconds * fps);
@@ -151,11 +158,11 @@ bool Save(Session& session, const std::string& path, SavePeaks* peaks = nullptr)
   return saved;
 }
 
-void BM_SaveLongTakes(benchmark::State& state, const char* extension) {
+void BM_SaveLongTakes(benchmark::State& state, const char* set, const char* extension) {
   // Made here and gone before the scene is shown: tool names are unique in
   // the process, and the loaded tools must get theirs back.
-  const std::unique_ptr<Session> session = LongTakes();
-  const std::string path = ScenePath(extension);
+  const std::unique_ptr<Session> session = LongTakes(set);
+  const std::string path = ScenePath(set, extension);
   SavePeaks peaks;
   for (auto _ : state) {
     if (!Save(*session, path, &peaks)) state.SkipWithError("the scene could not be saved");
@@ -168,13 +175,14 @@ void BM_SaveLongTakes(benchmark::State& state, const char* extension) {
   state.counters["tags_peak_bytes"] = static_cast<double>(peaks.tags);
   state.counters["file_peak_bytes"] = static_cast<double>(peaks.file);
 }
-BENCHMARK_CAPTURE(BM_SaveLongTakes, gltf, ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK_CAPTURE(BM_SaveLongTakes, glb, ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_SaveLongTakes, positioners_gltf, "positioners", ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_SaveLongTakes, positioners_glb, "positioners", ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_SaveLongTakes, mixed_glb, "mixed", ".glb")->Unit(benchmark::kMillisecond)->Iterations(1);
 
 // What `rgw scene show` does before it prints: read the file, rebuild the tools.
-void BM_ShowLongTakes(benchmark::State& state, const char* extension) {
-  const std::string path = ScenePath(extension);
-  if (!std::filesystem::exists(path) && !Save(*LongTakes(), path)) state.SkipWithError("no scene to show");
+void BM_ShowLongTakes(benchmark::State& state, const char* set, const char* extension) {
+  const std::string path = ScenePath(set, extension);
+  if (!std::filesystem::exists(path) && !Save(*LongTakes(set), path)) state.SkipWithError("no scene to show");
   double readMs = 0, gatherMs = 0;
   for (auto _ : state) {
     Session session;
@@ -191,8 +199,9 @@ void BM_ShowLongTakes(benchmark::State& state, const char* extension) {
   state.counters["read_ms"] = benchmark::Counter(readMs, benchmark::Counter::kAvgIterations);
   state.counters["gather_ms"] = benchmark::Counter(gatherMs, benchmark::Counter::kAvgIterations);
 }
-BENCHMARK_CAPTURE(BM_ShowLongTakes, gltf, ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
-BENCHMARK_CAPTURE(BM_ShowLongTakes, glb, ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_ShowLongTakes, positioners_gltf, "positioners", ".gltf")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_ShowLongTakes, positioners_glb, "positioners", ".glb")->Unit(benchmark::kMillisecond)->Iterations(3);
+BENCHMARK_CAPTURE(BM_ShowLongTakes, mixed_glb, "mixed", ".glb")->Unit(benchmark::kMillisecond)->Iterations(1);
 
 // A live take of an hour, one frame a tick as at 30 fps, with the tools that
 // take input; the worst tick is the frame a user sees stall.

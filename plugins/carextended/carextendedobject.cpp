@@ -32,6 +32,10 @@ constexpr char kUseStaticMeshKey[] = "bUseStaticMesh";
 constexpr char kStoredMeshKey[] = "cMesh_storedGroundMesh";
 constexpr char kBulletMeshKey[] = "mBulletGroundMesh";
 constexpr char kStoreMeshKey[] = "bStoreGroundMeshData";
+constexpr char kWarning[] = "Warning";
+constexpr char kError[] = "Error";
+constexpr char kTargetUnderBody[] =
+    "The TargetMesh is parented to the CarBodyMesh.\nThis will mess up the autonomous mode making the car spin.";
 // Each channel's value is shaped with this exponent before its maximum.
 constexpr double kChannelExponent = 1.3;
 constexpr std::array<const char*, CCarCamObject::kGaugeCount> kGaugeNames = {
@@ -163,7 +167,11 @@ void CCarCamObject::Start(double time) {
       wheels[i].formerYaw = cCarCam.wheels[i].yaw;
     }
   }
+  if (cCarCam.params.bAutonomousMode && target.handle && target.handle->IsSameOrBelow(body.handle)) {
+    iface->MessageBox(kTargetUnderBody, kWarning, box::kWarning);
+  }
   for (std::size_t i = 0; i < kCarInputCount; ++i) responseFactors[i] = cCarCam.inputs[i].responseFactor;
+  ground.Start(time, cCarCam.dLength, cCarCam.params.dGravity, settings.bUseFastRayCast, settings.iRayMultiplier);
   steeringWheel.Measure(dStartTime);
   if (settings.helpers.hide || settings.helpers.hideDuringRecording) {
     for (ToolNode* node : Helpers()) SetHidden(node->handle, true);
@@ -186,6 +194,7 @@ void CCarCamObject::StartFresh(double time) {
 }
 
 void CCarCamObject::Stop(double) {
+  ground.Stop();
   cCarCam.Stop();
   // A burnout makes the steering heavy for as long as it lasts, which a run
   // may stop within.
@@ -205,18 +214,27 @@ void CCarCamObject::ReadInputs() {
 void CCarCamObject::Step(double time) {
   CCarCam& core = cCarCam;
   const bool essentialOnly = settings.bKeyframeOnlyEssentialObjects;
+  const double dt = iface->GetFrameDuration();
   ReadInputs();
+  if (core.params.bAutonomousMode) {
+    // One frame back the target's pose is final, whatever order the host
+    // evaluates the scene in.
+    core.vAutonomousTarget = target.World(time - dt).GetTranslation();
+    core.dBodyScale = body.World(time - dt).Axis(2).Length();
+  }
   gravity.Read(time);
   if (core.inputs[pcInput_EXTERNAL_FORCE].raw != 0) externalForce.Update(time);
-  core.StepA(iface->GetFrameDuration());
+  core.StepA(dt);
   body.Update(time);
   base.Update(time);
+  ground.BeginFrame(time, dt / (CCarCam::SubStepsFor(dt).rounds + 1));
   for (std::size_t i = 0; i < kWheels; ++i) {
     wheels[i].Update(time);
     if (essentialOnly) continue;
     wheelCenters[i].Update(time);
     wheelSuspensions[i].Update(time);
   }
+  ground.EndFrame();
   core.StepB();
   for (CWheelNode& wheel : wheels) wheel.WriteTurn(time);
   LayBaseOnGround();
@@ -284,20 +302,6 @@ std::intptr_t CCarCamObject::Extension(std::int32_t id, void* data) {
 
 std::vector<std::int32_t> CCarCamObject::ExtensionIds() { return {extension::kWriteGauge}; }
 
-bool CCarCamObject::CastGround(std::size_t, const Vector& origin, const Vector& direction, double length,
-                               double& distance, Vector& normal) const {
-  // The built-in plane y = 0: a square of 2000 x L / sqrt(3) a side.
-  if (!(direction.y < 0)) return false;
-  const double along = -origin.y / direction.y;
-  if (!(along >= 0 && along <= length)) return false;
-  const Vector hit = origin + direction * along;
-  const double half = 1000.0 * cCarCam.dLength / std::sqrt(3.0);
-  if (std::fabs(hit.x) > half || std::fabs(hit.z) > half) return false;
-  distance = along;
-  normal = {0, 1, 0};
-  return true;
-}
-
 std::int32_t CCarCamObject::BuildConfig() {
   for (std::size_t i = 0; i < kCarInputCount; ++i) {
     inputControls[i] = iface->AddInput(kCarChannelTexts[i].name, input::kContinuous);
@@ -337,14 +341,21 @@ std::int32_t CCarCamObject::Load() {
   ForEachSetting(*this, [&sizing](auto& field) { PutSetting(sizing, field); });
   const util::Bytes* saved = SavedData::Child(chunk, kSettingsKey, expected.size());
   const util::Bytes* storeMesh = SavedData::Child(chunk, kStoreMeshKey, 1);
-  if (!saved || !storeMesh || !SavedData::Child(chunk, kUseStaticMeshKey, 1) ||
-      !SavedData::Child(chunk, kStoredMeshKey, 0) || !SavedData::Child(chunk, kBulletMeshKey, 0)) {
+  const util::Bytes* useStaticMesh = SavedData::Child(chunk, kUseStaticMeshKey, 1);
+  const util::DataChunk* storedMesh = chunk.FindChild(kStoredMeshKey);
+  const util::DataChunk* storedPose = chunk.FindChild(kBulletMeshKey);
+  if (!saved || !storeMesh || !useStaticMesh || !storedMesh || !storedPose) return 1;
+  util::CMesh mesh;
+  Matrix pose;
+  if (!CarGround::ReadStored(storedMesh->data, storedPose->data, mesh, pose) ||
+      ((*useStaticMesh)[0] != 0) == mesh.faces.empty()) {
     return 1;
   }
   if (!history.LoadFrom(chunk)) return 1;
   util::ByteReader in(*saved);
   ForEachSetting(*this, [&in](auto& field) { GetSetting(in, field); });
   settings.bStoreGroundMeshData = (*storeMesh)[0] != 0;
+  ground.SetStored(std::move(mesh), pose);
   UpdateGauges();
   return 0;
 }
@@ -356,10 +367,9 @@ std::int32_t CCarCamObject::Save() {
   ForEachSetting(*this, [&out](auto& field) { PutSetting(out, field); });
   chunk.AddChild(kSettingsKey, std::move(saved));
   history.SaveTo(chunk);
-  // No ground mesh is kept: the surfaces are read from the scene.
-  chunk.AddChild(kUseStaticMeshKey, FlagByte(false));
-  chunk.AddChild(kStoredMeshKey);
-  chunk.AddChild(kBulletMeshKey);
+  chunk.AddChild(kUseStaticMeshKey, FlagByte(ground.HasStoredMesh()));
+  chunk.AddChild(kStoredMeshKey, ground.SavedMesh());
+  chunk.AddChild(kBulletMeshKey, ground.SavedPose());
   chunk.AddChild(kStoreMeshKey, FlagByte(settings.bStoreGroundMeshData));
   SavedData::Store(iface, chunk);
   return 0;
@@ -377,6 +387,10 @@ void CCarCamObject::Changed(std::string label) {
   }
   if (change.IsReplay()) return;
   const std::string gasMaximum = std::string(kCarChannelTexts[pcInput_GAS_PEDAL].name) + carpage::kMaximumSuffix;
+  if (change.label == carpage::kUseFastRayCast || change.label == carpage::kStoreGroundMeshData) {
+    ChangeGroundOption(change.label);
+    return;
+  }
   if (change.label == carpage::kTurnBase) {
     turnBase.Update(iface->GetTime());
   } else if (change.label == carpage::kReinitialize) {
@@ -388,6 +402,20 @@ void CCarCamObject::Changed(std::string label) {
   UpdateGauges();
   iface->UpdateConfig();
   iface->Redraw();
+}
+
+void CCarCamObject::ChangeGroundOption(const std::string& label) {
+  if (label == carpage::kUseFastRayCast) {
+    // Off, it takes the stored mesh along.
+    if (!settings.bUseFastRayCast) settings.bStoreGroundMeshData = false;
+  } else if (settings.bStoreGroundMeshData) {
+    if (const char* failure = ground.StoreMesh(iface->GetTime(), settings.bUseFastRayCast)) {
+      iface->MessageBox(failure, kError, box::kCritical);
+      settings.bStoreGroundMeshData = false;
+    }
+  }
+  if (!settings.bStoreGroundMeshData) ground.ClearStoredMesh();
+  iface->UpdateConfig();
 }
 
 }  // namespace vuk::rgw::addon

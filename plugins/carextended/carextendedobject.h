@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "plugins/carextended/carground.h"
 #include "plugins/carextended/carhistory.h"
 #include "plugins/carextended/carpage.h"
 #include "plugins/common/saveddata.h"
@@ -112,14 +113,25 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
     double formerYaw = 0;
 
    private:
-    struct Slot {
-      double height;
+    // Where the wheel would stand this frame, before the tyre's filter.
+    struct Stand {
+      Vector centre;
+      double height;  // below the mount, as heightAboveGround
       Vector hitPoint;
       Vector normal;
+      bool inTheAir;
     };
     // The centre ray against one round of the ground: the wheel's height, or
     // no hit.
-    bool CastCentre(std::size_t round, const Vector& mount, const Vector& up, double radius, Slot& slot) const;
+    bool CastCentre(std::size_t round, const Vector& mount, const Vector& up, double radius, Stand& stand) const;
+    // The nearest hit of a ray over every round of the ground.
+    bool CastNearest(const GroundRay& ray, GroundHit& nearest) const;
+    // Rays fanned about the axle from the wheel's centre: a ground that cuts
+    // into the rim lifts the wheel onto it.
+    void CastRimRays(const Vector& up, double radius, Stand& stand) const;
+    // With "Enable Wheel Ground Release": the wheel hangs no lower than the
+    // suspension's length, and drops no faster than its extension velocity.
+    void ReleaseFromGround(const Vector& mount, const Vector& up, double radius, Stand& stand) const;
     void WritePose(double time, const Vector& at, const util::Quat<double>& rotation) const;
   };
 
@@ -230,6 +242,8 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   // Version 100: the settings, the histories, then the ground entries.
   static const SavedData kSavedData;
   static constexpr std::size_t kWheels = 4;
+  // The tyre's width, in wheel radii, as the wheel mesh draws it.
+  static constexpr double kWheelWidthRel = 0.8;
   static constexpr std::array<const char*, kWheels> kWheelSuffixes = {"_FL", "_FR", "_BL", "_BR"};
   // The output channels, in the order they are made.
   enum Gauge : std::size_t { kVelocity, kVelocityPercent, kSteeringAngle, kFirstWheelInTheAir };
@@ -260,12 +274,6 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   // The value of a gauge now.
   double GaugeValue(std::size_t gauge) const;
 
-  // The ground under a wheel: how many rounds of casts a ray takes, and one
-  // cast in the world. Until surfaces are linked this is the built-in plane.
-  std::size_t GroundRounds() const { return 1; }
-  bool CastGround(std::size_t round, const Vector& origin, const Vector& direction, double length, double& distance,
-                  Vector& normal) const;
-
   CCarCam cCarCam;
   CarToolSettings settings;
   CarHistory history;
@@ -289,6 +297,8 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   CDriverCamNode driverCam{*this};
   CFollowCamNode followCam{*this};
   CTopViewCamNode topViewCam{*this};
+  // The surfaces linked through the gravity node, and their caster.
+  CarGround ground{iface, gravity.handle, body.handle};
 
  private:
   // Every node in creation order: the body first, each wheel's relocator,
@@ -310,6 +320,8 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   void UpdateGauges(double velocity);
   void ReadInputs();
   void WriteGauges();
+  // "Use Fast Ray Cast" or "Store Ground Mesh Data" changed.
+  void ChangeGroundOption(const std::string& label);
 
   std::array<CInterface::Property*, kCarInputCount> inputControls{};
   std::array<unidevice::Control*, kGaugeCount> gauges{};

@@ -107,8 +107,8 @@ void CarHistory::ForEachHistory(Self& self, Visit& visit) {
   visit("ancCarCampcInput_BURNOUT", self.burnout_,
         [](auto& c) -> auto& { return c.cCarCam.inputs[pcInput_BURNOUT].value; });
   visit("anvAcceleration", self.acceleration_, [](auto& c) -> auto& { return c.cCarCam.vLocalAcceleration; });
-  visit("andFollowAccMem", self.followAcc_, [](auto& c) -> auto& { return c.cCarCam.dGasPedalInputFilterMem; });
-  visit("andAutoSteeringValueMem", self.autoSteering_, [](auto& c) -> auto& { return c.cCarCam.dInputFilterMem; });
+  visit("andFollowAccMem", self.followAcc_, [](auto& c) -> auto& { return c.cCarCam.dFollowAccMem; });
+  visit("andAutoSteeringValueMem", self.autoSteering_, [](auto& c) -> auto& { return c.cCarCam.dAutoSteeringValueMem; });
   visit("ancCarCamfCarLocalYawIncr", self.localYawIncr_, [](auto& c) -> auto& { return c.cCarCam.fCarLocalYawIncr; });
   visit("ancCarCambSkidBreakingOnDisableFeatures", self.skidDisableFeatures_,
         [](auto& c) -> auto& { return c.cCarCam.bSkidBreakingOnDisableFeatures; });

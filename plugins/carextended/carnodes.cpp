@@ -52,7 +52,7 @@ CCarCamObject::CMesh_WheelMesh::CMesh_WheelMesh() {
   // The cylinder stands on Y; a quarter turn about Z lays its axle on X. The
   // bar across its face shows the spin.
   const auto axleOnX = [](const Vector& v) { return Vector(v.y, -v.x, v.z); };
-  Append(*this, util::CMesh_Cylinder(16, 1.0, 0.8), axleOnX);
+  Append(*this, util::CMesh_Cylinder(16, 1.0, kWheelWidthRel), axleOnX);
   Append(*this, util::CMesh_Box(0.25, 0.85, 1.9), axleOnX);
 }
 
@@ -184,8 +184,7 @@ void CCarCamObject::CGravityDirectionNode::Read(double time) {
 }
 
 void CCarCamObject::CGravityDirectionNode::Update(double time) {
-  // Surfaces hung below it are the ground: following the car would drag
-  // them along.
+  // Surfaces linked below it would ride along with the car.
   if (handle && handle->GetSceneChildCount() > 0) return;
   const CCarCam& core = car.cCarCam;
   Matrix above = pose;

@@ -1,6 +1,7 @@
 // Where a wheel stands: once a frame each wheel casts a ray down from above
-// its mount onto every round of the ground, keeps the nearest ground, and
-// hands the core its hit point, compression and the distance it rolled.
+// its mount onto every round of the ground and keeps the nearest ground,
+// fans rays about its axle so that a ground cutting into the rim lifts it,
+// and hands the core its hit point, compression and the distance it rolled.
 
 #include <cmath>
 #include <limits>
@@ -20,6 +21,8 @@ using Rotation = util::Quat<double>;
 constexpr double kNoGround = std::numeric_limits<double>::max();
 // Where the ray starts above the mount, in car lengths, besides the ride height.
 constexpr double kRayStartRel = 0.2742857142857143;
+constexpr double kHalfPi = 1.5707963267948966;
+constexpr double kRadiansPerDegree = kHalfPi / 90;
 
 }  // namespace
 
@@ -47,8 +50,17 @@ void CCarCamObject::CWheelNode::Reset() {
   wheel.hitPointFormer = hitPoint;
 }
 
+bool CCarCamObject::CWheelNode::CastNearest(const GroundRay& ray, GroundHit& nearest) const {
+  nearest.distance = kNoGround;
+  GroundHit hit;
+  for (std::size_t round = 0; round < car.ground.Rounds(); ++round) {
+    if (car.ground.Cast(round, ray, hit) && hit.distance < nearest.distance) nearest = hit;
+  }
+  return nearest.distance < kNoGround;
+}
+
 bool CCarCamObject::CWheelNode::CastCentre(std::size_t round, const Vector& mount, const Vector& up, double radius,
-                                           Slot& slot) const {
+                                           Stand& stand) const {
   const CCarCam& core = car.cCarCam;
   const double start = core.dLength * kRayStartRel + core.dRideHeight - radius;
   // A rig whose wheels stand above that start still rises by a radius per miss.
@@ -61,19 +73,65 @@ bool CCarCamObject::CWheelNode::CastCentre(std::size_t round, const Vector& moun
     origin -= up * (2 * above);
     offset -= 2 * above;
   }
-  const Vector down = -up;
-  const double length = (core.params.dSuspensionLengthRel + 1.0) * radius * 1000.0;
-  double distance = 0;
-  Vector hitNormal;
+  GroundRay ray{origin, -up, GroundRayLength(core.params.dSuspensionLengthRel, radius)};
+  GroundHit hit;
   // A miss may mean the ground rose above the origin: try again higher, up
   // to two car lengths.
-  for (double risen = 0; !car.CastGround(round, origin, down, length, distance, hitNormal); risen += rise) {
+  for (double risen = 0; !car.ground.Cast(round, ray, hit); risen += rise) {
     if (!(risen < 2 * core.dLength)) return false;
-    origin += up * rise;
+    ray.origin += up * rise;
     offset += rise;
   }
-  slot = {distance - offset - radius, origin + down * distance, hitNormal};
+  const double height = hit.distance - offset - radius;
+  stand = {mount - up * height, height, ray.origin + ray.direction * hit.distance, hit.normal, false};
   return true;
+}
+
+void CCarCamObject::CWheelNode::CastRimRays(const Vector& up, double radius, Stand& stand) const {
+  const CarToolSettings& settings = car.settings;
+  const double step = settings.dDegreesPerRay * kRadiansPerDegree;
+  int n = settings.iRayMultiplier - 1;
+  // The highest ray stays short of the wheel's side.
+  if (n * step > kHalfPi) n = static_cast<int>(kHalfPi / step);
+  const int side = settings.bCastRaysAtWheelEdges ? 1 : 0;
+  const Vector axle = car.cCarCam.WheelRotation(index).Rotate({1, 0, 0});
+  const Vector forward = up.Cross(axle).Normalized();
+  const double halfWidth = car.cCarCam.wheels[index].radius * kWheelWidthRel * 0.5;
+  GroundHit hit;
+  for (int k = -side; k <= side; ++k) {
+    for (int i = -n; i <= n; ++i) {
+      if (k == 0 && i == 0) continue;  // the centre ray's
+      const double angle = i * step;
+      const GroundRay ray{stand.centre + axle * (halfWidth * k), -up * std::cos(angle) + forward * std::sin(angle),
+                          radius};
+      if (!CastNearest(ray, hit) || !(hit.distance < radius)) continue;
+      const double across = std::sin(angle) * hit.distance;
+      const double lift = std::sqrt(radius * radius - across * across) - std::cos(angle) * hit.distance;
+      stand.centre += up * lift;
+      stand.height -= lift;
+      stand.hitPoint = ray.origin + ray.direction * hit.distance;
+      stand.normal = hit.normal;
+      stand.inTheAir = false;
+    }
+  }
+}
+
+void CCarCamObject::CWheelNode::ReleaseFromGround(const Vector& mount, const Vector& up, double radius,
+                                                  Stand& stand) const {
+  const double extension = radius * car.cCarCam.params.dSuspensionLengthRel;
+  const double velocity = car.settings.dMaxWheelExtensionVelRel;
+  double drop = (mount - stand.centre).Dot(up);
+  if (extension != 0 && drop >= extension) {
+    drop = extension;
+    stand.inTheAir = true;
+  }
+  const double formerDrop = (mount - formerPosition).Dot(up);
+  const double reach = radius * velocity * car.iface->GetFrameDuration();
+  if (velocity != 0 && drop > formerDrop + reach) {
+    drop = formerDrop + reach;
+    stand.inTheAir = true;
+  }
+  stand.centre = mount - up * drop;
 }
 
 void CCarCamObject::CWheelNode::Update(double time) {
@@ -84,28 +142,30 @@ void CCarCamObject::CWheelNode::Update(double time) {
   const Vector up = core.rotation.Rotate({0, 1, 0});
   const double radius = wheel.radius * core.params.dWheelRadiusMult;
   const Vector mount = core.WheelMountWorld(index);
-  Slot nearest{kNoGround, {}, {}};
-  Slot slot{};
-  for (std::size_t round = 0; round < car.GroundRounds(); ++round) {
-    if (CastCentre(round, mount, up, radius, slot) && slot.height < nearest.height) nearest = slot;
+  // Hanging free at full extension, unless a ray finds ground.
+  const double hanging = radius * core.params.dSuspensionLengthRel;
+  Stand stand{mount - up * hanging, hanging, mount - up * (hanging + radius), up, true};
+  Stand found{};
+  for (std::size_t round = 0; round < car.ground.Rounds(); ++round) {
+    if (CastCentre(round, mount, up, radius, found) && (stand.inTheAir || found.height < stand.height)) {
+      stand = found;
+    }
   }
-  const bool onGround = nearest.height < kNoGround;
-  if (onGround) {
-    heightAboveGround = nearest.height;
-    // "Tire Pressure": how fast the wheel follows the ground's edges.
-    filterResponseVectorClamped(position, mount - up * nearest.height, car.settings.fSurfaceEdgeResponseFactor,
-                                car.iface->GetFrameDuration());
-    hitPoint = nearest.hitPoint;
-    normal = nearest.normal;
+  const bool release = car.settings.bEnableWheelGroundRelease;
+  if (car.settings.iRayMultiplier > 1) CastRimRays(up, radius, stand);
+  if (release) ReleaseFromGround(mount, up, radius, stand);
+  heightAboveGround = stand.height;
+  hitPoint = stand.hitPoint;
+  normal = stand.normal;
+  if (stand.inTheAir) {
+    position = stand.centre;
   } else {
-    // Hanging free at full extension.
-    heightAboveGround = radius * core.params.dSuspensionLengthRel;
-    position = mount - up * heightAboveGround;
-    normal = up;
-    hitPoint = position - up * radius;
+    // "Tire Pressure": how fast the wheel follows the ground's edges.
+    filterResponseVectorClamped(position, stand.centre, car.settings.fSurfaceEdgeResponseFactor,
+                                car.iface->GetFrameDuration());
   }
   const Vector chassisUp = core.ChassisRotation().Rotate({0, 1, 0});
-  wheel.ground = {hitPoint, normal, !onGround, core.CompressionAt(index, position - chassisUp * radius),
+  wheel.ground = {hitPoint, normal, stand.inTheAir, core.CompressionAt(index, position - chassisUp * radius),
                   (position - formerPosition).Length()};
 }
 

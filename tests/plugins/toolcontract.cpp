@@ -30,7 +30,7 @@ const std::map<std::string, Pinned> kPinned = {
     {"4WheelerExt",
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
-      1635075540845222561ull}},
+      14693986732673745105ull}},
 };
 
 constexpr int kTakeFrames = 60;

@@ -58,6 +58,18 @@ TEST_F(AtomicFileTest, ReplacesTheWholeFileAndLeavesNothingBeside) {
   EXPECT_EQ(Entries(), std::set<std::string>{"out.txt"});
 }
 
+// What a writer has written so far, counted over every piece: a scene
+// writer refuses a file it could not read back before committing it.
+TEST_F(AtomicFileTest, CountsTheBytesWrittenSoFar) {
+  AtomicFile file(target);
+  ASSERT_TRUE(file.Open());
+  EXPECT_EQ(file.Written(), 0u);
+  ASSERT_TRUE(file.Write("abc") && file.Write(std::string(70000, 'x')));
+  EXPECT_EQ(file.Written(), 70003u);
+  ASSERT_TRUE(file.Commit());
+  EXPECT_EQ(fs::file_size(target), file.Written());
+}
+
 TEST_F(AtomicFileTest, ANewFileHasTheUsualPermissionsAndAReplacedOneKeepsItsOwn) {
   const mode_t mask = umask(0);
   umask(mask);

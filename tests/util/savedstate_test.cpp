@@ -600,7 +600,11 @@ TEST(Base64, BlanksAndMissingPaddingAreAcceptedAndBadTextSaysWhere) {
   Bytes back;
   ASSERT_TRUE(Base64::Decode("\n\tZm9v\r\n YmE\n", back));
   EXPECT_EQ(std::string(back.begin(), back.end()), "fooba");
+  // A bad character in any place of a group of four, where whole groups are
+  // decoded two characters at a time.
   const std::pair<const char*, const char*> cases[] = {{"Zm9v!", "character 4: '!'"},
+                                                       {"Zm9vY!Fy", "character 5: '!'"},
+                                                       {"Zm9vYmF\x80", "character 7: '\x80'"},
                                                        {"Zg==Zg==", "character 4: data after the padding"},
                                                        {"Zm9vY", "lone character"}};
   for (const auto& [text, message] : cases) {

@@ -92,7 +92,7 @@ class Builder {
         // Text was decoded when it was read and is decoded once more here, as
         // saved files expect: "&#38;#60;" reads as "<".
         element.kind = Element::kText;
-        element.name = Decode(std::move(token.text));
+        element.name = token.plain ? std::move(token.text) : Decode(std::move(token.text));
         return true;
       case Token::kComment:
         element.kind = Element::kComment;

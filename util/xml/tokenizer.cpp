@@ -39,8 +39,10 @@ class Scanner {
 
   void AddText(std::size_t begin) {
     if (pos_ == begin) return;
-    std::string text = Decode(std::string(markup_.substr(begin, pos_ - begin)));
-    if (!text.empty()) tokens_.push_back({Token::kText, std::move(text)});
+    const std::string_view raw = markup_.substr(begin, pos_ - begin);
+    const bool plain = raw.find('&') == std::string_view::npos;
+    std::string text = plain ? std::string(raw) : Decode(std::string(raw));
+    if (!text.empty()) tokens_.push_back({Token::kText, std::move(text), plain});
   }
 
   void AddTag() {
@@ -61,7 +63,7 @@ class Scanner {
       kind = Token::kEmptyTag;
       --end;
     }
-    tokens_.push_back({kind, std::string(markup_.substr(begin, end - begin))});
+    tokens_.push_back({kind, std::string(markup_.substr(begin, end - begin)), false});
   }
 
   std::string_view markup_;

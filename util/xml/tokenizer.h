@@ -11,6 +11,9 @@ struct Token {
   Kind kind;
   // Tags: what stands between the markers, raw. Text: decoded once.
   std::string text;
+  // Text that held no "&" at all: no decoding can change it. Saved states
+  // are megabytes of such text.
+  bool plain = false;
 };
 
 // Splits markup into tokens up to the end or a NUL. Knows no quotes: a ">"

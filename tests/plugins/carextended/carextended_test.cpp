@@ -6,17 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "adaptor/standalone/standalonenode.h"
-#include "core/messagebox.h"
-#include "tests/plugins/toolharness.h"
+#include "tests/plugins/carextended/cartesting.h"
 
 namespace vuk::rgw::addon {
 namespace {
 
 using testing_support::Keys;
 using testing_support::ToolHarness;
-using Matrix = CCarCamObject::Matrix;
-using Vector = CCarCamObject::Vector;
 
 constexpr char kNonUniformBody[] =
     "Nonuniform scaling is not allowed on the body since it would affect children.\nThe 4-wheeler body will now "
@@ -25,54 +21,6 @@ constexpr char kNonUniformBody[] =
 constexpr char kWheelsDisplaced[] =
     "In the rigging process the wheels should be moved and scaled with the WheelRelocatorMesh:es.\nUse the "
     "WheelCenterMesh:es for suspension and particles.";
-
-// The raw value of each channel at a frame.
-using Take = std::function<double(CarInput channel, int frame)>;
-
-// Gas, then a turn to the left with a touch of booster, then the brake.
-double DrivingTake(CarInput channel, int k) {
-  switch (channel) {
-    case pcInput_GAS_PEDAL:
-      return k < 70 ? 0.8 : 0.0;
-    case pcInput_STEERING_WHEEL:
-      return k > 30 && k < 60 ? -0.6 : 0.0;
-    case pcInput_BOOSTER:
-      return k > 40 && k < 50 ? 1.0 : 0.0;
-    case pcInput_ABS_BRAKE:
-      return k >= 70 ? 1.0 : 0.0;
-    default:
-      return 0.0;
-  }
-}
-
-class Car : public testing::Test {
- protected:
-  void SetUp() override {
-    core::SetMessageBoxSink([this](const std::string& text, const std::string& caption, std::int32_t) {
-      boxes.push_back(caption + ": " + text);
-      return box::kOk;
-    });
-  }
-  void TearDown() override { core::SetMessageBoxSink(nullptr); }
-
-  void Run(int first, int last, const Take& take) {
-    harness.Record(first, last,
-                   [&take](std::size_t channel, int k) { return take(static_cast<CarInput>(channel), k); });
-  }
-  bool Warned(const std::string& text) const {
-    return std::find(boxes.begin(), boxes.end(), std::string("Warning: ") + text) != boxes.end();
-  }
-  Matrix BodyAt(int frame) { return tool.body.World(harness.TimeOf(frame)); }
-  std::vector<Keys> AllKeys() {
-    std::vector<Keys> keys;
-    for (CNode* node : harness.ToolNodes()) keys.push_back(ToolHarness::KeysOf(node));
-    return keys;
-  }
-
-  std::vector<std::string> boxes;
-  ToolHarness harness{"4WheelerExt"};
-  CCarCamObject& tool = harness.Tool<CCarCamObject>();
-};
 
 TEST_F(Car, IsAVehicleWithItsNodesInCreationOrder) {
   CCameraPlugin& plugin = *harness.Instance().GetToolPlugin();
@@ -186,9 +134,9 @@ class CarGravityNode : public Car, public testing::WithParamInterface<bool> {};
 TEST_P(CarGravityNode, FollowsTheCarUnlessASurfaceHangsBelowIt) {
   const bool carriesSurface = GetParam();
   auto& scene = harness.host.GetScene();
-  adaptor::standalone::SceneNode* surface = harness.AddSceneNode("Ramp");
+  SceneNode* surface = harness.AddSceneNode("Ramp");
   if (carriesSurface) {
-    scene.SetParent(surface, static_cast<adaptor::standalone::StandaloneNode*>(tool.gravity.handle)->GetHostNode(), 0);
+    scene.SetParent(surface, HostOf(tool.gravity.handle), 0);
   }
   const Vector gravityFrom = tool.gravity.World(harness.TimeOf(0)).GetTranslation();
   Run(0, 90, [](CarInput channel, int) { return channel == pcInput_GAS_PEDAL ? 1.0 : 0.0; });
@@ -205,36 +153,67 @@ TEST_P(CarGravityNode, FollowsTheCarUnlessASurfaceHangsBelowIt) {
 
 INSTANTIATE_TEST_SUITE_P(AloneOrCarryingASurface, CarGravityNode, testing::Bool());
 
+struct PinnedRun {
+  const char* name;
+  bool terrain;
+  Caster caster;
+  std::uint64_t hash;
+};
+
+class CarRun : public Car, public testing::WithParamInterface<PinnedRun> {
+ public:
+  void SetUp() override {
+    Car::SetUp();
+    Prepare(*this);
+  }
+  // A car on the run's ground, through the run's caster.
+  static void Prepare(Car& car) {
+    if (GetParam().terrain) car.LinkGround(TestTerrain(), TerrainPose());
+    car.Use(GetParam().caster);
+  }
+};
+
+// A car beside the test's own, on the same ground.
+struct GroundSideCar : SideCar {
+  GroundSideCar() { CarRun::Prepare(*this); }
+};
+
 // The keys of the driving take, pinned: any change to the car's numbers shows.
-TEST_F(Car, TheSameTakeGivesTheSameKeysBitForBit) {
+TEST_P(CarRun, TheSameTakeGivesTheSameKeysBitForBit) {
   Run(0, 90, DrivingTake);
-  ToolHarness again("4WheelerExt");
-  again.Record(0, 90, [](std::size_t channel, int k) { return DrivingTake(static_cast<CarInput>(channel), k); });
-  EXPECT_EQ(again.HashOfKeys(), harness.HashOfKeys());
-  EXPECT_EQ(harness.HashOfKeys(), 15993263442946175462ull);
+  GroundSideCar again;
+  again.Run(0, 90, DrivingTake);
+  EXPECT_EQ(again.harness.HashOfKeys(), harness.HashOfKeys());
+  EXPECT_EQ(harness.HashOfKeys(), GetParam().hash);
 }
 
 // A run stopped at frame 45, saved, loaded into a scrambled car and started
 // again at 45 from its saved histories writes the continuous run's keys.
-TEST_F(Car, ARunResumedFromSavedHistoriesMatchesTheContinuousRunBitForBit) {
+TEST_P(CarRun, ResumedFromSavedHistoriesMatchesTheContinuousRunBitForBit) {
   Run(0, 90, DrivingTake);
   const std::vector<Keys> continuous = AllKeys();
-  ToolHarness resumed("4WheelerExt");
-  const auto take = [](std::size_t channel, int k) { return DrivingTake(static_cast<CarInput>(channel), k); };
-  resumed.Record(0, 45, take);
-  const testing_support::Bytes saved = resumed.Save();
-  CCarCamObject& car = resumed.Tool<CCarCamObject>();
+  GroundSideCar resumed;
+  resumed.Run(0, 45, DrivingTake);
+  const testing_support::Bytes saved = resumed.harness.Save();
+  CCarCamObject& car = resumed.tool;
   car.cCarCam = CCarCam();
   car.dStartTime = 1e300;
-  resumed.SetSaveData(saved);
+  resumed.harness.SetSaveData(saved);
   ASSERT_EQ(car.Load(), 0);
-  resumed.Record(45, 90, take);
-  const std::vector<CNode*> nodes = resumed.ToolNodes();
+  resumed.Run(45, 90, DrivingTake);
+  const std::vector<CNode*> nodes = resumed.harness.ToolNodes();
   for (std::size_t n = 0; n < nodes.size(); ++n) {
     EXPECT_EQ(testing_support::HashOf(ToolHarness::KeysOf(nodes[n])), testing_support::HashOf(continuous[n]))
         << nodes[n]->name;
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Grounds, CarRun,
+                         testing::Values(PinnedRun{"BuiltInPlane", false, Caster::kBullet, 8440386084944758973ull},
+                                         PinnedRun{"TerrainBullet", true, Caster::kBullet, 2916346111553227268ull},
+                                         PinnedRun{"TerrainTree", true, Caster::kTree, 12873285046962671667ull},
+                                         PinnedRun{"TerrainHost", true, Caster::kHost, 1353974247479743032ull}),
+                         [](const testing::TestParamInfo<PinnedRun>& info) { return info.param.name; });
 
 TEST_F(Car, SavesLoadsAndSavesTheSameBytes) {
   Run(0, 30, DrivingTake);

@@ -17,4 +17,10 @@ foreach(arguments IN LISTS car_steps)
 endforeach()
 add_test(NAME rgw_car_result COMMAND rgw scene show ${car}_result.gltf)
 set_tests_properties(rgw_car_result PROPERTIES FIXTURES_REQUIRED ${previous} PASS_REGULAR_EXPRESSION
-  "4WheelerExt_01_CarBodyMesh \\(helper\\)  90 keys, 0.033 s to 3.000 s, local \\(0.000, 0.150, -0.000\\) to \\(0.000, 0.150, -5.902\\).*tool 4WheelerExt_01 \\(4WheelerExt\\): 9 channels, 9 recorded tracks")
+  "4WheelerExt_01_CarBodyMesh \\(helper\\)  90 keys, 0.033 s to 3.000 s, local \\(0.000, 0.150, -0.000\\) to \\(-?0.000, 0.150, -5.902\\).*tool 4WheelerExt_01 \\(4WheelerExt\\): 9 channels, 9 recorded tracks")
+
+# A frame's allocations, counted through a replaced operator new: a program
+# of its own.
+rgw_test_suite(plugins_caralloc
+  SOURCES ${CMAKE_CURRENT_SOURCE_DIR}/carextended/caralloc.cpp ${CMAKE_CURRENT_SOURCE_DIR}/toolharness.cpp
+  LIBS vuk::core vuk::tools vuk::adaptor_standalone vuk::scenes rgw_test_allocation_count)
