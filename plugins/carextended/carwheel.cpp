@@ -132,6 +132,9 @@ void CCarCamObject::CWheelNode::ReleaseFromGround(const Vector& mount, const Vec
     stand.inTheAir = true;
   }
   stand.centre = mount - up * drop;
+  // Hanging free, it stands on nothing: the base isn't laid on the ground
+  // it let go of.
+  if (stand.inTheAir) stand.hitPoint = stand.centre - up * radius;
 }
 
 void CCarCamObject::CWheelNode::Update(double time) {

@@ -133,11 +133,7 @@ class CarGravityNode : public Car, public testing::WithParamInterface<bool> {};
 
 TEST_P(CarGravityNode, FollowsTheCarUnlessASurfaceHangsBelowIt) {
   const bool carriesSurface = GetParam();
-  auto& scene = harness.host.GetScene();
-  SceneNode* surface = harness.AddSceneNode("Ramp");
-  if (carriesSurface) {
-    scene.SetParent(surface, HostOf(tool.gravity.handle), 0);
-  }
+  SceneNode* surface = carriesSurface ? AddGroundBelowGravity("Floor", Floor(), Matrix()) : nullptr;
   const Vector gravityFrom = tool.gravity.World(harness.TimeOf(0)).GetTranslation();
   Run(0, 90, [](CarInput channel, int) { return channel == pcInput_GAS_PEDAL ? 1.0 : 0.0; });
   const double end = harness.TimeOf(90);
@@ -145,10 +141,10 @@ TEST_P(CarGravityNode, FollowsTheCarUnlessASurfaceHangsBelowIt) {
   const double moved = (tool.gravity.World(end).GetTranslation() - gravityFrom).Length();
   if (carriesSurface) {
     EXPECT_EQ(moved, 0.0);
+    EXPECT_EQ(surface->World(harness.host.GetScene().clock.TickOf(end)).GetTranslation().Length(), 0.0);
   } else {
     EXPECT_GT(moved, tool.cCarCam.dLength);
   }
-  EXPECT_EQ(surface->World(scene.clock.TickOf(end)).GetTranslation().Length(), 0.0);
 }
 
 INSTANTIATE_TEST_SUITE_P(AloneOrCarryingASurface, CarGravityNode, testing::Bool());
@@ -177,6 +173,33 @@ class CarRun : public Car, public testing::WithParamInterface<PinnedRun> {
 struct GroundSideCar : SideCar {
   GroundSideCar() { CarRun::Prepare(*this); }
 };
+
+// A car driving off a ledge. With the ground release its front wheels hang
+// free once past the edge and hold the body up until it flies; without it
+// they drop to the floor below and the body dives after them.
+class CarOffALedge : public Car, public testing::WithParamInterface<bool> {};
+
+TEST_P(CarOffALedge, HangingWheelsHoldTheBodyUpOnlyWithTheGroundRelease) {
+  const bool release = GetParam();
+  constexpr double kEdge = -3, kTop = 0.5;
+  LinkGround(Floor(), Matrix());
+  Matrix ledge;
+  ledge.SetTranslation({0, kTop / 2, kEdge + 5});
+  AddGroundBelowGravity("Ledge", util::CMesh_Box(10, kTop, 10), ledge);
+  tool.settings.bEnableWheelGroundRelease = release;
+  Run(0, 120, [](CarInput channel, int) { return channel == pcInput_GAS_PEDAL ? 1.0 : 0.0; });
+  const double riding = BodyAt(10).GetTranslation().y;
+  ASSERT_NEAR(riding, kTop + tool.cCarCam.dRideHeight, 0.05);
+  double lowestOverTheLedge = riding;
+  int frame = 10;
+  for (; frame <= 120 && BodyAt(frame).GetTranslation().z > kEdge; ++frame) {
+    lowestOverTheLedge = std::min(lowestOverTheLedge, BodyAt(frame).GetTranslation().y);
+  }
+  ASSERT_LE(frame, 120) << "the body never reached the edge";
+  EXPECT_EQ(lowestOverTheLedge > riding - kTop / 2, release) << "lowest " << lowestOverTheLedge;
+}
+
+INSTANTIATE_TEST_SUITE_P(WithAndWithoutTheGroundRelease, CarOffALedge, testing::Bool());
 
 // The keys of the driving take, pinned: any change to the car's numbers shows.
 TEST_P(CarRun, TheSameTakeGivesTheSameKeysBitForBit) {
