@@ -165,6 +165,7 @@ void CCarCamObject::Start(double time) {
     for (std::size_t i = 0; i < kWheels; ++i) {
       cCarCam.wheels[i].hitPointFormer = cCarCam.wheels[i].ground.hitPoint;
       wheels[i].formerYaw = cCarCam.wheels[i].yaw;
+      wheels[i].KeepDrop();
     }
   }
   if (cCarCam.params.bAutonomousMode && target.handle && target.handle->IsSameOrBelow(body.handle)) {

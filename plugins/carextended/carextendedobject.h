@@ -99,6 +99,9 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
     void Create() override;
     // A fresh run: the wheel stands where its mount holds it.
     void Reset();
+    // Keeps how far below its mount the wheel stands, in the car's frame: a
+    // falling car carries its wheels down with it.
+    void KeepDrop();
     // The ground detection of the frame; feeds the core's wheel record.
     void Update(double time) override;
     // The wheel's key at the time, preceded by the extra keys of a fast spin.
@@ -107,6 +110,7 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
     std::size_t index;
     Vector position;        // filtered wheel centre, world
     Vector formerPosition;  // last frame's
+    double formerDrop = 0;  // below its mount along the car's up, last frame
     Vector hitPoint;        // where the wheel meets the ground, world
     Vector normal{0, 1, 0};
     double heightAboveGround = 0;  // of the wheel's mount less the radius; negative when compressed

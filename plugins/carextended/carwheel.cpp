@@ -48,6 +48,12 @@ void CCarCamObject::CWheelNode::Reset() {
   formerYaw = wheel.yaw;
   wheel.ground = {hitPoint, normal, false, core.CompressionAt(index, hitPoint), 0};
   wheel.hitPointFormer = hitPoint;
+  KeepDrop();
+}
+
+void CCarCamObject::CWheelNode::KeepDrop() {
+  const CCarCam& core = car.cCarCam;
+  formerDrop = (core.WheelMountWorld(index) - position).Dot(core.rotation.Rotate({0, 1, 0}));
 }
 
 bool CCarCamObject::CWheelNode::CastNearest(const GroundRay& ray, GroundHit& nearest) const {
@@ -125,7 +131,6 @@ void CCarCamObject::CWheelNode::ReleaseFromGround(const Vector& mount, const Vec
     drop = extension;
     stand.inTheAir = true;
   }
-  const double formerDrop = (mount - formerPosition).Dot(up);
   const double reach = radius * velocity * car.iface->GetFrameDuration();
   if (velocity != 0 && drop > formerDrop + reach) {
     drop = formerDrop + reach;
@@ -170,6 +175,7 @@ void CCarCamObject::CWheelNode::Update(double time) {
   const Vector chassisUp = core.ChassisRotation().Rotate({0, 1, 0});
   wheel.ground = {hitPoint, normal, stand.inTheAir, core.CompressionAt(index, position - chassisUp * radius),
                   (position - formerPosition).Length()};
+  KeepDrop();
 }
 
 void CCarCamObject::CWheelNode::WritePose(double time, const Vector& at, const Rotation& rotation) const {
