@@ -27,9 +27,9 @@ void BuildDrivingScene(Scene& scene) {
   rampPose.SetTranslation({0, RollingHeight(0, -40), -40});
   scene.WriteWorld(ramp, 0, rampPose);
   SceneNode* camera = scene.CreateNode(ObjectKind::kCamera, "Overview");
-  camera->camera.fovDegrees = 60;
+  camera->camera.fovDegrees.SetStaticKey({0, 60});
   camera->camera.fovType = 1;
-  camera->camera.targetDistance = 60;
+  camera->camera.targetDistance.SetStaticKey({0, 60});
   // Up and behind the start, looking down the -Z road.
   util::Matrix<double> view = util::Matrix<double>::FromQuat(util::Quat<double>::FromAxisAngle({1, 0, 0}, -0.35));
   view.SetTranslation({0, 20, 25});

@@ -17,8 +17,8 @@ void BuildSampleScene(Scene& scene) {
   body->wireframe = false;
   body->properties["rgw_note"] = "the body of the car";
   SceneNode* camera = scene.CreateNode(ObjectKind::kCamera, "Camera");
-  camera->camera.fovDegrees = 50;
-  camera->camera.targetDistance = 7.5;
+  camera->camera.fovDegrees.SetStaticKey({0, 50});
+  camera->camera.targetDistance.SetStaticKey({0, 7.5});
   SceneNode* hidden = scene.CreateNode(ObjectKind::kEmpty, "Hidden");
   hidden->visible = false;
   scene.animate = true;

@@ -190,38 +190,15 @@ void MergeKeys(const NodeCurves& curves, TransformTrack& track) {
   track.SetKeys(std::move(keys));
 }
 
-// The first clip with a channel on the node; -1 for none.
-int ClipAnimating(const tinygltf::Model& model, int node) {
-  for (std::size_t a = 0; a < model.animations.size(); ++a) {
-    for (const tinygltf::AnimationChannel& channel : model.animations[a].channels) {
-      if (channel.target_node == node) return static_cast<int>(a);
-    }
-  }
-  return -1;
-}
-
-// Float times that rise strictly: two ticks that round to one float are
-// a float step apart, which glTF asks of key times.
-std::vector<float> RisingTimes(const std::vector<TransformKey>& keys) {
-  std::vector<float> times;
-  times.reserve(keys.size());
-  for (const TransformKey& key : keys) {
-    float time = static_cast<float>(SecondsFromTicks(key.tick));
-    if (!times.empty() && time <= times.back()) time = std::nextafter(times.back(), std::numeric_limits<float>::infinity());
-    times.push_back(time);
-  }
-  return times;
-}
-
 // The tick of every key when each fits in 32 bits, else nothing.
-std::vector<std::uint32_t> ExactTicks(const std::vector<TransformKey>& keys) {
-  std::vector<std::uint32_t> ticks;
-  ticks.reserve(keys.size());
-  for (const TransformKey& key : keys) {
-    if (key.tick < 0 || key.tick > std::numeric_limits<std::uint32_t>::max()) return {};
-    ticks.push_back(static_cast<std::uint32_t>(key.tick));
+std::vector<std::uint32_t> ExactTicks(const std::vector<Tick>& ticks) {
+  std::vector<std::uint32_t> exact;
+  exact.reserve(ticks.size());
+  for (const Tick tick : ticks) {
+    if (tick < 0 || tick > std::numeric_limits<std::uint32_t>::max()) return {};
+    exact.push_back(static_cast<std::uint32_t>(tick));
   }
-  return ticks;
+  return exact;
 }
 
 void AppendTrack(tinygltf::Model& model, int buffer, tinygltf::Animation& clip, int node, const TransformTrack& track) {
@@ -232,10 +209,11 @@ void AppendTrack(tinygltf::Model& model, int buffer, tinygltf::Animation& clip, 
     rotations.insert(rotations.end(), {float(key.rotation.x), float(key.rotation.y), float(key.rotation.z), float(key.rotation.w)});
     scales.insert(scales.end(), {float(key.scale.x), float(key.scale.y), float(key.scale.z)});
   }
-  const int input = AppendFloats(model, buffer, RisingTimes(keys), TINYGLTF_TYPE_SCALAR, true);
-  tinygltf::Value extras;
-  const std::vector<std::uint32_t> ticks = ExactTicks(keys);
-  if (!ticks.empty()) extras = tinygltf::Value(tinygltf::Value::Object{{kTicks, tinygltf::Value(AppendUnsigned(model, buffer, ticks))}});
+  std::vector<Tick> ticks;
+  ticks.reserve(keys.size());
+  for (const TransformKey& key : keys) ticks.push_back(key.tick);
+  const int input = AppendFloats(model, buffer, RisingTimes(ticks), TINYGLTF_TYPE_SCALAR, true);
+  const tinygltf::Value extras = TickExtras(model, buffer, ticks);
   const std::pair<const char*, std::pair<const std::vector<float>*, int>> paths[] = {
       {"translation", {&positions, TINYGLTF_TYPE_VEC3}}, {"rotation", {&rotations, TINYGLTF_TYPE_VEC4}}, {"scale", {&scales, TINYGLTF_TYPE_VEC3}}};
   for (const auto& [path, data] : paths) {
@@ -308,6 +286,44 @@ bool ReadTransformTracks(const tinygltf::Model& model, std::vector<TransformTrac
     tracks[i].SetStaticPose(TransformKey::FromMatrix(0, NodePose(model.nodes[i])));
     MergeKeys(curves[i], tracks[i]);
   });
+  return true;
+}
+
+// The first clip with a channel on the node; -1 for none.
+int ClipAnimating(const tinygltf::Model& model, int node) {
+  for (std::size_t a = 0; a < model.animations.size(); ++a) {
+    for (const tinygltf::AnimationChannel& channel : model.animations[a].channels) {
+      if (channel.target_node == node) return static_cast<int>(a);
+    }
+  }
+  return -1;
+}
+
+std::vector<float> RisingTimes(const std::vector<Tick>& ticks) {
+  std::vector<float> times;
+  times.reserve(ticks.size());
+  for (const Tick tick : ticks) {
+    float time = static_cast<float>(SecondsFromTicks(tick));
+    if (!times.empty() && time <= times.back()) time = std::nextafter(times.back(), std::numeric_limits<float>::infinity());
+    times.push_back(time);
+  }
+  return times;
+}
+
+tinygltf::Value TickExtras(tinygltf::Model& model, int buffer, const std::vector<Tick>& ticks) {
+  const std::vector<std::uint32_t> exact = ExactTicks(ticks);
+  if (exact.empty()) return tinygltf::Value();
+  return tinygltf::Value(tinygltf::Value::Object{{kTicks, tinygltf::Value(AppendUnsigned(model, buffer, exact))}});
+}
+
+bool ReadScalarKeys(AccessorReader& reader, const tinygltf::AnimationSampler& sampler, std::vector<Tick>& ticks,
+                    std::vector<double>& values, std::string& problem) {
+  Curve curve;
+  curve.components = 1;
+  if (!ReadCurve(reader, sampler, curve, problem)) return false;
+  ticks = std::move(curve.ticks);
+  values = std::move(curve.values);
+  values.resize(ticks.size());
   return true;
 }
 

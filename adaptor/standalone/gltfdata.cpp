@@ -204,6 +204,28 @@ int AppendUnsigned(tinygltf::Model& model, int buffer, const std::vector<std::ui
   return AppendAccessor(model, std::move(accessor));
 }
 
+int AppendDoubles(tinygltf::Model& model, int buffer, const std::vector<double>& values) {
+  std::vector<std::uint32_t> words(values.size() * 2);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &values[i], sizeof bits);
+    words[2 * i] = static_cast<std::uint32_t>(bits);
+    words[2 * i + 1] = static_cast<std::uint32_t>(bits >> 32);
+  }
+  return AppendUnsigned(model, buffer, words);
+}
+
+bool ReadDoubles(AccessorReader& reader, int index, std::vector<double>& out) {
+  std::vector<std::uint32_t> words;
+  if (!reader.Unsigned(index, words) || words.size() % 2 != 0) return false;
+  out.resize(words.size() / 2);
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    const std::uint64_t bits = words[2 * i] | (std::uint64_t(words[2 * i + 1]) << 32);
+    std::memcpy(&out[i], &bits, sizeof bits);
+  }
+  return true;
+}
+
 std::string NodePlace(const tinygltf::Model& model, std::size_t index) {
   constexpr std::size_t kShown = 40;
   const std::string& name = model.nodes[index].name;

@@ -53,6 +53,12 @@ bool FindElements(const tinygltf::Model& model, int index, std::size_t elementSi
 int AppendFloats(tinygltf::Model& model, int buffer, const std::vector<float>& values, int type, bool bounds);
 int AppendUnsigned(tinygltf::Model& model, int buffer, const std::vector<std::uint32_t>& values);
 
+// Doubles kept exactly, as the two 32-bit words of each, low word first:
+// glTF accessors hold no doubles.
+int AppendDoubles(tinygltf::Model& model, int buffer, const std::vector<double>& values);
+// False when the accessor can't be read or holds an odd number of words.
+bool ReadDoubles(AccessorReader& reader, int index, std::vector<double>& out);
+
 // A node as messages name it: node "Arm", or node 3 when it has no name;
 // a long name is cut.
 std::string NodePlace(const tinygltf::Model& model, std::size_t index);

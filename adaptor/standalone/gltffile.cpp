@@ -14,6 +14,8 @@
 #include "adaptor/standalone/gltfdata.h"
 #include "adaptor/standalone/gltfglb.h"
 #include "adaptor/standalone/gltfjson.h"
+#include "adaptor/standalone/gltflens.h"
+#include "adaptor/standalone/gltfpointer.h"
 #include "adaptor/standalone/gltfprune.h"
 #include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfsplice.h"
@@ -28,7 +30,6 @@ namespace {
 
 using util::Vector3;
 
-constexpr double kPi = 3.141592653589793;
 constexpr int kTriangles = 4;
 constexpr const char* kHelper = "rgw_helper";
 constexpr const char* kLights = "KHR_lights_punctual";
@@ -225,21 +226,6 @@ int AppendMesh(tinygltf::Model& model, int buffer, const std::string& name, cons
   return static_cast<int>(model.meshes.size() - 1);
 }
 
-void WriteCamera(tinygltf::Model& model, tinygltf::Node& target, const CameraData& camera) {
-  if (target.camera < 0 || static_cast<std::size_t>(target.camera) >= model.cameras.size()) {
-    tinygltf::Camera made;
-    made.type = "perspective";
-    made.perspective.aspectRatio = 16.0 / 9.0;
-    made.perspective.znear = 0.1;
-    made.perspective.zfar = 10000;
-    model.cameras.push_back(made);
-    target.camera = static_cast<int>(model.cameras.size() - 1);
-  }
-  // Written only when changed: the way through degrees may move the last bit.
-  double& yfov = model.cameras[static_cast<std::size_t>(target.camera)].perspective.yfov;
-  if (yfov * 180 / kPi != camera.fovDegrees) yfov = camera.fovDegrees * kPi / 180;
-}
-
 void WritePose(tinygltf::Node& target, const TransformKey& pose) {
   target.matrix.clear();
   target.translation = {pose.position.x, pose.position.y, pose.position.z};
@@ -340,6 +326,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     err = thrown.what();
   }
   if (!read) return fail(err.empty() ? "not a glTF file" : Shortened(err));
+  PutBackNodelessChannels(*model, facts.nodelessChannels);
   for (LongNodeText& long_ : facts.longNodeTexts) {
     if (long_.node >= model->nodes.size() || !model->nodes[long_.node].extras.IsObject()) continue;
     model->nodes[long_.node].extras.Get<tinygltf::Value::Object>()[long_.key] = tinygltf::Value(std::move(long_.text));
@@ -359,6 +346,12 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   }
   std::vector<TransformTrack> tracks;
   if (!ReadTransformTracks(*model, tracks, problem)) return fail(problem);
+  std::vector<CameraData> lenses(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    if (KindOf(model->nodes[i]) == ObjectKind::kCamera && !ReadLens(*model, model->nodes[i], reader, lenses[i], problem)) {
+      return fail(NodePlace(*model, i) + ": " + problem);
+    }
+  }
 
   // The tree from the scene's roots; a node is taken once, whatever the file says.
   std::vector<int> roots;
@@ -385,13 +378,7 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     node->visible = !BoolExtra(extras, "rgw_hidden", false);
     node->wireframe = BoolExtra(extras, "rgw_wireframe", true);
     node->backfaceCull = BoolExtra(extras, "rgw_backface_cull", false);
-    if (source.camera >= 0 && static_cast<std::size_t>(source.camera) < model->cameras.size()) {
-      const tinygltf::Camera& camera = model->cameras[static_cast<std::size_t>(source.camera)];
-      if (camera.type == "perspective") node->camera.fovDegrees = camera.perspective.yfov * 180 / kPi;
-      node->camera.fovType = 1;
-      const auto distance = extras.find("rgw_target_distance");
-      if (distance != extras.end() && distance->second.IsNumber()) node->camera.targetDistance = distance->second.GetNumberAsDouble();
-    }
+    node->camera = std::move(lenses[static_cast<std::size_t>(index)]);
     node->track = std::move(tracks[static_cast<std::size_t>(index)]);
     // The node's strings move into the scene, which a save writes them back from:
     // a tool's tag, the bulk of a file, is then held once.
@@ -479,19 +466,11 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
       SetFlag(extras, "rgw_wireframe", node->wireframe, true);
       SetFlag(extras, "rgw_backface_cull", node->backfaceCull, false);
     }
-    if (node->kind == ObjectKind::kCamera) {
-      const CameraData defaults;
-      if (node->camera.targetDistance == defaults.targetDistance) {
-        extras.erase("rgw_target_distance");
-      } else {
-        extras["rgw_target_distance"] = tinygltf::Value(node->camera.targetDistance);
-      }
-      WriteCamera(model, target, node->camera);
-    }
     if (node->kind == ObjectKind::kMesh && target.mesh < 0 && !node->mesh.faces.empty()) {
       target.mesh = AppendMesh(model, buffer, node->hostName, node->mesh);
     }
     target.extras = extras.empty() ? tinygltf::Value() : tinygltf::Value(std::move(extras));
+    if (node->kind == ObjectKind::kCamera) WriteLens(model, buffer, index, node->camera, node->lensChanged || !known.count(index));
   }
   std::sort(roots.begin(), roots.end());
   if (model.scenes.empty()) model.scenes.emplace_back();
@@ -504,6 +483,7 @@ bool GltfFile::Save(const std::string& path, Scene& scene, std::string* error) {
 
   WriteTransformTracks(model, buffer, changed);
   PruneUnusedData(model);
+  DeclarePointerExtension(model);
   // Long texts go where bytes cost nothing to keep: after the first buffer,
   // when it is written as bytes.
   const bool binary = HasBinaryExtension(path);

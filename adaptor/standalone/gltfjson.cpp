@@ -103,6 +103,7 @@ class Scanner {
         const bool key = InKey();
         std::string string = String();
         if (key) {
+          if (InChannelTarget() && string == "node") channel_.hasNode = true;
           levels_.back().key = std::move(string);
         } else if (!Value(Kind::kString, string)) {
           return false;
@@ -114,6 +115,8 @@ class Scanner {
       } else if (c == '{' || c == '[') {
         if (!Value(c == '{' ? Kind::kObject : Kind::kArray)) return false;
         if (const std::optional<KeptMember> member = MemberToKeep(false)) keeping_ = {*member, begin, levels_.size()};
+        if (c == '{' && AtChannel()) channel_ = {begin, false, false};
+        if (c == '{' && levels_.size() == 5 && AtChannel(levels_.size() - 1) && levels_[4].key == "target") channel_.hasTarget = true;
         levels_.push_back({c == '{', {}, 0, true, false});
         if (levels_.size() > kMaxJsonDepth) return Fail("the JSON nests deeper than " + std::to_string(kMaxJsonDepth) + " levels");
         ++at_;
@@ -164,6 +167,16 @@ class Scanner {
     member.json = std::string(text_.substr(begin, end - begin));
     facts_.keptMembers.push_back(std::move(member));
   }
+  // At an element of animations[i].channels, with `depth` levels open.
+  bool AtChannel(std::size_t depth) const {
+    return depth == 4 && levels_[0].object && levels_[0].key == "animations" && !levels_[1].object && levels_[2].object &&
+           levels_[2].key == "channels" && !levels_[3].object;
+  }
+  bool AtChannel() const { return AtChannel(levels_.size()); }
+  // In the object animations[i].channels[j].target.
+  bool InChannelTarget() const {
+    return levels_.size() == 6 && AtChannel(4) && levels_[4].object && levels_[4].key == "target" && levels_[5].object;
+  }
   // At a member of a node's extras: nodes[i].extras.key.
   bool InNodeExtras() const {
     return levels_.size() == 4 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].key == "extras" &&
@@ -178,6 +191,10 @@ class Scanner {
       if (keeping_ && levels_.size() == keeping_->depth) {
         Keep(keeping_->member, keeping_->begin, at_ + 1);
         keeping_.reset();
+      }
+      if (c == '}' && AtChannel() && channel_.hasTarget && !channel_.hasNode) {
+        facts_.nodelessChannels.push_back(
+            {levels_[1].index, levels_[3].index, std::string(text_.substr(channel_.begin, at_ + 1 - channel_.begin))});
       }
       // Empty extras as a whole say nothing a file without them doesn't.
       return KeptInExtras(filled || ExtrasDepth() == 1, "nothing");
@@ -304,6 +321,12 @@ class Scanner {
     std::size_t begin, depth;
   };
   std::optional<Keeping> keeping_;
+  // The channel being read: where it began, and what its target has.
+  struct Channel {
+    std::size_t begin;
+    bool hasTarget, hasNode;
+  };
+  Channel channel_{0, false, false};
   std::size_t at_ = 0;
   std::vector<Level> levels_;
 };

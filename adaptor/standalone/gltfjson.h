@@ -34,6 +34,14 @@ struct KeptMember {
   std::string key, json;
 };
 
+// An animation channel the glTF parser drops: one whose target names no
+// node, as a target given by KHR_animation_pointer does. Its JSON, for the
+// loader to put back.
+struct NodelessChannel {
+  std::size_t animation = 0, channel = 0;
+  std::string json;
+};
+
 struct JsonFacts {
   // The "uri" of each buffer, empty where a buffer has none; of a data URI
   // only its scheme, "data:".
@@ -41,6 +49,8 @@ struct JsonFacts {
   // Strings of node extras longer than the threshold, in the order of the text.
   std::vector<LongNodeText> longNodeTexts;
   std::vector<KeptMember> keptMembers;
+  // In the order of the text.
+  std::vector<NodelessChannel> nodelessChannels;
 };
 
 // False, with the problem, for nesting deeper than kMaxJsonDepth, numbers

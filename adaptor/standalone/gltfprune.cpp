@@ -5,6 +5,8 @@
 #include <tiny_gltf.h>
 
 #include <algorithm>
+#include <array>
+#include <utility>
 #include <vector>
 
 #include "adaptor/standalone/gltfdata.h"
@@ -58,18 +60,25 @@ void ForEachAccessorReference(tinygltf::Model& model, Visit visit) {
     for (tinygltf::AnimationSampler& sampler : animation.samplers) {
       visit(sampler.input);
       visit(sampler.output);
-      if (int* ticks = IndexSlot(sampler.extras, "rgw_ticks")) visit(*ticks);
+      for (const char* exact : {"rgw_ticks", "rgw_values"}) {
+        if (int* index = IndexSlot(sampler.extras, exact)) visit(*index);
+      }
     }
   }
   for (tinygltf::Skin& skin : model.skins) {
     if (skin.inverseBindMatrices >= 0) visit(skin.inverseBindMatrices);
   }
-  // A helper's shape, which is ours to read and no renderer's.
+  // A helper's shape and a lens's target distance keys, which are ours to
+  // read and no renderer's.
+  const std::pair<const char*, std::array<const char*, 2>> ours[] = {{"rgw_helper", {"positions", "faces"}},
+                                                                     {"rgw_target_distance_keys", {"rgw_ticks", "rgw_values"}}};
   for (tinygltf::Node& node : model.nodes) {
-    if (!node.extras.IsObject() || !node.extras.Has("rgw_helper")) continue;
-    tinygltf::Value& helper = node.extras.Get<tinygltf::Value::Object>()["rgw_helper"];
-    for (const char* part : {"positions", "faces"}) {
-      if (int* index = IndexSlot(helper, part)) visit(*index);
+    for (const auto& [member, parts] : ours) {
+      if (!node.extras.IsObject() || !node.extras.Has(member)) continue;
+      tinygltf::Value& held = node.extras.Get<tinygltf::Value::Object>()[member];
+      for (const char* part : parts) {
+        if (int* index = IndexSlot(held, part)) visit(*index);
+      }
     }
   }
 }

@@ -13,6 +13,7 @@
 #include "adaptor/standalone/gltfblobs.h"
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/gltfjson.h"
+#include "adaptor/standalone/gltfpointer.h"
 #include "adaptor/standalone/gltfsource.h"
 #include "adaptor/standalone/gltfsplice.h"
 #include "adaptor/standalone/gltfuris.h"
@@ -94,6 +95,7 @@ std::string PatchedJson(const std::string& text, const tinygltf::Model& model, c
                         const std::vector<KeptMember>& kept) {
   nlohmann::json json = nlohmann::json::parse(text);
   PutBackKeptMembers(json, kept);
+  DropNodelessTargets(json);
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i] == BufferPlace::kEmbedded && binary) continue;
     nlohmann::json& buffer = json["buffers"][i];
@@ -185,7 +187,7 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
     text = std::move(stream).str();
   }
-  const bool patched = !binary || !kept_.empty() ||
+  const bool patched = !binary || !kept_.empty() || HasNodelessChannels(model) ||
                        std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
   if (patched) {
     const std::size_t firstLength = places.empty() ? 0 : longTexts_.Length(beside.Bytes(0).size());

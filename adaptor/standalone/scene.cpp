@@ -7,18 +7,20 @@ namespace vuk::rgw::adaptor::standalone {
 
 namespace {
 
-// A node's whole track as it stood before the first change of a hold: one
-// record however many keys a recording writes. A record's undo and redo
-// alternate, so swapping the saved track with the live one goes either way.
+// A node's whole track (its transform, or its lens) as it stood before the
+// first change of a hold: one record however many keys a recording writes.
+// A record's undo and redo alternate, so swapping the saved track with the
+// live one goes either way.
+template <typename Track>
 class TrackRecord : public UndoRecord {
  public:
-  explicit TrackRecord(SceneNode* node) : node_(node), saved_(node->track) {}
-  void Restore() override { std::swap(node_->track, saved_); }
-  void Redo() override { std::swap(node_->track, saved_); }
+  explicit TrackRecord(Track& live) : live_(live), saved_(live) {}
+  void Restore() override { std::swap(live_, saved_); }
+  void Redo() override { std::swap(live_, saved_); }
 
  private:
-  SceneNode* node_;
-  TransformTrack saved_;
+  Track& live_;
+  Track saved_;
 };
 
 class NameRecord : public UndoRecord {
@@ -67,12 +69,17 @@ void Scene::Record(std::unique_ptr<UndoRecord> record) {
   if (undo.IsHolding() && !undo.IsRestoring()) undo.Put(std::move(record));
 }
 
-void Scene::SaveTrack(SceneNode* node) {
-  node->trackChanged = true;
-  if (!undo.IsHolding() || undo.IsRestoring() || node->trackSavedInHold == undo.HoldNumber()) return;
-  node->trackSavedInHold = undo.HoldNumber();
-  undo.Put(std::make_unique<TrackRecord>(node));
+template <typename Track>
+void Scene::SaveOnce(Track& track, bool& changed, std::uint64_t& savedInHold) {
+  changed = true;
+  if (!undo.IsHolding() || undo.IsRestoring() || savedInHold == undo.HoldNumber()) return;
+  savedInHold = undo.HoldNumber();
+  undo.Put(std::make_unique<TrackRecord<Track>>(track));
 }
+
+void Scene::SaveTrack(SceneNode* node) { SaveOnce(node->track, node->trackChanged, node->trackSavedInHold); }
+
+void Scene::SaveLens(SceneNode* node) { SaveOnce(node->camera, node->lensChanged, node->lensSavedInHold); }
 
 std::size_t Scene::IndexIn(const SceneNode* node) {
   const auto& siblings = node->parent->children;
@@ -167,10 +174,37 @@ void Scene::WriteWorld(SceneNode* node, Tick tick, const util::Matrix<double>& w
   WriteLocal(node, tick, underRoot ? world : parent->World(tick).Inverse() * world);
 }
 
+void Scene::WriteLens(SceneNode* node, ScalarTrack CameraData::*value, Tick tick, double wanted) {
+  SaveLens(node);
+  ScalarTrack& track = node->camera.*value;
+  if (animate) {
+    track.SetKey({tick, wanted});
+  } else {
+    track.SetLive({tick, wanted});
+  }
+}
+
+namespace {
+
+template <typename Key>
+bool HasKeysFrom(const KeyTrack<Key>& track, Tick tick) {
+  return !track.Keys().empty() && track.Keys().back().tick >= tick;
+}
+
+}  // namespace
+
 void Scene::InvalidateFrom(SceneNode* node, Tick tick) {
-  if (!node || node->track.Keys().empty() || node->track.Keys().back().tick < tick) return;
-  SaveTrack(node);
-  node->track.RemoveFrom(tick);
+  if (!node) return;
+  if (HasKeysFrom(node->track, tick)) {
+    SaveTrack(node);
+    node->track.RemoveFrom(tick);
+  }
+  CameraData& lens = node->camera;
+  if (HasKeysFrom(lens.fovDegrees, tick) || HasKeysFrom(lens.targetDistance, tick)) {
+    SaveLens(node);
+    lens.fovDegrees.RemoveFrom(tick);
+    lens.targetDistance.RemoveFrom(tick);
+  }
 }
 
 SceneNode* Scene::Find(SceneNode::Handle handle) const {

@@ -38,6 +38,10 @@ class Scene {
   // with keys (see TransformTrack).
   void WriteLocal(SceneNode* node, Tick tick, const util::Matrix<double>& local);
   void WriteWorld(SceneNode* node, Tick tick, const util::Matrix<double>& world);
+  // A lens value (CameraData::fovDegrees or targetDistance) written at a
+  // tick, keyed or live as a transform is.
+  void WriteLens(SceneNode* node, ScalarTrack CameraData::*value, Tick tick, double wanted);
+  // Removes the transform and lens keys at and after the tick.
   void InvalidateFrom(SceneNode* node, Tick tick);
 
   // Null for a handle that was never given out.
@@ -61,6 +65,9 @@ class Scene {
   // in the open hold, so that a recording costs one record per node, not one
   // per key.
   void SaveTrack(SceneNode* node);
+  void SaveLens(SceneNode* node);
+  template <typename Track>
+  void SaveOnce(Track& track, bool& changed, std::uint64_t& savedInHold);
   // Moves a node to a new place in the tree (null parent: out of the tree).
   void Attach(SceneNode* node, SceneNode* parent, std::size_t index);
   static std::size_t IndexIn(const SceneNode* node);

@@ -16,10 +16,14 @@ namespace vuk::rgw::adaptor::standalone {
 
 enum class ObjectKind { kEmpty, kHelper, kMesh, kCamera, kShape, kLight };
 
+// The lens: its values keyed over time like the transform, so that a tool
+// that changes them each frame of a recording leaves every frame's value.
 struct CameraData {
-  double fovDegrees = 45.0;
+  ScalarTrack fovDegrees{ScalarKey{0, 45.0}};
   std::int32_t fovType = 0;  // 0 horizontal, 1 vertical, 2 diagonal
-  double targetDistance = 1.0;
+  ScalarTrack targetDistance{ScalarKey{0, 1.0}};
+
+  bool HasKeys() const { return !fovDegrees.Keys().empty() || !targetDistance.Keys().empty(); }
 };
 
 // Splines as polylines through their points, parameterised by length.
@@ -69,6 +73,9 @@ class SceneNode {
   // Set by the first change of the track: a file writes new keys only for
   // such nodes and keeps the animation of the others as it read it.
   bool trackChanged = false;
+  // The same two for the lens.
+  std::uint64_t lensSavedInHold = 0;
+  bool lensChanged = false;
 
  private:
   mutable std::unique_ptr<MeshRayTree> rayTree_;

@@ -468,8 +468,13 @@ std::int32_t StandaloneAdaptorInterface::BeginRecordingInstances(std::vector<cor
   const double now = GetTime();
   for (StandaloneNode* node : nodes_) {
     if (std::find(instances.begin(), instances.end(), node->owner) == instances.end()) continue;
-    TransformTrack& track = node->GetHostNode()->track;
-    track.Reserve(track.Keys().size() + util::HistoryHorizon());
+    SceneNode* host = node->GetHostNode();
+    host->track.Reserve(host->track.Keys().size() + util::HistoryHorizon());
+    if (host->kind == ObjectKind::kCamera) {
+      for (ScalarTrack* lens : {&host->camera.fovDegrees, &host->camera.targetDistance}) {
+        lens->Reserve(lens->Keys().size() + util::HistoryHorizon());
+      }
+    }
     if (!node->live) continue;
     CSnapshot* snapshot = node->GetSnapshot(now);
     snapshot->SetLocalTransform(snapshot->GetLocalTransform());

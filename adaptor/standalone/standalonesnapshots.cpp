@@ -44,9 +44,11 @@ bool StandaloneSnapshot_Mesh::IntersectRay(const Vector3& origin, const Vector3&
   return true;
 }
 
-void StandaloneSnapshot_Lens::SetFOV(double degrees) { Host().camera.fovDegrees = degrees; }
+void StandaloneSnapshot_Lens::SetFOV(double degrees) {
+  SceneOf(*this).WriteLens(&Host(), &CameraData::fovDegrees, tick, degrees);
+}
 
-double StandaloneSnapshot_Lens::GetFOV() { return Host().camera.fovDegrees; }
+double StandaloneSnapshot_Lens::GetFOV() { return Host().camera.fovDegrees.At(tick).value; }
 
 std::int32_t StandaloneSnapshot_Lens::GetFOVType() { return Host().camera.fovType; }
 
@@ -54,9 +56,11 @@ void StandaloneSnapshot_Lens::SetFOVType(std::int32_t type) {
   if (type >= 0 && type <= 2) Host().camera.fovType = type;
 }
 
-void StandaloneSnapshot_Lens::SetTargetDistance(double distance) { Host().camera.targetDistance = distance; }
+void StandaloneSnapshot_Lens::SetTargetDistance(double distance) {
+  SceneOf(*this).WriteLens(&Host(), &CameraData::targetDistance, tick, distance);
+}
 
-double StandaloneSnapshot_Lens::GetTargetDistance() { return Host().camera.targetDistance; }
+double StandaloneSnapshot_Lens::GetTargetDistance() { return Host().camera.targetDistance.At(tick).value; }
 
 std::int32_t StandaloneSnapshot_Shape::GetSplineCount() {
   return static_cast<std::int32_t>(Host().shape.splines.size());

@@ -48,6 +48,17 @@ const char* KindName(ObjectKind kind) {
   return "?";
 }
 
+// A lens value's keys on a line of their own, when it has any: how many,
+// over what time, and from what value to what.
+void PrintLensKeys(const std::string& indent, const char* what, const rgw::adaptor::standalone::ScalarTrack& track,
+                   const char* unit) {
+  const auto& keys = track.Keys();
+  if (keys.empty()) return;
+  std::printf("%s%s: %s, %.3f s to %.3f s, %.3f to %.3f%s\n", indent.c_str(), what, Counted(keys.size(), "key").c_str(),
+              rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
+              rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), keys.front().value, keys.back().value, unit);
+}
+
 // A command's arguments: the scene file, then "--name value" pairs of the
 // options the command knows and "--name" alone for its flags; repeated
 // options are kept in order.
@@ -503,6 +514,11 @@ int SceneCommand(const Arguments& args) {
       }
       if (!node->visible) std::printf("  [hidden]");
       std::printf("\n");
+      if (node->kind == ObjectKind::kCamera) {
+        const std::string indent(2 * static_cast<std::size_t>(depth) + 2, ' ');
+        PrintLensKeys(indent, "field of view", node->camera.fovDegrees, " degrees");
+        PrintLensKeys(indent, "target distance", node->camera.targetDistance, "");
+      }
     }
     for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) pending.emplace_back(*it, depth + 1);
   }
