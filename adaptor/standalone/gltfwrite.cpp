@@ -87,6 +87,22 @@ void PutBackKeptMembers(nlohmann::json& json, const std::vector<KeptMember>& kep
   }
 }
 
+// A perspective camera without a far plane projects to infinity; the JSON
+// writer gives it a far plane of 0, which glTF forbids.
+bool HasInfiniteCameras(const tinygltf::Model& model) {
+  return std::any_of(model.cameras.begin(), model.cameras.end(),
+                     [](const tinygltf::Camera& camera) { return camera.type == "perspective" && camera.perspective.zfar <= 0; });
+}
+
+void DropZeroFarPlanes(nlohmann::json& json) {
+  if (!json.contains("cameras")) return;
+  for (nlohmann::json& camera : json["cameras"]) {
+    if (camera.contains("perspective") && camera["perspective"].contains("zfar") && camera["perspective"]["zfar"] == 0) {
+      camera["perspective"].erase("zfar");
+    }
+  }
+}
+
 // The JSON of the model with the lengths and names of the buffers beside it
 // and the members the parser dropped; a text file's Base64 buffers are marks
 // of the splicer.
@@ -96,6 +112,7 @@ std::string PatchedJson(const std::string& text, const tinygltf::Model& model, c
   nlohmann::json json = nlohmann::json::parse(text);
   PutBackKeptMembers(json, kept);
   DropNodelessTargets(json);
+  DropZeroFarPlanes(json);
   for (std::size_t i = 0; i < places.size(); ++i) {
     if (places[i] == BufferPlace::kEmbedded && binary) continue;
     nlohmann::json& buffer = json["buffers"][i];
@@ -187,7 +204,7 @@ bool GltfFile::Write(const std::string& path, std::string* error) {
     if (!writer.WriteGltfSceneToStream(&model, stream, true, false)) return Failed(error, path + ": the file can't be written");
     text = std::move(stream).str();
   }
-  const bool patched = !binary || !kept_.empty() || HasNodelessChannels(model) ||
+  const bool patched = !binary || !kept_.empty() || HasNodelessChannels(model) || HasInfiniteCameras(model) ||
                        std::any_of(places.begin(), places.end(), [](BufferPlace p) { return p != BufferPlace::kEmbedded; });
   if (patched) {
     const std::size_t firstLength = places.empty() ? 0 : longTexts_.Length(beside.Bytes(0).size());
