@@ -348,3 +348,24 @@ TEST(GltfCommandLine, ATwoHourTakeRerunGivesTheSameFileWithRisingTimes) {
 }
 
 }  // namespace
+
+// A camera whose field of view a file animates by pointer shows its lens keys.
+TEST(GltfCommandLine, SceneShowListsACamerasLensKeys) {
+  fs::create_directories(kRoot);
+  const fs::path source = kRoot / "zoom.gltf";
+  // yfov 0.5, 1 and 0.75 at 0, 0.5 and 1 s; a target distance of ours beside it.
+  std::ofstream(source) << R"({"asset":{"version":"2.0"},"extensionsUsed":["KHR_animation_pointer"],
+    "scene":0,"scenes":[{"nodes":[0]}],"nodes":[{"name":"Cam","camera":0,"extras":{"rgw_target_distance":3.5}}],
+    "cameras":[{"type":"perspective","perspective":{"yfov":0.5,"znear":0.1}}],
+    "buffers":[{"byteLength":24,"uri":"data:application/octet-stream;base64,AAAAAAAAAD8AAIA/AAAAPwAAgD8AAEA/"}],
+    "bufferViews":[{"buffer":0,"byteOffset":0,"byteLength":12},{"buffer":0,"byteOffset":12,"byteLength":12}],
+    "accessors":[{"bufferView":0,"componentType":5126,"count":3,"type":"SCALAR","min":[0],"max":[1]},
+                 {"bufferView":1,"componentType":5126,"count":3,"type":"SCALAR"}],
+    "animations":[{"samplers":[{"input":0,"output":1}],
+      "channels":[{"sampler":0,"target":{"path":"pointer","extensions":{"KHR_animation_pointer":{"pointer":"/cameras/0/perspective/yfov"}}}}]}]})";
+  const std::string shown = Rgw("scene show " + source.string());
+  EXPECT_NE(shown.find("Cam (camera)\n  field of view: 3 keys, 0.000 s to 1.000 s, 28.648 to 42.972 degrees\n"),
+            std::string::npos)
+      << shown;
+  EXPECT_EQ(shown.find("target distance:"), std::string::npos) << "no keys, no line: " << shown;
+}
