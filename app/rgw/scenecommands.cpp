@@ -482,7 +482,7 @@ int DemoScene(const Arguments& args, const char* usage) {
 
 int SceneCommand(const Arguments& args) {
   const char* usage =
-      "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, tools\n"
+      "usage: rgw scene show FILE     what a scene holds: nodes, kinds, keys, lenses, tools\n"
       "       rgw scene demo OUT [--terrain]\n"
       "                               writes a small demo scene (a car driving, a camera); with\n"
       "                               --terrain, the ground to drive on: a rolling terrain with a ramp\n"
