@@ -9,20 +9,13 @@ set(job_steps
   "take\;${job}\;--instance\;1DPositioner_01\;--csv\;${PROJECT_SOURCE_DIR}/data/demo/1dpositioner_take.csv\;--out\;${job}"
   "run\;${job}\;--out\;${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf"
   "run\;${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf\;--out\;${CMAKE_CURRENT_BINARY_DIR}/job_again.gltf")
-set(previous rgw_demo)
-set(step 0)
-foreach(arguments IN LISTS job_steps)
-  math(EXPR step "${step} + 1")
-  add_test(NAME rgw_job_${step} COMMAND rgw ${arguments})
-  set_tests_properties(rgw_job_${step} PROPERTIES FIXTURES_REQUIRED ${previous} FIXTURES_SETUP rgw_job_${step})
-  set(previous rgw_job_${step})
-endforeach()
+rgw_steps(rgw_job AFTER rgw_demo STEPS job_steps)
 add_test(NAME rgw_job_result COMMAND rgw scene show ${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf)
-set_tests_properties(rgw_job_result PROPERTIES FIXTURES_REQUIRED ${previous} PASS_REGULAR_EXPRESSION
+set_tests_properties(rgw_job_result PROPERTIES FIXTURES_REQUIRED ${rgw_job_last} PASS_REGULAR_EXPRESSION
   "RelativeCage \\(helper\\)  60 keys, 0.033 s to 2.000 s, local \\(0.000, 0.000, 0.000\\) to \\(0.000, 0.000, -0.299\\).*channel Position: bound to Up and Down keys, take of 61 samples")
 add_test(NAME rgw_job_again_is_the_same COMMAND ${CMAKE_COMMAND} -E compare_files
   ${CMAKE_CURRENT_BINARY_DIR}/job_result.gltf ${CMAKE_CURRENT_BINARY_DIR}/job_again.gltf)
-set_tests_properties(rgw_job_again_is_the_same PROPERTIES FIXTURES_REQUIRED ${previous})
+set_tests_properties(rgw_job_again_is_the_same PROPERTIES FIXTURES_REQUIRED ${rgw_job_last})
 add_test(NAME rgw_bind_unknown_profile COMMAND rgw bind ${job} --instance 1DPositioner_01 --profile Nope
   --out ${CMAKE_CURRENT_BINARY_DIR}/unused.gltf)
 set_tests_properties(rgw_bind_unknown_profile PROPERTIES FIXTURES_REQUIRED rgw_job_1
@@ -30,7 +23,7 @@ set_tests_properties(rgw_bind_unknown_profile PROPERTIES FIXTURES_REQUIRED rgw_j
 # A file opened and saved many times still passes the glTF validator.
 add_test(NAME gltf_validator_resaved COMMAND node ${PROJECT_SOURCE_DIR}/tests/tools/validate_gltf.js
   ${CMAKE_CURRENT_BINARY_DIR}/job_again.gltf)
-set_tests_properties(gltf_validator_resaved PROPERTIES FIXTURES_REQUIRED ${previous}
+set_tests_properties(gltf_validator_resaved PROPERTIES FIXTURES_REQUIRED ${rgw_job_last}
   ENVIRONMENT NODE_PATH=${PROJECT_SOURCE_DIR}/build-tools/node/node_modules)
 
 # A take longer than the scene's keys is simulated to its end when no range is given.

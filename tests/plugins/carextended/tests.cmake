@@ -7,16 +7,9 @@ set(car_steps
   "create\;${rgw_demo_scene}\;--tool\;4WheelerExt\;--out\;${car}.gltf"
   "take\;${car}.gltf\;--instance\;4WheelerExt_01\;--csv\;${car}_take.csv\;--out\;${car}.gltf"
   "run\;${car}.gltf\;--out\;${car}_result.gltf")
-set(previous rgw_demo)
-set(step 0)
-foreach(arguments IN LISTS car_steps)
-  math(EXPR step "${step} + 1")
-  add_test(NAME rgw_car_${step} COMMAND rgw ${arguments})
-  set_tests_properties(rgw_car_${step} PROPERTIES FIXTURES_REQUIRED ${previous} FIXTURES_SETUP rgw_car_${step})
-  set(previous rgw_car_${step})
-endforeach()
+rgw_steps(rgw_car AFTER rgw_demo STEPS car_steps)
 add_test(NAME rgw_car_result COMMAND rgw scene show ${car}_result.gltf)
-set_tests_properties(rgw_car_result PROPERTIES FIXTURES_REQUIRED ${previous} PASS_REGULAR_EXPRESSION
+set_tests_properties(rgw_car_result PROPERTIES FIXTURES_REQUIRED ${rgw_car_last} PASS_REGULAR_EXPRESSION
   "4WheelerExt_01_CarBodyMesh \\(helper\\)  90 keys, 0.033 s to 3.000 s, local \\(0.000, 0.150, -0.000\\) to \\(-?0.000, 0.150, -5.902\\).*tool 4WheelerExt_01 \\(4WheelerExt\\): 9 channels, 9 recorded tracks")
 
 # A frame's allocations, counted through a replaced operator new: a program
