@@ -303,8 +303,9 @@ std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initi
     return Fail(Session::Where(*kept) + " is not loaded (" + session.WhyNotLoaded(*kept) +
                 "): it stays in the file as it is and can't be changed");
   }
-  return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; its tools are " +
-              Listed(session.tools.InstanceNames()));
+  const std::vector<std::string> names = session.tools.InstanceNames();
+  return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; " +
+              (names.empty() ? std::string("it has no tools") : "its tools are " + Listed(names)));
 }
 
 // Saves the command's scene and says what the command did.
