@@ -23,6 +23,7 @@
 #include "adaptor/standalone/gltfwrite.h"
 #include "adaptor/standalone/scenetags.h"
 #include "util/base64.h"
+#include "util/parallel.h"
 
 namespace vuk::rgw::adaptor::standalone {
 
@@ -258,7 +259,26 @@ constexpr std::size_t kNoLongTexts = std::numeric_limits<std::size_t>::max();
 
 // The bytes for the parser and the facts of the file's JSON. A binary file
 // as we write it comes without its long texts, which come in `texts`.
-bool ReadScene(const std::string& path, std::vector<unsigned char>& bytes, JsonFacts& facts,
+// Each embedded buffer's data, decoded here rather than by the parser, for the
+// folder to serve. One our decoder refuses is left to the parser and its message.
+void EmbedBuffers(std::string_view text, std::vector<EmbeddedBuffer>& buffers, SceneFolder& folder) {
+  std::vector<util::Bytes> decoded(buffers.size());
+  std::vector<char> decodedWell(buffers.size(), 0);
+  util::ForEachInParallel(buffers.size(), [&](std::size_t i) {
+    const EmbeddedBuffer& buffer = buffers[i];
+    const std::size_t data = buffer.begin + 1 + buffer.header.size();
+    decodedWell[i] = util::Base64::Decode(text.substr(data, buffer.end - 1 - data), decoded[i]);
+  });
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < buffers.size(); ++i) {
+    if (!decodedWell[i]) continue;
+    folder.Embed(EmbeddedBufferUri(buffers[i].buffer), std::move(decoded[i]));
+    buffers[kept++] = std::move(buffers[i]);
+  }
+  buffers.resize(kept);
+}
+
+bool ReadScene(const std::string& path, SceneFolder& folder, std::vector<unsigned char>& bytes, JsonFacts& facts,
                std::map<int, std::string>& texts, std::string& problem) {
   RegularFile file;
   if (!file.Open(path, problem)) return false;
@@ -279,8 +299,9 @@ bool ReadScene(const std::string& path, std::vector<unsigned char>& bytes, JsonF
   const bool binary = IsBinary(bytes);
   // A text file's long node texts are cut out before the parser sees them.
   if (!ScanJson(JsonText(bytes, binary), facts, problem, binary ? kNoLongTexts : kBlobThreshold)) return false;
-  if (!facts.longNodeTexts.empty()) {
-    const std::string cut = WithoutLongNodeTexts(JsonText(bytes, binary), facts.longNodeTexts);
+  EmbedBuffers(JsonText(bytes, binary), facts.embeddedBuffers, folder);
+  if (!facts.longNodeTexts.empty() || !facts.embeddedBuffers.empty()) {
+    const std::string cut = WithoutLongValues(JsonText(bytes, binary), facts);
     bytes.assign(cut.begin(), cut.end());
   }
   return true;
@@ -300,9 +321,9 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
   JsonFacts facts;
   std::map<int, std::string> longTexts;
   std::string problem;
-  if (!ReadScene(path, bytes, facts, longTexts, problem)) return fail(problem);
-  const bool binary = IsBinary(bytes);
   SceneFolder folder(std::filesystem::absolute(path).parent_path());
+  if (!ReadScene(path, folder, bytes, facts, longTexts, problem)) return fail(problem);
+  const bool binary = IsBinary(bytes);
   for (std::size_t b = 0; b < facts.bufferUris.size(); ++b) {
     const std::string& uri = facts.bufferUris[b];
     if (!uri.empty() && !IsDataUri(uri) && !folder.Allow(uri, problem)) {
@@ -326,6 +347,9 @@ bool GltfFile::Load(const std::string& path, Scene& scene, std::string* error) {
     err = thrown.what();
   }
   if (!read) return fail(err.empty() ? "not a glTF file" : Shortened(err));
+  for (const EmbeddedBuffer& embedded : facts.embeddedBuffers) {
+    if (embedded.buffer < model->buffers.size()) model->buffers[embedded.buffer].uri = embedded.header;
+  }
   PutBackNodelessChannels(*model, facts.nodelessChannels);
   for (LongNodeText& long_ : facts.longNodeTexts) {
     if (long_.node >= model->nodes.size() || !model->nodes[long_.node].extras.IsObject()) continue;

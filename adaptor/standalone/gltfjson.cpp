@@ -9,6 +9,8 @@
 #include <iterator>
 #include <optional>
 
+#include "util/parallel.h"
+
 namespace vuk::rgw::adaptor::standalone {
 
 namespace {
@@ -101,14 +103,24 @@ class Scanner {
       const std::size_t begin = at_;
       if (c == '"') {
         const bool key = InKey();
+        if (!key && EmbeddedBufferAt(begin)) continue;
+        if (!key && InNodeExtras()) {
+          // A long text is only marked here; it is unescaped after the scan,
+          // all of them at once.
+          const std::size_t end = StringEnd(begin);
+          if (end >= begin + 2 && text_[end - 1] == '"' && end - begin - 2 > longText_) {
+            if (!Value(Kind::kString)) return false;
+            facts_.longNodeTexts.push_back({levels_[1].index, levels_[3].key, {}, begin, end});
+            at_ = end;
+            continue;
+          }
+        }
         std::string string = String();
         if (key) {
           if (InChannelTarget() && string == "node") channel_.hasNode = true;
           levels_.back().key = std::move(string);
         } else if (!Value(Kind::kString, string)) {
           return false;
-        } else if (string.size() > longText_ && InNodeExtras()) {
-          facts_.longNodeTexts.push_back({levels_[1].index, levels_[3].key, std::move(string), begin, at_});
         } else if (const std::optional<KeptMember> member = MemberToKeep(string.empty())) {
           Keep(*member, begin, at_);
         }
@@ -181,6 +193,27 @@ class Scanner {
   bool InNodeExtras() const {
     return levels_.size() == 4 && levels_[0].key == "nodes" && !levels_[1].object && levels_[2].key == "extras" &&
            levels_[3].object;
+  }
+
+  // A buffer's long Base64 data URI, noted and passed over without a copy.
+  // One with escapes, or of a kind the parser decodes differently, is read
+  // as any string.
+  bool EmbeddedBufferAt(std::size_t begin) {
+    const bool atUri = levels_.size() == 3 && levels_[0].object && levels_[0].key == "buffers" && !levels_[1].object &&
+                       levels_[2].object && levels_[2].key == "uri";
+    if (!atUri) return false;
+    const std::size_t close = text_.find('"', begin + 1);
+    if (close == std::string_view::npos || close - begin - 1 <= longText_) return false;
+    const std::string_view uri = text_.substr(begin + 1, close - begin - 1);
+    const std::size_t comma = uri.find(',');
+    const std::string_view header = uri.substr(0, comma == std::string_view::npos ? 0 : comma + 1);
+    if ((header != "data:application/octet-stream;base64," && header != "data:application/gltf-buffer;base64,") ||
+        uri.find('\\') != std::string_view::npos || !Value(Kind::kString, "data:")) {
+      return false;
+    }
+    facts_.embeddedBuffers.push_back({levels_[1].index, std::string(header), begin, close + 1});
+    at_ = close + 1;
+    return true;
   }
 
   bool Punctuation(char c) {
@@ -269,34 +302,53 @@ class Scanner {
 
   // The string starting at the quote, its escapes decoded; the parser
   // decodes them too, so a key spelled with escapes is the same key.
-  std::string String() {
-    std::string text;
-    for (++at_; at_ < text_.size(); ++at_) {
-      // Runs without escapes go whole: a tool's state is megabytes of them.
-      std::size_t special = at_;
-      while (special < text_.size() && text_[special] != '"' && text_[special] != '\\') ++special;
-      text.append(text_.substr(at_, special - at_));
-      at_ = special;
-      if (at_ >= text_.size()) break;
-      const char c = text_[at_];
-      if (c == '"') break;
-      if (at_ + 1 >= text_.size()) {
-        text += c;
-        continue;
-      }
-      const char escaped = text_[++at_];
-      const std::string_view plain("\"\\/bfnrt"), meant("\"\\/\b\f\n\r\t");
-      if (plain.find(escaped) != std::string_view::npos) {
-        text += meant[plain.find(escaped)];
-      } else if (escaped == 'u' && at_ + 4 < text_.size()) {
-        AppendUtf8(std::strtoul(std::string(text_.substr(at_ + 1, 4)).c_str(), nullptr, 16), text);
-        at_ += 4;
-      }
+  // Past the quote that closes the string opened at `open`: the first one
+  // after an even number of backslashes. The end of the text if none does.
+  std::size_t StringEnd(std::size_t open) const {
+    for (std::size_t quote = open;;) {
+      quote = text_.find('"', quote + 1);
+      if (quote == std::string_view::npos) return text_.size();
+      std::size_t slashes = 0;
+      while (text_[quote - 1 - slashes] == '\\') ++slashes;  // the opening quote stops it
+      if (slashes % 2 == 0) return quote + 1;
     }
-    ++at_;
+  }
+
+  std::string String() {
+    const std::size_t end = StringEnd(at_);
+    const std::size_t closed = end > at_ + 1 && text_[end - 1] == '"' ? 1 : 0;
+    std::string text = Unescaped(text_.substr(at_ + 1, end - at_ - 1 - closed));
+    at_ = end;
     return text;
   }
 
+ public:
+  // A string's characters without its quotes, escapes undone. Runs without
+  // escapes go whole: a tool's state is megabytes of them.
+  static std::string Unescaped(std::string_view inner) {
+    std::string text;
+    text.reserve(inner.size());
+    for (std::size_t at = 0; at < inner.size();) {
+      const std::size_t slash = std::min(inner.find('\\', at), inner.size());
+      text.append(inner.substr(at, slash - at));
+      if (slash + 1 >= inner.size()) {
+        if (slash < inner.size()) text += '\\';
+        break;
+      }
+      const char escaped = inner[slash + 1];
+      at = slash + 2;
+      const std::string_view plain("\"\\/bfnrt"), meant("\"\\/\b\f\n\r\t");
+      if (plain.find(escaped) != std::string_view::npos) {
+        text += meant[plain.find(escaped)];
+      } else if (escaped == 'u' && at + 4 <= inner.size()) {
+        AppendUtf8(std::strtoul(std::string(inner.substr(at, 4)).c_str(), nullptr, 16), text);
+        at += 4;
+      }
+    }
+    return text;
+  }
+
+ private:
   static void AppendUtf8(unsigned long code, std::string& text) {
     if (code < 0x80) {
       text += static_cast<char>(code);
@@ -334,19 +386,36 @@ class Scanner {
 }  // namespace
 
 bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem, std::size_t longText) {
-  return Scanner(text, facts, problem, longText).Run();
+  if (!Scanner(text, facts, problem, longText).Run()) return false;
+  util::ForEachInParallel(facts.longNodeTexts.size(), [&](std::size_t i) {
+    LongNodeText& long_ = facts.longNodeTexts[i];
+    long_.text = Scanner::Unescaped(text.substr(long_.begin + 1, long_.end - long_.begin - 2));
+  });
+  return true;
 }
 
-std::string WithoutLongNodeTexts(std::string_view text, const std::vector<LongNodeText>& cut) {
+std::string WithoutLongValues(std::string_view text, const JsonFacts& facts) {
+  struct Cut {
+    std::size_t begin, end;
+    std::string instead;
+  };
+  std::vector<Cut> cuts;
+  for (const LongNodeText& long_ : facts.longNodeTexts) cuts.push_back({long_.begin, long_.end, "\"\""});
+  for (const EmbeddedBuffer& embedded : facts.embeddedBuffers) {
+    cuts.push_back({embedded.begin, embedded.end, "\"" + EmbeddedBufferUri(embedded.buffer) + "\""});
+  }
+  std::sort(cuts.begin(), cuts.end(), [](const Cut& a, const Cut& b) { return a.begin < b.begin; });
   std::string kept;
   std::size_t from = 0;
-  for (const LongNodeText& long_ : cut) {
-    kept.append(text.substr(from, long_.begin - from));
-    kept += "\"\"";
-    from = long_.end;
+  for (const Cut& cut : cuts) {
+    kept.append(text.substr(from, cut.begin - from));
+    kept += cut.instead;
+    from = cut.end;
   }
   kept.append(text.substr(from));
   return kept;
 }
+
+std::string EmbeddedBufferUri(std::size_t buffer) { return "#rgw-embedded-buffer-" + std::to_string(buffer); }
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -42,12 +42,23 @@ struct NodelessChannel {
   std::string json;
 };
 
+// A buffer whose data a long "data:" URI holds in Base64: where it stands in
+// the text, so that the loader decodes it instead of the parser, which would
+// copy it twice and decode it slowly.
+struct EmbeddedBuffer {
+  std::size_t buffer = 0;
+  std::string header;              // "data:...;base64,"
+  std::size_t begin = 0, end = 0;  // the quotes included
+};
+
 struct JsonFacts {
   // The "uri" of each buffer, empty where a buffer has none; of a data URI
   // only its scheme, "data:".
   std::vector<std::string> bufferUris;
   // Strings of node extras longer than the threshold, in the order of the text.
   std::vector<LongNodeText> longNodeTexts;
+  // Buffers' data URIs longer than the threshold, in the order of the text.
+  std::vector<EmbeddedBuffer> embeddedBuffers;
   std::vector<KeptMember> keptMembers;
   // In the order of the text.
   std::vector<NodelessChannel> nodelessChannels;
@@ -56,12 +67,16 @@ struct JsonFacts {
 // False, with the problem, for nesting deeper than kMaxJsonDepth, numbers
 // no double holds, and node or scene members of a type glTF doesn't allow.
 // Text that is not JSON at all is left to the parser to refuse.
-// Long node texts are those above `longText` bytes.
+// Long node texts and data URIs are those above `longText` bytes.
 bool ScanJson(std::string_view text, JsonFacts& facts, std::string& problem, std::size_t longText);
 
 // The text with each long node text cut out, an empty string in its place,
 // for the texts to be put back into the parsed nodes: the parser then never
-// holds a tool's saved state.
-std::string WithoutLongNodeTexts(std::string_view text, const std::vector<LongNodeText>& cut);
+// holds a tool's saved state. Each embedded buffer's URI becomes
+// EmbeddedBufferUri(buffer), for the loader to serve its decoded data.
+std::string WithoutLongValues(std::string_view text, const JsonFacts& facts);
+
+// A relative URI no scene names: "#" starts a fragment, not a file.
+std::string EmbeddedBufferUri(std::size_t buffer);
 
 }  // namespace vuk::rgw::adaptor::standalone

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -54,6 +55,9 @@ class SceneFolder {
   // The problem names neither the file's contents nor its size.
   bool Allow(const std::string& uri, std::string& problem);
 
+  // Data the parser reads by `uri` as if it were an allowed file, once.
+  void Embed(const std::string& uri, std::vector<unsigned char> bytes);
+
   // Callbacks for the parser that read nothing but the allowed files.
   tinygltf::FsCallbacks Callbacks();
   const std::string& Path() const { return path_; }
@@ -67,6 +71,7 @@ class SceneFolder {
   std::filesystem::path folder_;
   std::string path_;
   std::set<std::filesystem::path> allowed_;
+  std::map<std::string, std::vector<unsigned char>> embedded_;  // by the path the parser asks for
 };
 
 }  // namespace vuk::rgw::adaptor::standalone

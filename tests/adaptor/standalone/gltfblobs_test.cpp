@@ -10,6 +10,7 @@
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/gltfprune.h"
 #include "tests/adaptor/standalone/scenefiles.h"
+#include "util/base64.h"
 
 namespace vuk::rgw::adaptor::standalone {
 namespace {
@@ -62,6 +63,62 @@ INSTANTIATE_TEST_SUITE_P(Files, LongExtras,
                                          BlobCase{".glb", kBlobThreshold, true},
                                          BlobCase{".glb", 3 * kBlobThreshold + 2, false},
                                          BlobCase{".gltf", kBlobThreshold + 1, true}));
+
+// Quotes, backslashes, control characters and non-ASCII letters in a long
+// text come back as they were, however the text file escapes them.
+TEST(GltfBlobs, ALongTextWithEscapesReadsBackWhole) {
+  std::string text;
+  while (text.size() <= kBlobThreshold) text += "<a b=\"1\">\\ \n\t\x01 caf\xC3\xA9 \\\"</a>";
+  Scene scene;
+  scene.CreateNode(ObjectKind::kEmpty, "Tagged")->properties["RGT_tag"] = text;
+  std::string error;
+  const std::string path = Temp("escaped.gltf");
+  ASSERT_TRUE(GltfFile().Save(path, scene, &error)) << error;
+  Scene loaded;
+  ASSERT_TRUE(GltfFile().Load(path, loaded, &error)) << error;
+  EXPECT_EQ(loaded.Root().children.at(0)->properties["RGT_tag"], text);
+}
+
+// A mesh whose positions a long data URI holds: decoded whole, whichever
+// header names the bytes and whether the file escapes its slashes; a
+// character outside Base64 is refused.
+TEST(GltfBlobs, ALongDataUriIsDecodedWholeOrRefused) {
+  constexpr std::size_t kVertices = 6000;  // 72,000 bytes: past the threshold in Base64
+  std::vector<float> positions(3 * kVertices);
+  for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = static_cast<float>(i) * 0.25f - 100.0f;
+  const std::string base64 =
+      util::Base64::Encode(reinterpret_cast<const std::uint8_t*>(positions.data()), positions.size() * sizeof(float));
+  ASSERT_GT(base64.size(), kBlobThreshold);
+  struct Case {
+    std::string uri;
+    bool loads;
+  };
+  const std::string damaged = base64.substr(0, 40000) + "!" + base64.substr(40001);
+  const Case cases[] = {{"data:application/octet-stream;base64," + base64, true},
+                        {"data:application/gltf-buffer;base64," + base64, true},
+                        {"data:application\\/octet-stream;base64," + base64, true},
+                        {"data:application/octet-stream;base64," + damaged, false}};
+  for (const Case& c : cases) {
+    const std::string path = Temp("long_data_uri.gltf");
+    std::ofstream(path) << R"({"asset":{"version":"2.0"},"scenes":[{"nodes":[0]}],
+      "nodes":[{"name":"Cloud","mesh":0}],"meshes":[{"primitives":[{"attributes":{"POSITION":0}}]}],
+      "buffers":[{"byteLength":)" << positions.size() * sizeof(float) << R"(,"uri":")" << c.uri << R"("}],
+      "bufferViews":[{"buffer":0,"byteLength":)" << positions.size() * sizeof(float) << R"(}],
+      "accessors":[{"bufferView":0,"componentType":5126,"count":)" << kVertices << R"(,"type":"VEC3"}]})";
+    Scene scene;
+    std::string error;
+    ASSERT_EQ(GltfFile().Load(path, scene, &error), c.loads) << c.uri.substr(0, 40) << ": " << error;
+    if (!c.loads) {
+      EXPECT_NE(error.find("long_data_uri.gltf"), std::string::npos) << error;
+      continue;
+    }
+    const std::vector<util::Vector3<double>>& vertices = scene.Root().children.at(0)->mesh.vertices;
+    ASSERT_EQ(vertices.size(), kVertices);
+    for (std::size_t v = 0; v < kVertices; ++v) {
+      ASSERT_EQ(vertices[v], util::Vector3<double>(positions[3 * v], positions[3 * v + 1], positions[3 * v + 2])) << v;
+    }
+  }
+}
 
 // A property the scene dropped after a save is gone from the next save too,
 // with its bytes.
