@@ -239,11 +239,9 @@ void CAeroCam::Shake(double h) {
 void CAeroCam::Steer(const Matrix& body, const Matrix& target, double dt) {
   const double scale = params.dRelativeScale;
   const Vector x = body.Axis(0), y = body.Axis(1), z = body.Axis(2);
-  // Seen in perspective from a point two lengths ahead of the nose.
+  // In the body's frame, from a point two lengths ahead of the nose.
   const Vector aim = target.GetTranslation() - (body.GetTranslation() + z * (-2 * scale));
-  Vector seen{aim.Dot(x), aim.Dot(y), aim.Dot(z)};
-  const double w = 1 - 2 * scale * seen.z;
-  if (w != 0) seen = seen / w;
+  const Vector seen{aim.Dot(x), aim.Dot(y), aim.Dot(z)};
   const Vector flat{seen.x, 0, seen.z};
   const Vector u = flat.Normalized();
   const double radius = params.dIgnoreSphereRadius * scale;

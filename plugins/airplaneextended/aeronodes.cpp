@@ -138,9 +138,9 @@ void CAeroCamObject::CFollowCamNode::Create() {
   CreateCamera();
   present = {{0, 2, dDistance}, {}};
   present = stage = Wanted();
-  if (const TransformSnapshot snapshot = Transform(plane.iface->GetTime())) {
-    snapshot->SetWorldTransform(Matrix::FromPose(present));
-  }
+  const double now = plane.iface->GetTime();
+  if (const TransformSnapshot snapshot = Transform(now)) snapshot->SetWorldTransform(Matrix::FromPose(present));
+  if (const LensSnapshot lens = Lens(now)) lens->SetFOV(dFieldOfView);
 }
 
 void CAeroCamObject::CFollowCamNode::Settle(double time) {

@@ -82,7 +82,6 @@ void CAeroCamObject::ReadControls() {
 }
 
 void CAeroCamObject::Start(double time) {
-  bRunning = true;
   CAeroCam& core = cAeroCam;
   const bool resume = dStartTime < time && !history.IsEmpty();
   // Undoing the run takes back what it changed of the saved state.
@@ -155,7 +154,6 @@ void CAeroCamObject::MeasureParts(double time) {
 }
 
 void CAeroCamObject::Stop(double) {
-  bRunning = false;
   for (ToolNode* node : Helpers()) settings.helpers.Stop(node->handle);
 }
 

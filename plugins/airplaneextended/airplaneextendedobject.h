@@ -180,7 +180,7 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
     // Both stages where the camera stands at the time.
     void Settle(double time);
 
-    double dFieldOfView = 90;
+    double dFieldOfView = 90;  // degrees, given to the lens when the camera is made
     util::QTransform<double> present;
     util::QTransform<double> stage;  // the first stage
     double dAllDirectionsRotation = 0.2, dAllDirectionsTranslation = 0.3;
@@ -227,7 +227,6 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
   CAeroCam cAeroCam;
   AeroSettings settings;
   AeroHistory history;
-  bool bRunning = false;
   // Forw/backw speed given at the start, and whether it was not zero.
   double dInitialVelocity = 0;
   bool bStartWithNonzeroInitialVelocity = false;

@@ -156,6 +156,23 @@ TEST_F(Airplane, ControlSurfacesDeflectRawTimesMultiplierTimesAQuarterTurn) {
   }
 }
 
+// In autonomous mode the airplane steers after the TargetMesh: with the
+// target ahead and to the right it turns right, banks into the turn, and
+// closes in.
+TEST_F(Airplane, AutonomousModeFollowsTheTarget) {
+  tool.cAeroCam.params.bAutonomousMode = true;
+  Matrix<double> placed;
+  placed.SetTranslation({60, 0, -120});
+  harness.Transform(tool.target.handle, 0)->SetWorldTransform(placed);
+  Run(100, [](std::size_t, int) { return 0.0; });
+  const double start = placed.GetTranslation().Length();
+  const Matrix<double> body = tool.body.World(harness.TimeOf(100));
+  const Vector3<double> toTarget = placed.GetTranslation() - body.GetTranslation();
+  EXPECT_LT(toTarget.Length(), 0.2 * start);
+  EXPECT_GT(-body.Axis(2).x, 0.3);  // the nose has turned towards plus X
+  EXPECT_GT(body.Axis(1).x, 0.3);   // banked right
+}
+
 // The oldest scenes hold the bare settings structure: sixteen flag bytes,
 // each channel's response factor and maximum, then seven parameters.
 TEST_F(Airplane, ReadsTheBareSettingsStructureOfTheOldestScenes) {
