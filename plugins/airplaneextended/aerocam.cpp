@@ -35,6 +35,17 @@ std::size_t AutonomousMemoryOf(std::size_t channel) {
 // Uniform in [-0.5, 0.5), from its own counter.
 double CenteredNoise(std::uint32_t& counter) { return noise01(counter) - 0.5; }
 
+// An amplitude follows its channel while the channel is fed, and fades out
+// after it is let go.
+void FadeOrFollow(InputChannel& channel, double& amplitude, double fadeOut, double h) {
+  if (channel.raw == 0) {
+    channel.output = 0;
+    filterResponse(amplitude, 0, fadeOut, h);
+  } else {
+    amplitude = channel.output;
+  }
+}
+
 }  // namespace
 
 const std::array<AeroChannelText, kAeroChannelCount> kAeroChannelTexts = {{
@@ -212,23 +223,10 @@ void CAeroCam::Regulate(double h) {
 
 void CAeroCam::Shake(double h) {
   ++iTurbulenceCounter;
-  InputChannel& turbulence = channels[kTurbulence];
-  if (turbulence.raw == 0) {
-    turbulence.output = 0;
-    filterResponse(dTurbulenceMem, 0, params.dTurbulenceFadeOut, h);
-  } else {
-    dTurbulenceMem = turbulence.output;
-  }
+  FadeOrFollow(channels[kTurbulence], dTurbulenceMem, params.dTurbulenceFadeOut, h);
   vAngularVelocity +=
       Row(0) * (std::sin(params.dTurbulenceFrequency * kTwoPi * iTurbulenceCounter * h) * dTurbulenceMem);
-
-  InputChannel& shaker = channels[kShaker];
-  if (shaker.raw == 0) {
-    shaker.output = 0;
-    filterResponse(dShakeMem, 0, params.dShakerFadeOut, h);
-  } else {
-    dShakeMem = shaker.output;
-  }
+  FadeOrFollow(channels[kShaker], dShakeMem, params.dShakerFadeOut, h);
   const double first = CenteredNoise(iShakeCounter);
   const double second = CenteredNoise(iShakeCounter);
   const double third = CenteredNoise(iShakeCounter);

@@ -93,28 +93,24 @@ void CAeroCamObject::CTargetNode::Create() {
   WriteLocal(*this, owner->iface->GetTime(), Placed({0, 0, -30}));
 }
 
-template <typename Mesh>
-void CAeroCamObject::CPartNode<Mesh>::Create() {
-  CreateHelper(Mesh(), plane.body.handle);
+void CAeroCamObject::CTurningNode::CreatePart(const util::CMesh& mesh) {
+  CreateHelper(mesh, plane.body.handle);
   WriteLocal(*this, plane.iface->GetTime(), Placed(offset));
 }
 
-template <typename Mesh>
-typename CAeroCamObject::Quat CAeroCamObject::CPartNode<Mesh>::AxisTurn(double angle) const {
+CAeroCamObject::Quat CAeroCamObject::CTurningNode::AxisTurn(double angle) const {
   Vector unit;
   (axis == 0 ? unit.x : axis == 1 ? unit.y : unit.z) = 1;
   return Quat::FromAxisAngle(unit, angle);
 }
 
-template <typename Mesh>
-void CAeroCamObject::CPartNode<Mesh>::Measure(double time, double angle) {
+void CAeroCamObject::CTurningNode::Measure(double time, double angle) {
   const Matrix local = Local(time);
   base = AxisTurn(angle).Conjugate() * local.ToQuat();
   scale = {local.Axis(0).Length(), local.Axis(1).Length(), local.Axis(2).Length()};
 }
 
-template <typename Mesh>
-void CAeroCamObject::CPartNode<Mesh>::Turn(double time, double angle, double placeTime) const {
+void CAeroCamObject::CTurningNode::Turn(double time, double angle, double placeTime) const {
   Matrix local = Matrix::FromQuat(AxisTurn(angle) * base);
   local.SetAxis(0, local.Axis(0) * scale.x);
   local.SetAxis(1, local.Axis(1) * scale.y);
@@ -122,12 +118,6 @@ void CAeroCamObject::CPartNode<Mesh>::Turn(double time, double angle, double pla
   local.SetTranslation(Local(placeTime).GetTranslation());
   WriteLocal(*this, time, local);
 }
-
-template class CAeroCamObject::CPartNode<CAeroCamObject::CMesh_PropellerMesh>;
-template class CAeroCamObject::CPartNode<CAeroCamObject::CMesh_RudderMesh>;
-template class CAeroCamObject::CPartNode<CAeroCamObject::CMesh_ElevatorMesh>;
-template class CAeroCamObject::CPartNode<CAeroCamObject::CMesh_AileronRightMesh>;
-template class CAeroCamObject::CPartNode<CAeroCamObject::CMesh_AileronLeftMesh>;
 
 void CAeroCamObject::CCockpitCamNode::Create() {
   CreateCamera(plane.body.handle);

@@ -103,14 +103,13 @@ void AddAirplaneParameters(AeroPageWriter& page, AeroParameters& params) {
 
 void AddActuatorMultipliers(AeroPageWriter& page, AeroSettings& settings) {
   page.Group("Actuator Multipliers");
-  page.Number("Rudder Angle Mult", settings.dRudderAngleMult, -kHuge, kHuge, 0.001,
-              "Multiplies the Rudder by this factor");
-  page.Number("Elevator Angle Mult", settings.dElevatorAngleMult, -kHuge, kHuge, 0.001,
-              "Multiplies the Elevator by this factor");
-  page.Number("Right Aileron Angle Mult", settings.dRightAileronAngleMult, -kHuge, kHuge, 0.001,
-              "Multiplies the Right Aileron by this factor");
-  page.Number("Left Aileron Angle Mult", settings.dLeftAileronAngleMult, -kHuge, kHuge, 0.001,
-              "Multiplies the Left Aileron by this factor");
+  const std::pair<std::string, double*> multipliers[] = {{"Rudder", &settings.dRudderAngleMult},
+                                                         {"Elevator", &settings.dElevatorAngleMult},
+                                                         {"Right Aileron", &settings.dRightAileronAngleMult},
+                                                         {"Left Aileron", &settings.dLeftAileronAngleMult}};
+  for (const auto& [part, multiplier] : multipliers) {
+    page.Number(part + " Angle Mult", *multiplier, -kHuge, kHuge, 0.001, "Multiplies the " + part + " by this factor");
+  }
   page.EndGroup();
 }
 

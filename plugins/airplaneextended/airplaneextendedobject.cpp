@@ -139,18 +139,22 @@ double CAeroCamObject::StartSpeed(const PoseRecord& now, const PoseRecord& befor
   return settings.dInitialVelocityPercent / 100 * forward.maximum;
 }
 
+std::array<std::pair<CAeroCamObject::CTurningNode*, const CAeroCamObject::Surface*>, 8>
+CAeroCamObject::SurfaceNodes() {
+  return {{{&rudder, &surfaces[0]},
+           {&elevator, &surfaces[1]},
+           {&aileronLeft, &surfaces[2]},
+           {&aileronRight, &surfaces[3]},
+           {&rudder2, &surfaces[0]},
+           {&elevator2, &surfaces[1]},
+           {&aileronLeft2, &surfaces[2]},
+           {&aileronRight2, &surfaces[3]}}};
+}
+
 void CAeroCamObject::MeasureParts(double time) {
-  const double first = settings.bReverseFirstPropeller ? -dPropellerAngle : dPropellerAngle;
-  propeller.Measure(time, first);
+  propeller.Measure(time, settings.bReverseFirstPropeller ? -dPropellerAngle : dPropellerAngle);
   propeller2.Measure(time, dPropellerAngle);
-  rudder.Measure(time, surfaces[0].angle);
-  elevator.Measure(time, surfaces[1].angle);
-  aileronLeft.Measure(time, surfaces[2].angle);
-  aileronRight.Measure(time, surfaces[3].angle);
-  rudder2.Measure(time, surfaces[0].angle);
-  elevator2.Measure(time, surfaces[1].angle);
-  aileronLeft2.Measure(time, surfaces[2].angle);
-  aileronRight2.Measure(time, surfaces[3].angle);
+  for (const auto& [node, surface] : SurfaceNodes()) node->Measure(time, surface->angle);
 }
 
 void CAeroCamObject::Stop(double) {
@@ -187,7 +191,7 @@ void CAeroCamObject::Step(double time) {
   followCam.Update(time);
   history.Record(time, *this);
   UpdateGauges();
-  WriteGauges();
+  gauges.Write(*this);
   bFirstTime = false;
 }
 
@@ -196,14 +200,7 @@ void CAeroCamObject::UpdateSurfaces(double time, double dt) {
     const double wanted = cAeroCam.channels[surface.channel].raw * *surface.multiplier * surface.sign * 0.25;
     filterResponse(surface.angle, wanted, 0.3, dt);
   }
-  rudder.Turn(time, surfaces[0].angle);
-  elevator.Turn(time, surfaces[1].angle);
-  aileronLeft.Turn(time, surfaces[2].angle);
-  aileronRight.Turn(time, surfaces[3].angle);
-  rudder2.Turn(time, surfaces[0].angle);
-  elevator2.Turn(time, surfaces[1].angle);
-  aileronLeft2.Turn(time, surfaces[2].angle);
-  aileronRight2.Turn(time, surfaces[3].angle);
+  for (const auto& [node, surface] : SurfaceNodes()) node->Turn(time, surface->angle);
 }
 
 void CAeroCamObject::UpdatePropellers(double time, double dt) {
@@ -235,17 +232,8 @@ double CAeroCamObject::GaugeValue(std::size_t gauge) const {
   return gauge == kVelocity ? settings.dCurrentVelocity : settings.dCurrentVelocityPercent / 100;
 }
 
-void CAeroCamObject::WriteGauges() {
-  for (unidevice::Control* gauge : gauges) {
-    if (gauge) Extension(extension::kWriteGauge, gauge);
-  }
-}
-
 std::intptr_t CAeroCamObject::Extension(std::int32_t id, void* data) {
-  if (id != extension::kWriteGauge || !data) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    if (gauges[i] == data) gauges[i]->Update(GaugeValue(i));
-  }
+  if (id == extension::kWriteGauge && data) gauges.Update(data, [this](std::size_t i) { return GaugeValue(i); });
   return 0;
 }
 
@@ -254,15 +242,7 @@ std::vector<std::int32_t> CAeroCamObject::ExtensionIds() { return {extension::kW
 std::int32_t CAeroCamObject::BuildConfig() {
   for (InputChannel& channel : cAeroCam.channels) channel.Create(iface);
   BuildAeroPage(iface, this, cAeroCam, settings);
-  gauges.fill(nullptr);
-  if (!iface->HasExtension(extension::kMakeGauge)) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    GaugeDescription description{kGaugeNames[i], 0, input::kGauge, ""};
-    gauges[i] = reinterpret_cast<unidevice::Control*>(iface->Extension(extension::kMakeGauge, &description));
-    if (!gauges[i]) continue;
-    gauges[i]->previousValue = gauges[i]->value;
-    gauges[i]->value = 0;
-  }
+  gauges.Make(iface, kGaugeNames);
   return 0;
 }
 
@@ -281,9 +261,7 @@ void CAeroCamObject::Changed(std::string label) {
   bool* flag = nullptr;
   const std::vector<ToolNode*> switched = SwitchedNodes(change.label, flag);
   if (!switched.empty()) {
-    // One undo record for the switch; it replays onto every node.
-    ApplyHideSwitch(iface, this, change, switched.front()->handle, *flag);
-    for (std::size_t i = 1; i < switched.size(); ++i) SetHidden(switched[i]->handle, change.undo ? !*flag : *flag);
+    ApplyHideSwitchToAll(iface, this, change, switched, *flag);
     return;
   }
   if (change.IsReplay()) return;

@@ -13,6 +13,7 @@
 #include "plugins/airplaneextended/aerocam.h"
 #include "plugins/airplaneextended/aerohistory.h"
 #include "plugins/airplaneextended/aeropage.h"
+#include "plugins/common/toolgauges.h"
 #include "plugins/common/toolnode.h"
 #include "plugins/common/toolplugin.h"
 #include "sdk/cinterface.h"
@@ -94,12 +95,10 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
 
   // A part linked below the body that turns about one of its own axes, on
   // top of the turn it had when a run found it.
-  template <typename Mesh>
-  class CPartNode : public ToolNode {
+  class CTurningNode : public ToolNode {
    public:
-    CPartNode(CAeroCamObject& object, std::string nodeName, const Vector& place, int turnAxis)
+    CTurningNode(CAeroCamObject& object, std::string nodeName, const Vector& place, int turnAxis)
         : ToolNode(&object, std::move(nodeName)), plane(object), offset(place), axis(turnAxis) {}
-    void Create() override;
     // Keeps the base turn, the node's turn at the time less `angle` about its
     // axis, and its scale, which the run's keys then hold exactly.
     void Measure(double time, double angle);
@@ -108,15 +107,23 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
     void Turn(double time, double angle) const { Turn(time, angle, time); }
 
    protected:
-    CAeroCamObject& plane;
+    void CreatePart(const util::CMesh& mesh);
 
    private:
     Quat AxisTurn(double angle) const;
 
+    CAeroCamObject& plane;
     Vector offset;
     int axis;
     Quat base;
     Vector scale{1, 1, 1};
+  };
+
+  template <typename Mesh>
+  class CPartNode : public CTurningNode {
+   public:
+    using CTurningNode::CTurningNode;
+    void Create() override { CreatePart(Mesh()); }
   };
 
   class CPropellerNode : public CPartNode<CMesh_PropellerMesh> {
@@ -266,10 +273,12 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
   void UpdatePropellers(double time, double dt);
   // Each part's base turn, less the angle it has at the time.
   void MeasureParts(double time);
+  // Each surface's node with the surface it shows, in update order: the
+  // first copies, then the second.
+  std::array<std::pair<CTurningNode*, const Surface*>, 8> SurfaceNodes();
   void UpdateGauges();
-  void WriteGauges();
 
-  std::array<unidevice::Control*, kGaugeCount> gauges{};
+  ToolGauges<kGaugeCount> gauges;
 };
 
 using CAeroCamPlugin = CToolPlugin<CAeroCamObject>;
