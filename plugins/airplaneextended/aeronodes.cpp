@@ -5,6 +5,7 @@
 
 #include "plugins/airplaneextended/airplaneextendedobject.h"
 #include "plugins/common/filterresponse.h"
+#include "plugins/common/spinkeys.h"
 
 namespace vuk::rgw::addon {
 
@@ -110,13 +111,24 @@ void CAeroCamObject::CTurningNode::Measure(double time, double angle) {
   scale = {local.Axis(0).Length(), local.Axis(1).Length(), local.Axis(2).Length()};
 }
 
-void CAeroCamObject::CTurningNode::Turn(double time, double angle, double placeTime) const {
+void CAeroCamObject::CTurningNode::Turn(double time, double angle, const Vector& place) const {
   Matrix local = Matrix::FromQuat(AxisTurn(angle) * base);
   local.SetAxis(0, local.Axis(0) * scale.x);
   local.SetAxis(1, local.Axis(1) * scale.y);
   local.SetAxis(2, local.Axis(2) * scale.z);
-  local.SetTranslation(Local(placeTime).GetTranslation());
+  local.SetTranslation(place);
   WriteLocal(*this, time, local);
+}
+
+void CAeroCamObject::CTurningNode::Spin(double time, double dt, double former, double angle,
+                                        double largestTurn) const {
+  const SpinKeys extra = spinKeys(angle - former, largestTurn);
+  const Vector from = Place(time - dt), to = Place(time);
+  for (int i = 0; i < extra.count; ++i) {
+    const SpinKey& key = extra.keys[i];
+    Turn(time - dt * (1 - key.fraction), former + key.turn, from + (to - from) * key.fraction);
+  }
+  Turn(time, angle, to);
 }
 
 void CAeroCamObject::CCockpitCamNode::Create() {

@@ -4,6 +4,7 @@
 
 #include "plugins/common/filterresponse.h"
 #include "plugins/common/hideswitch.h"
+#include "plugins/common/spinkeys.h"
 #include "sdk/cvariablemodundo.h"
 
 namespace vuk::rgw::addon {
@@ -25,11 +26,11 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr std::array<const char*, CAeroCamObject::kGaugeCount> kGaugeNames = {"Current Velocity",
                                                                              "Current Velocity (% of max)"};
-// The largest turn of a propeller between two keys: just short of half a
-// turn, so that the host never interpolates the short way round. The two
-// differ, so that two propellers side by side don't strobe alike.
+// The largest turns of the two propellers between two keys: the first's a
+// hair below the shared one, so that two propellers side by side don't
+// strobe alike.
 constexpr double kFirstPropellerKeyTurn = 3.1101767270538954;
-constexpr double kSecondPropellerKeyTurn = 3.110487775831478;
+constexpr double kSecondPropellerKeyTurn = kLargestTurnPerKey;
 
 double Divided(double value, double by) { return by != 0 ? value / by : 0.0; }
 
@@ -208,12 +209,11 @@ void CAeroCamObject::UpdatePropellers(double time, double dt) {
   const bool steady = settings.bConstantPropellerSpeed || cAeroCam.params.bRelativeVelocityMode;
   const double wanted = steady ? -perFrame / 1.22 : perFrame * cAeroCam.channels[kForward].output / -1.22;
   filterResponse(dPropellerSpin, wanted, 0.7, dt);
+  const double former = dPropellerAngle;
   dPropellerAngle += dPropellerSpin;
   const double first = settings.bReverseFirstPropeller ? -1.0 : 1.0;
-  propeller.Turn(time, first * dPropellerAngle);
-  propeller2.Turn(time, dPropellerAngle);
-  (void)kFirstPropellerKeyTurn;
-  (void)kSecondPropellerKeyTurn;
+  propeller.Spin(time, dt, first * former, first * dPropellerAngle, kFirstPropellerKeyTurn);
+  propeller2.Spin(time, dt, former, dPropellerAngle, kSecondPropellerKeyTurn);
 }
 
 void CAeroCamObject::TimeChanged(double) { iface->UpdateConfig(); }

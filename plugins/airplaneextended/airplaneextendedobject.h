@@ -102,9 +102,15 @@ class CAeroCamObject : public CCamera, public CInterface::Callback {
     // Keeps the base turn, the node's turn at the time less `angle` about its
     // axis, and its scale, which the run's keys then hold exactly.
     void Measure(double time, double angle);
-    // Turned by `angle` from the base, at the place the node has at `placeTime`.
-    void Turn(double time, double angle, double placeTime) const;
-    void Turn(double time, double angle) const { Turn(time, angle, time); }
+    // Turned by `angle` from the base, at `place` in its parent.
+    void Turn(double time, double angle, const Vector& place) const;
+    void Turn(double time, double angle) const { Turn(time, angle, Place(time)); }
+    // Where the node stands in its parent at the time.
+    Vector Place(double time) const { return Local(time).GetTranslation(); }
+    // Turned by `angle` from `former` within the frame of length dt that
+    // ends at the time: a turn beyond `largestTurn` first gets keys inside
+    // the frame, at places between the frame's two.
+    void Spin(double time, double dt, double former, double angle, double largestTurn) const;
 
    protected:
     void CreatePart(const util::CMesh& mesh);

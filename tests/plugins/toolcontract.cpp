@@ -35,7 +35,7 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Rudder (Yaw Right/Left)", "Elevator (Pitch Up/Down)",
        "Aileron (Roll Right/Left)", "Horizontal Regulator", "Turbulence Amplitude", "Shaker Amplitude", "Brake All",
        "AfterBurner"},
-      9061789228158782424ull}},
+      2107079266276317678ull}},
 };
 
 constexpr int kTakeFrames = 60;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <functional>
 
+#include "adaptor/standalone/ticks.h"
 #include "plugins/airplaneextended/airplaneextendedobject.h"
 #include "tests/plugins/toolharness.h"
 #include "util/bytes.h"
@@ -172,6 +173,50 @@ TEST_F(Airplane, AutonomousModeFollowsTheTarget) {
   EXPECT_GT(-body.Axis(2).x, 0.3);  // the nose has turned towards plus X
   EXPECT_GT(body.Axis(1).x, 0.3);   // banked right
 }
+
+struct PropellerCase {
+  const char* name;
+  bool reverseFirst;
+  double firstSense, secondSense;  // the way each turns about its Z
+};
+
+class Propellers : public Airplane, public testing::WithParamInterface<PropellerCase> {};
+
+// At a constant 300 degrees a frame a propeller settles at 300 / 1.22 =
+// 245.9 degrees, 4.2918 rad, a frame: more than one key's largest turn, so
+// each frame gets one extra key where that turn is done, turning the way
+// the propeller is driven (minus Z, or plus for a reversed first one).
+TEST_P(Propellers, FasterThanTheKeyLimitGetExtraKeysTurningTheCommandedWay) {
+  tool.settings.bConstantPropellerSpeed = true;
+  tool.settings.dPropellerSpeed = 300;
+  tool.settings.bReverseFirstPropeller = GetParam().reverseFirst;
+  Run(60, [](std::size_t, int) { return 0.0; });
+  const double spin = 300 * kPi / 180 / 1.22;
+  const auto tick = [this](double time) { return adaptor::standalone::TicksFromSeconds(time); };
+  const double start = harness.TimeOf(59), end = harness.TimeOf(60);
+  const std::pair<ToolNode*, std::pair<double, double>> propellers[] = {
+      {&tool.propeller, {3.1101767270538954, GetParam().firstSense}},
+      {&tool.propeller2, {3.110487775831478, GetParam().secondSense}}};
+  for (const auto& [node, limit] : propellers) {
+    std::vector<adaptor::standalone::TransformKey> inside;
+    const adaptor::standalone::TransformKey* before = nullptr;
+    for (const auto& key : ToolHarness::KeysOf(node->handle)) {
+      if (key.tick == tick(start)) before = &key;
+      if (key.tick > tick(start) && key.tick < tick(end)) inside.push_back(key);
+    }
+    ASSERT_TRUE(before);
+    ASSERT_EQ(inside.size(), 1u) << node->name;
+    EXPECT_EQ(inside[0].tick, tick(end - harness.Frame() * (1 - limit.first / spin))) << node->name;
+    const Quat<double> turn = before->rotation.Conjugate() * inside[0].rotation;
+    EXPECT_NEAR(turn.Angle(), limit.first, 1e-6) << node->name;
+    EXPECT_GT(turn.z * limit.second, 0.0) << node->name;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Airplane, Propellers,
+                         testing::Values(PropellerCase{"AsBuilt", false, -1, -1},
+                                         PropellerCase{"FirstReversed", true, 1, -1}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // The oldest scenes hold the bare settings structure: sixteen flag bytes,
 // each channel's response factor and maximum, then seven parameters.
