@@ -247,7 +247,7 @@ void CCarCamObject::Step(double time) {
   }
   if (settings.bEnableSeamlessTransitions || essentialOnly) history.Record(time, *this);
   UpdateGauges();
-  WriteGauges();
+  gauges.Write(*this);
   bFreshRun = false;
 }
 
@@ -287,17 +287,8 @@ double CCarCamObject::GaugeValue(std::size_t gauge) const {
   }
 }
 
-void CCarCamObject::WriteGauges() {
-  for (unidevice::Control* gauge : gauges) {
-    if (gauge) Extension(extension::kWriteGauge, gauge);
-  }
-}
-
 std::intptr_t CCarCamObject::Extension(std::int32_t id, void* data) {
-  if (id != extension::kWriteGauge || !data) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    if (gauges[i] == data) gauges[i]->Update(GaugeValue(i));
-  }
+  if (id == extension::kWriteGauge && data) gauges.Update(data, [this](std::size_t i) { return GaugeValue(i); });
   return 0;
 }
 
@@ -309,15 +300,7 @@ std::int32_t CCarCamObject::BuildConfig() {
     if (inputControls[i]) inputControls[i]->exponent = kChannelExponent;
   }
   BuildCarPage(iface, this, cCarCam.params, cCarCam.inputs, settings);
-  gauges.fill(nullptr);
-  if (!iface->HasExtension(extension::kMakeGauge)) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    GaugeDescription description{kGaugeNames[i], 0, input::kGauge, ""};
-    gauges[i] = reinterpret_cast<unidevice::Control*>(iface->Extension(extension::kMakeGauge, &description));
-    if (!gauges[i]) continue;
-    gauges[i]->previousValue = gauges[i]->value;
-    gauges[i]->value = 0;
-  }
+  gauges.Make(iface, kGaugeNames);
   return 0;
 }
 
@@ -381,9 +364,7 @@ void CCarCamObject::Changed(std::string label) {
   bool* flag = nullptr;
   const std::vector<ToolNode*> switched = SwitchedNodes(change.label, flag);
   if (!switched.empty()) {
-    // One undo record for the switch; it replays onto every node.
-    ApplyHideSwitch(iface, this, change, switched.front()->handle, *flag);
-    for (std::size_t i = 1; i < switched.size(); ++i) SetHidden(switched[i]->handle, change.undo ? !*flag : *flag);
+    ApplyHideSwitchToAll(iface, this, change, switched, *flag);
     return;
   }
   if (change.IsReplay()) return;

@@ -8,7 +8,7 @@
 
 #include "plugins/carextended/carextendedobject.h"
 #include "plugins/common/filterresponse.h"
-#include "plugins/common/vehicle/wheelkeys.h"
+#include "plugins/common/spinkeys.h"
 
 namespace vuk::rgw::addon {
 
@@ -188,11 +188,12 @@ void CCarCamObject::CWheelNode::WriteTurn(double time) {
   const CCarCam& core = car.cCarCam;
   const CarWheel& wheel = core.wheels[index];
   const double dt = car.iface->GetFrameDuration();
-  const ExtraWheelKeys extra = extraWheelKeys(wheel.totalPitchFormer, wheel.pitchTurn, formerYaw, wheel.yaw);
+  const SpinKeys extra = spinKeys(wheel.pitchTurn);
   for (int k = 0; k < extra.count; ++k) {
-    const WheelKey& key = extra.keys[k];
-    const Rotation turned = Rotation::FromAxisAngle({1, 0, 0}, key.pitch) *
-                            Rotation::FromAxisAngle({0, 1, 0}, key.yaw) * core.ChassisRotation();
+    const SpinKey& key = extra.keys[k];
+    const double yaw = formerYaw + key.fraction * (wheel.yaw - formerYaw);
+    const Rotation turned = Rotation::FromAxisAngle({1, 0, 0}, wheel.totalPitchFormer + key.turn) *
+                            Rotation::FromAxisAngle({0, 1, 0}, yaw) * core.ChassisRotation();
     WritePose(time - dt * (1 - key.fraction), formerPosition + (position - formerPosition) * key.fraction, turned);
   }
   WritePose(time, position, core.WheelRotation(index));

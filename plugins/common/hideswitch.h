@@ -44,5 +44,13 @@ struct HelperSwitches {
 // the flag, redo with it.
 void ApplyHideSwitch(CInterface* iface, CInterface::Callback* tool, const ConfigChange& change, CNode* node,
                      bool hidden);
+// The same for a switch over several tool nodes (each with a `handle`): one
+// record, which replays onto all of them.
+template <typename Nodes>
+void ApplyHideSwitchToAll(CInterface* iface, CInterface::Callback* tool, const ConfigChange& change,
+                          const Nodes& nodes, bool hidden) {
+  ApplyHideSwitch(iface, tool, change, nodes.front()->handle, hidden);
+  for (std::size_t i = 1; i < nodes.size(); ++i) SetHidden(nodes[i]->handle, change.undo ? !hidden : hidden);
+}
 
 }  // namespace vuk::rgw::addon

@@ -31,6 +31,11 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
+    {"AirplaneExt",
+     {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Rudder (Yaw Right/Left)", "Elevator (Pitch Up/Down)",
+       "Aileron (Roll Right/Left)", "Horizontal Regulator", "Turbulence Amplitude", "Shaker Amplitude", "Brake All",
+       "AfterBurner"},
+      2107079266276317678ull}},
 };
 
 constexpr int kTakeFrames = 60;

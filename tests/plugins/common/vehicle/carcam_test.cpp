@@ -6,8 +6,8 @@
 #include <cstring>
 #include <vector>
 
+#include "plugins/common/spinkeys.h"
 #include "plugins/common/vehicle/carnoise.h"
-#include "plugins/common/vehicle/wheelkeys.h"
 #include "tests/plugins/common/vehicle/flatground.h"
 #include "tests/support/allocationcount.h"
 
@@ -243,14 +243,15 @@ TEST(CarCam, AFastWheelsKeysNeverTurnMoreThanTheLargestTurn) {
     Apply(car, {1.0, 0.2, 0});
     ground.Frame(car, 0.04);
     for (const CarWheel& wheel : car.wheels) {
-      const ExtraWheelKeys extra = extraWheelKeys(wheel.totalPitchFormer, wheel.pitchTurn, wheel.yawFormer, wheel.yaw);
+      const SpinKeys extra = spinKeys(wheel.pitchTurn);
       double former = wheel.totalPitchFormer;
       for (int k = 0; k < extra.count; ++k) {
-        ASSERT_LE(std::fabs(extra.keys[k].pitch - former), kLargestWheelTurnPerKey + kKeyRounding) << i;
-        former = extra.keys[k].pitch;
+        const double pitch = wheel.totalPitchFormer + extra.keys[k].turn;
+        ASSERT_LE(std::fabs(pitch - former), kLargestTurnPerKey + kKeyRounding) << i;
+        former = pitch;
       }
       const double real = wheel.totalPitchFormer + wheel.pitchTurn;
-      ASSERT_LE(std::fabs(real - former), kLargestWheelTurnPerKey + kKeyRounding) << i;
+      ASSERT_LE(std::fabs(real - former), kLargestTurnPerKey + kKeyRounding) << i;
       // The frame's own key is the wheel's pitch, up to whole turns.
       ASSERT_NEAR(std::remainder(real - wheel.totalPitch, 2 * kPi), 0.0, 1e-9);
       extraKeys += extra.count;
@@ -258,34 +259,6 @@ TEST(CarCam, AFastWheelsKeysNeverTurnMoreThanTheLargestTurn) {
   }
   EXPECT_GT(extraKeys, 100);
 }
-
-struct KeysCase {
-  double formerPitch, turn, formerYaw, yaw;
-  std::vector<WheelKey> expected;
-};
-
-class ExtraKeys : public testing::TestWithParam<KeysCase> {};
-
-TEST_P(ExtraKeys, OneForEachLargestTurnAtItsShareOfTheFrame) {
-  const KeysCase& c = GetParam();
-  const ExtraWheelKeys keys = extraWheelKeys(c.formerPitch, c.turn, c.formerYaw, c.yaw);
-  ASSERT_EQ(keys.count, static_cast<int>(c.expected.size()));
-  for (int k = 0; k < keys.count; ++k) {
-    EXPECT_DOUBLE_EQ(keys.keys[k].fraction, c.expected[k].fraction) << k;
-    EXPECT_DOUBLE_EQ(keys.keys[k].pitch, c.expected[k].pitch) << k;
-    EXPECT_DOUBLE_EQ(keys.keys[k].yaw, c.expected[k].yaw) << k;
-  }
-}
-
-// Worked out by hand with the largest turn t = 3.110487775831478.
-INSTANTIATE_TEST_SUITE_P(
-    Turns, ExtraKeys,
-    testing::Values(KeysCase{1.0, 3.0, 0.0, 0.5, {}},                           // below t: none
-                    KeysCase{1.0, 3.110487775831478, 0.0, 0.5, {}},             // exactly t: none
-                    KeysCase{0.0, -4.0, 0.0, 0.4, {{0.7776219439578695, -3.110487775831478, 0.31104877758314786}}},
-                    KeysCase{2.0, 7.0, 0.2, -0.2,
-                             {{0.444355396547354, 5.110487775831478, 0.022257841381058407},
-                              {0.888710793094708, 8.220975551662956, -0.1554843172378832}}}));
 
 TEST(CarCam, SubStepsOfAFrame) {
   struct Case {
