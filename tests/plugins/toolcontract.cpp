@@ -31,6 +31,10 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
+    {"Helicopter",
+     {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Yaw Speed (Right/Left)", "Brake All",
+       "Wind Turbulence Strength"},
+      13603417874290082027ull}},
 };
 
 constexpr int kTakeFrames = 60;
