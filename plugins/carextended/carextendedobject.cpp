@@ -247,7 +247,7 @@ void CCarCamObject::Step(double time) {
   }
   if (settings.bEnableSeamlessTransitions || essentialOnly) history.Record(time, *this);
   UpdateGauges();
-  WriteGauges();
+  gauges.WriteAll(*this);
   bFreshRun = false;
 }
 
@@ -287,17 +287,8 @@ double CCarCamObject::GaugeValue(std::size_t gauge) const {
   }
 }
 
-void CCarCamObject::WriteGauges() {
-  for (unidevice::Control* gauge : gauges) {
-    if (gauge) Extension(extension::kWriteGauge, gauge);
-  }
-}
-
 std::intptr_t CCarCamObject::Extension(std::int32_t id, void* data) {
-  if (id != extension::kWriteGauge || !data) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    if (gauges[i] == data) gauges[i]->Update(GaugeValue(i));
-  }
+  gauges.Write(id, data, [this](std::size_t gauge) { return GaugeValue(gauge); });
   return 0;
 }
 
@@ -309,15 +300,7 @@ std::int32_t CCarCamObject::BuildConfig() {
     if (inputControls[i]) inputControls[i]->exponent = kChannelExponent;
   }
   BuildCarPage(iface, this, cCarCam.params, cCarCam.inputs, settings);
-  gauges.fill(nullptr);
-  if (!iface->HasExtension(extension::kMakeGauge)) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    GaugeDescription description{kGaugeNames[i], 0, input::kGauge, ""};
-    gauges[i] = reinterpret_cast<unidevice::Control*>(iface->Extension(extension::kMakeGauge, &description));
-    if (!gauges[i]) continue;
-    gauges[i]->previousValue = gauges[i]->value;
-    gauges[i]->value = 0;
-  }
+  gauges.Make(iface, kGaugeNames);
   return 0;
 }
 

@@ -14,6 +14,7 @@
 #include "plugins/carextended/carhistory.h"
 #include "plugins/carextended/carpage.h"
 #include "plugins/common/saveddata.h"
+#include "plugins/common/toolgauges.h"
 #include "plugins/common/toolnode.h"
 #include "plugins/common/toolplugin.h"
 #include "plugins/common/vehicle/carcam.h"
@@ -323,12 +324,11 @@ class CCarCamObject : public CCamera, public CInterface::Callback {
   // With the car's speed in L per second.
   void UpdateGauges(double velocity);
   void ReadInputs();
-  void WriteGauges();
   // "Use Fast Ray Cast" or "Store Ground Mesh Data" changed.
   void ChangeGroundOption(const std::string& label);
 
   std::array<CInterface::Property*, kCarInputCount> inputControls{};
-  std::array<unidevice::Control*, kGaugeCount> gauges{};
+  ToolGauges<kGaugeCount> gauges;
   // The channels' response factors as the run found them.
   std::array<double, kCarInputCount> responseFactors{};
 };

@@ -121,7 +121,7 @@ void CHeliCamObject::Step(double time) {
   tailRotor.Update(time);
   followCam.Update(time);
   history.Record(time, plant, followCam.firstStage);
-  WriteGauges();
+  gauges.WriteAll(*this);
   bFirstTime = false;
 }
 
@@ -140,17 +140,8 @@ double CHeliCamObject::GaugeValue(std::size_t gauge) const {
   }
 }
 
-void CHeliCamObject::WriteGauges() {
-  for (unidevice::Control* gauge : gauges) {
-    if (gauge) Extension(extension::kWriteGauge, gauge);
-  }
-}
-
 std::intptr_t CHeliCamObject::Extension(std::int32_t id, void* data) {
-  if (id != extension::kWriteGauge || !data) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    if (gauges[i] == data) gauges[i]->Update(GaugeValue(i));
-  }
+  gauges.Write(id, data, [this](std::size_t gauge) { return GaugeValue(gauge); });
   return 0;
 }
 
@@ -195,12 +186,7 @@ std::int32_t CHeliCamObject::BuildConfig() {
                     &dTailRotorSpeed, -1e16, 1e16, 0.1, 1, false, 0, nullptr);
   iface->EndGroup();
   iface->EndConfig();
-  gauges.fill(nullptr);
-  if (!iface->HasExtension(extension::kMakeGauge)) return 0;
-  for (std::size_t i = 0; i < kGaugeCount; ++i) {
-    GaugeDescription description{kGaugeNames[i], 0, input::kGauge, ""};
-    gauges[i] = reinterpret_cast<unidevice::Control*>(iface->Extension(extension::kMakeGauge, &description));
-  }
+  gauges.Make(iface, kGaugeNames);
   return 0;
 }
 

@@ -12,6 +12,7 @@
 
 #include "plugins/common/hideswitch.h"
 #include "plugins/common/saveddata.h"
+#include "plugins/common/toolgauges.h"
 #include "plugins/common/toolnode.h"
 #include "plugins/common/toolplugin.h"
 #include "plugins/common/vehicle/helicopterplant.h"
@@ -175,10 +176,9 @@ class CHeliCamObject : public CCamera, public CInterface::Callback {
   void ApplyHideStates();
   void SetHelpersHidden(bool hidden);
   void ReadInputs();
-  void WriteGauges();
 
   std::array<CInterface::Property*, HelicopterPlant::kChannelCount> inputControls{};
-  std::array<unidevice::Control*, kGaugeCount> gauges{};
+  ToolGauges<kGaugeCount> gauges;
 };
 
 using CHeliCamPlugin = CToolPlugin<CHeliCamObject>;
