@@ -78,7 +78,8 @@ bool HelicopterHistory::LoadFrom(const util::DataChunk& chunk) {
   });
   // All agree frame by frame; a partial history would restart wrongly.
   const std::size_t frames = loaded.yaw_.records.size();
-  ForEach(loaded, [&](const char*, const auto& history, int) { complete = complete && history.records.size() == frames; });
+  ForEach(loaded,
+          [&](const char*, const auto& history, int) { complete = complete && history.records.size() == frames; });
   if (complete) *this = std::move(loaded);
   return complete;
 }

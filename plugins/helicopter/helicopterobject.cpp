@@ -153,8 +153,7 @@ std::int32_t CHeliCamObject::BuildConfig() {
   }
   iface->BeginConfig();
   iface->BeginGroup("General Modes", "");
-  iface->AddButton(kInitialize, "Resets the helicopter: the next recording starts at rest from the body's pose.",
-                   this);
+  iface->AddButton(kInitialize, "Resets the helicopter: the next recording starts at rest from the body's pose.", this);
   helpers.AddTo(iface, this);
   iface->AddCheckBox(kHideCockpitCamera, kHideCockpitCamera, &bHideCockpitCam, this);
   iface->AddCheckBox(kHideFollowCamera, kHideFollowCamera, &bHideFollowCam, this);
@@ -173,8 +172,8 @@ std::int32_t CHeliCamObject::BuildConfig() {
   iface->BeginGroup("Input Property Parameters", "");
   for (PlantChannel& channel : plant.channels) {
     const std::string name = channel.name;
-    iface->AddSpinner(name + ": Response Factor", "How quickly the channel follows its input.",
-                      &channel.responseFactor, 0, 1, 0.001, 1, false, 0, nullptr);
+    iface->AddSpinner(name + ": Response Factor", "How quickly the channel follows its input.", &channel.responseFactor,
+                      0, 1, 0.001, 1, false, 0, nullptr);
     iface->AddSpinner(name + ": Maximum", "The value a full input asks for.", &channel.maximum, -1e16, 1e16, 0.001, 1,
                       false, 0, nullptr);
   }
@@ -227,9 +226,8 @@ std::int32_t CHeliCamObject::Load() {
     in.Get(channel.maximum);
   }
   bFirstTime = (*firstTime)[0] != 0;
-  ForEachValue(*this, [&](const char* key, double& value) {
-    util::ByteReader(*SavedData::Child(chunk, key, 8)).Get(value);
-  });
+  ForEachValue(*this,
+               [&](const char* key, double& value) { util::ByteReader(*SavedData::Child(chunk, key, 8)).Get(value); });
   return 0;
 }
 

@@ -1,10 +1,9 @@
-#include "plugins/helicopter/helicopterobject.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "plugins/common/spinkeys.h"
+#include "plugins/helicopter/helicopterobject.h"
 #include "tests/plugins/toolharness.h"
 
 namespace vuk::rgw::addon {
@@ -114,9 +113,11 @@ TEST_P(RotorSpin, FastRotorsGetExtraKeysThatTurnTheCommandedWay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rotors, RotorSpin,
-                         testing::Values(SpinCase{"main", 90, 1}, SpinCase{"main", 400, 3},
-                                         SpinCase{"tail", -178, 1}, SpinCase{"tail", -1000, 6}),
-                         [](const testing::TestParamInfo<SpinCase>& info) { return std::string(info.param.rotor) + std::to_string(info.index); });
+                         testing::Values(SpinCase{"main", 90, 1}, SpinCase{"main", 400, 3}, SpinCase{"tail", -178, 1},
+                                         SpinCase{"tail", -1000, 6}),
+                         [](const testing::TestParamInfo<SpinCase>& info) {
+                           return std::string(info.param.rotor) + std::to_string(info.index);
+                         });
 
 TEST_F(Helicopter, AnOldSceneFindsItsFollowCameraUnderTheFormerName) {
   harness.Instance().FindNode("FollowCam")->name = "HeliCam";
