@@ -36,6 +36,10 @@ const std::map<std::string, Pinned> kPinned = {
        "Aileron (Roll Right/Left)", "Horizontal Regulator", "Turbulence Amplitude", "Shaker Amplitude", "Brake All",
        "AfterBurner"},
       2107079266276317678ull}},
+    {"Helicopter",
+     {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Yaw Speed (Right/Left)", "Brake All",
+       "Wind Turbulence Strength"},
+      13603417874290082027ull}},
 };
 
 constexpr int kTakeFrames = 60;

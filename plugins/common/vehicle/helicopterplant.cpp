@@ -14,9 +14,9 @@ using util::Vector3;
 
 constexpr double kMinScale = 1e-08;
 constexpr double kMaxScale = 1e+16;
-constexpr double kAirResistance = 0.003;
 constexpr double kWindFilter = 0.01;
 constexpr int kSettleRuns = 100;
+constexpr std::uint32_t kWindSeed = 1;
 
 // The regulator's frame is the scene's X, Y, Z turned to (-Z, -X, Y): its
 // first axis is the body's nose (-Z), its third is up.
@@ -46,6 +46,7 @@ void HelicopterPlant::reset(const PoseRecord& now, const PoseRecord& before, con
   rotation_ = poses_.Current().rotation;
 
   wind_ = {};
+  random_.Seed(kWindSeed);
   const Vector3<double> modelPosition = toRegulator(position_ / scale_);
   regulator.restart(modelPosition);
   for (int i = 0; i < kChannelCount; ++i) {
@@ -107,7 +108,9 @@ void HelicopterPlant::inputStage(double dt) {
     double noise = 0;
     if (!braking) {
       noise = channels[kWind].value * (i == kUpDown ? 0.3 : 1.0);
-      for (int draw = 0; draw < 5; ++draw) noise *= uniformNoise(random_);
+      double gust = 1;
+      for (int draw = 0; draw < 5; ++draw) gust *= uniformNoise(random_);
+      noise *= std::copysign(std::pow(std::fabs(gust), windIrregularity), gust);
     }
     filterResponse(wind_[i], noise, kWindFilter, dt);
     input[i] += wind_[i];
@@ -137,7 +140,7 @@ void HelicopterPlant::stepOnce(double dt) {
   // 2. The thrust acts along the body's up axis.
   const double lift = thrusters_[0] + thrusters_[1] + thrusters_[2] + thrusters_[3];
   Vector3<double> acceleration = rotation_.Rotate({0, lift / p.mass, 0}) + externalForce / p.mass;
-  acceleration -= velocity_ * (kAirResistance * velocity_.Length());
+  acceleration -= velocity_ * (airResistance * velocity_.Length());
   acceleration.y -= p.gravity;
   velocity_ += acceleration * dt;
 

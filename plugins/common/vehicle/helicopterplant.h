@@ -47,7 +47,8 @@ class HelicopterPlant {
 
   HelicopterPlant();
 
-  // Rebuilds the plant from three past poses (newest first), dt apart.
+  // Rebuilds the plant from three past poses (newest first), dt apart. The
+  // wind starts over: its filters and its generator.
   void reset(const PoseRecord& now, const PoseRecord& before, const PoseRecord& earlier,
              const PlantInputRecord& record, double dt);
   // One frame in equal sub-steps of at most 0.013 s.
@@ -76,6 +77,11 @@ class HelicopterPlant {
   std::array<PlantChannel, kChannelCount> channels;
   util::Vector3<double> externalForce;   // world
   util::Vector3<double> externalTorque;  // world
+  // The drag is this times the speed, times the velocity.
+  double airResistance = 0.003;
+  // The wind's noise is raised to this power, sign kept: above 1 most gusts
+  // fade and a few stay strong.
+  double windIrregularity = 1.0;
 
  private:
   void inputStage(double dt);
