@@ -24,6 +24,13 @@ struct Pinned {
 };
 const std::map<std::string, Pinned> kPinned = {
     {"LookAtCam", {{}, 18361497430993571376ull}},
+    {"SoftMotionCam",
+     {{"Spinner: Translation Response Factor", "Spinner: Rotation Response Factor"}, 11161823820767269405ull}},
+    {"MotionFilterCam",
+     {{"Spinner: Translation Response Factor", "Spinner: Translation Smoothing Factor",
+       "Spinner: Translation Max Velocity", "Spinner: Rotation Response Factor", "Spinner: Rotation Smoothing Factor",
+       "Spinner: Rotation Max Velocity"},
+      13029045060245173665ull}},
     {"1DPositioner",
      {{"Position", "Spinner: Position Response Factor", "Spinner: Position Maximum", "Spinner: Position Change Limit"},
       17204771284010365527ull}},
