@@ -31,6 +31,11 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
+    {"HumanizerCam",
+     {{"Shaker Amplitude", "Spinner: Shake Multiplier", "Spinner: Yaw Shake", "Spinner: Pitch Shake",
+       "Spinner: Roll Shake", "Spinner: Damping Factor", "Spinner: Irregularity", "Spinner: Shaker Threshold",
+       "Spinner: Shaker Amplitude Response Factor", "Spinner: Shaker Amplitude Maximum"},
+      5416381138553233614ull}},
 };
 
 constexpr int kTakeFrames = 60;
