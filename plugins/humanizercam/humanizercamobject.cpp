@@ -1,11 +1,7 @@
 #include "plugins/humanizercam/humanizercamobject.h"
 
-#include <cmath>
-#include <limits>
-#include <type_traits>
-
 #include "plugins/common/hideswitch.h"
-#include "sdk/cvariablemodundo.h"
+#include "plugins/common/toolhistory.h"
 #include "util/bytes.h"
 
 namespace vuk::rgw::addon {
@@ -55,13 +51,7 @@ void HumanizerHistory::Record(double t, const HumanizerCamSim& sim) {
 }
 
 void HumanizerHistory::RewindTo(double t, double dt, std::uint32_t seed, HumanizerCamSim& sim, CInterface& tool) {
-  // Runs step the times a recording stepped, so a run from t finds that
-  // frame's record at exactly t.
-  const double after = std::nextafter(t, std::numeric_limits<double>::infinity());
-  ForEach(*this, [after, &tool](const char*, auto& history) {
-    tool.PushUndo(new CVariableModUndo<std::decay_t<decltype(history)>>(&history));
-    history.RemoveFrom(after);
-  });
+  ForEach(*this, [t, &tool](const char*, auto& history) { CutHistoryAfter(t, history, tool); });
   if (stage_.records.empty()) {
     sim.Resume({}, {}, 0, seed, dt);
     return;
@@ -71,20 +61,14 @@ void HumanizerHistory::RewindTo(double t, double dt, std::uint32_t seed, Humaniz
 }
 
 void HumanizerHistory::SaveTo(util::DataChunk& chunk) const {
-  ForEach(*this, [&chunk](const char* key, const auto& history) {
-    util::Bytes block(history.GetSaveSize());
-    history.Save(block.data(), static_cast<std::uint32_t>(block.size()));
-    chunk.AddChild(key, std::move(block));
-  });
+  ForEach(*this, [&chunk](const char* key, const auto& history) { SaveHistoryEntry(chunk, key, history); });
 }
 
 bool HumanizerHistory::LoadFrom(const util::DataChunk& chunk) {
   HumanizerHistory loaded;
   bool complete = true;
-  ForEach(loaded, [&](const char* key, auto& history) {
-    const util::DataChunk* entry = chunk.FindChild(key);
-    complete = complete && entry && history.Load(entry->data.data(), entry->data.size());
-  });
+  ForEach(loaded,
+          [&](const char* key, auto& history) { complete = complete && LoadHistoryEntry(chunk, key, history); });
   const std::size_t frames = loaded.stage_.records.size();
   ForEach(loaded, [&](const char*, auto& history) { complete = complete && history.records.size() == frames; });
   if (complete) *this = std::move(loaded);

@@ -43,8 +43,8 @@ class HumanizerCamSim {
   // Takes up a run from the state a frame of dt left: the shake's two filter
   // stages, the channel's output and the generator. The ring is filled with
   // the rotation that frame wrote, whose axes the next impulses follow.
-  void Resume(const util::Vector3<double>& stageMemory, const util::Vector3<double>& shakeOutput,
-              double channelOutput, std::uint32_t randomState, double dt);
+  void Resume(const util::Vector3<double>& stageMemory, const util::Vector3<double>& shakeOutput, double channelOutput,
+              std::uint32_t randomState, double dt);
 
   double Value(Parameter parameter) const { return parameters[parameter].value; }
   // The shake rotation of an angular velocity held for dt.
