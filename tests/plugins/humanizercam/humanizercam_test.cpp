@@ -53,17 +53,17 @@ class HumanizerCam : public testing::Test {
   // The keys the tool wrote: the start frame's is the host's, which keys a
   // rig where it stands when a take begins.
   std::uint64_t KeysHash() {
-    const testing_support::Keys &keys = ToolHarness::KeysOf(tool.cameraNode.handle);
+    const testing_support::Keys& keys = ToolHarness::KeysOf(tool.cameraNode.handle);
     return HashOf({keys.begin() + 1, keys.end()});
   }
 
   ToolHarness harness{"HumanizerCam"};
-  CHumanizerCamObject &tool = harness.Tool<CHumanizerCamObject>();
+  CHumanizerCamObject& tool = harness.Tool<CHumanizerCamObject>();
   Matrix<double> base;
 };
 
 TEST_F(HumanizerCam, IsOneCameraWithAShakerChannelOfExponent13) {
-  EXPECT_EQ(harness.ToolNodes(), std::vector<CNode *>{tool.cameraNode.handle});
+  EXPECT_EQ(harness.ToolNodes(), std::vector<CNode*>{tool.cameraNode.handle});
   EXPECT_EQ(tool.cameraNode.handle->name, "HumanizerCam");
   EXPECT_EQ(harness.Instance().GetToolPlugin()->GetPath(), "humanizercam");
   EXPECT_EQ(harness.Instance().FindInput("Shaker Amplitude")->exponent, 1.3);
