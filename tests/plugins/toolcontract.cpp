@@ -47,6 +47,11 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Yaw Speed (Right/Left)", "Brake All",
        "Wind Turbulence Strength"},
       13603417874290082027ull}},
+    {"HumanizerCam",
+     {{"Shaker Amplitude", "Spinner: Shake Multiplier", "Spinner: Yaw Shake", "Spinner: Pitch Shake",
+       "Spinner: Roll Shake", "Spinner: Damping Factor", "Spinner: Irregularity", "Spinner: Shaker Threshold",
+       "Spinner: Shaker Amplitude Response Factor", "Spinner: Shaker Amplitude Maximum"},
+      5416381138553233614ull}},
 };
 
 constexpr int kTakeFrames = 60;
