@@ -74,11 +74,14 @@ void CHorrorCamObject::CHorrorCamNode::Update(double time) {
     lens->SetTargetDistance(targetDistance);
     lens->SetFOV(fov);
   }
-  // Along the camera's local Z by a share of the distance per frame; the
-  // pose is for the next frame, and its scale isn't kept.
+  // A fiftieth of the distance per frame and unit of output, forwards (down
+  // minus Z) for a positive one.
+  MoveAhead(time, (distance / -50) * channel.output);
+}
+
+void CHorrorCamObject::CHorrorCamNode::MoveAhead(double time, double step) {
   const util::Matrix<double> local = Local(time);
   const util::Quat<double> rotation = local.ToQuat();
-  const double step = (distance / -50) * channel.output;
   const util::Vector3<double> position =
       local.GetTranslation() + util::Matrix<double>::FromQuat(rotation).Axis(2) * step;
   if (const TransformSnapshot snapshot = Transform(time + owner->iface->GetFrameDuration())) {
@@ -114,6 +117,9 @@ void CHorrorCamObject::Start(double time) {
   if (!history.RewindTo(time, channel, cameraNode, *iface)) {
     cameraNode.Measure(time);
     channel.stage = channel.output = 0;
+    // The start frame isn't stepped: its pose goes one frame ahead as a step
+    // at rest would write it, so that the first step reads a keyed pose.
+    cameraNode.MoveAhead(time, 0);
   }
   helpers.Start(targetNode.handle);
 }

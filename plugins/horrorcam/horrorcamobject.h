@@ -35,6 +35,9 @@ class CHorrorCamObject : public CCamera, public CInterface::Callback {
     // Zooms to keep the framed size at this frame's distance, and moves the
     // camera along its view axis for the next frame by the channel's output.
     void Update(double time) override;
+    // Writes the camera's pose at the time, moved along its local Z by the
+    // step, one frame later; its scale isn't kept.
+    void MoveAhead(double time, double step);
 
     double fov = 45;  // degrees
     // Half the width the lens frames at the target's distance.

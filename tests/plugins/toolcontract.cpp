@@ -31,6 +31,9 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
+    {"AutoZoomCam",
+     {{"Forw/Backw Transl", "Spinner: Forw/Backw Transl Response Factor", "Spinner: Forw/Backw Transl Maximum"},
+      2952556554671708385ull}},
 };
 
 constexpr int kTakeFrames = 60;
