@@ -167,21 +167,16 @@ std::int32_t CHorrorCamObject::BuildConfig() {
 
 std::int32_t CHorrorCamObject::Create() {
   // The camera's create step reads the target's position.
-  targetNode.Create();
-  cameraNode.Create();
-  if (cameraNode.handle) cameraNode.handle->Select();
-  iface->UpdateConfig();
+  CreateNodes(iface, {&targetNode, &cameraNode});
   return 0;
 }
 
 std::int32_t CHorrorCamObject::Load() {
-  cameraNode.Find();
-  targetNode.Find();
-  if (!cameraNode.handle || !targetNode.handle) return 1;
+  // The camera first, then its target.
+  if (!FindNodes({&cameraNode, &targetNode})) return 1;
   targetNode.RefreshHelper();
-  std::int32_t length = 0;
-  const std::uint8_t* bytes = iface->GetSaveData(&length);
-  if (!bytes || length != kSavedSize) return 1;
+  const std::uint8_t* bytes = SavedBytes(iface, kSavedSize);
+  if (!bytes) return 1;
   const util::Bytes saved(bytes, bytes + kSavedSize);
   util::ByteReader in(saved);
   std::uint8_t flags[3] = {};
