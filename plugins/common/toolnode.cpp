@@ -41,4 +41,26 @@ void ToolNode::RefreshHelper() {
   if (handle) handle->Extension(extension::kNodeRefresh, nullptr);
 }
 
+void CreateNodes(CInterface* iface, std::initializer_list<ToolNode*> nodes) {
+  CNode* last = nullptr;
+  for (ToolNode* node : nodes) {
+    node->Create();
+    last = node->handle;
+  }
+  if (last) last->Select();
+  iface->UpdateConfig();
+}
+
+bool FindNodes(std::initializer_list<ToolNode*> nodes) {
+  bool all = true;
+  for (ToolNode* node : nodes) all = node->Find() && all;
+  return all;
+}
+
+const std::uint8_t* SavedBytes(CInterface* iface, std::int32_t size) {
+  std::int32_t length = 0;
+  const std::uint8_t* bytes = iface->GetSaveData(&length);
+  return bytes && length == size ? bytes : nullptr;
+}
+
 }  // namespace vuk::rgw::addon

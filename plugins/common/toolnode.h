@@ -4,6 +4,8 @@
 // created or found. A tool's node classes are nested in its object class and
 // derive from this one.
 
+#include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -56,5 +58,14 @@ class ToolNode {
   void CreateCamera(CNode* parent = nullptr);
   void CreateHelper(const util::CMesh& mesh, CNode* parent = nullptr);
 };
+
+// A tool's create: makes the nodes in order, as a node's create may read
+// those before it, selects the last one and fills the page.
+void CreateNodes(CInterface* iface, std::initializer_list<ToolNode*> nodes);
+// A tool's load: takes up every node of the loaded scene by its names; false
+// when any is missing.
+bool FindNodes(std::initializer_list<ToolNode*> nodes);
+// The instance's saved bytes when there are exactly `size` of them, else null.
+const std::uint8_t* SavedBytes(CInterface* iface, std::int32_t size);
 
 }  // namespace vuk::rgw::addon

@@ -113,21 +113,15 @@ std::int32_t CLookAtCamObject::BuildConfig() {
 
 std::int32_t CLookAtCamObject::Create() {
   // The camera's create step reads the target's position.
-  targetNode.Create();
-  cameraNode.Create();
-  if (cameraNode.handle) cameraNode.handle->Select();
-  iface->UpdateConfig();
+  CreateNodes(iface, {&targetNode, &cameraNode});
   return 0;
 }
 
 std::int32_t CLookAtCamObject::Load() {
-  cameraNode.Find();
-  targetNode.Find();
-  if (!cameraNode.handle || !targetNode.handle) return 1;
+  if (!FindNodes({&cameraNode, &targetNode})) return 1;
   targetNode.RefreshHelper();
-  std::int32_t length = 0;
-  const std::uint8_t* bytes = iface->GetSaveData(&length);
-  if (!bytes || length != kSavedSize) return 1;
+  const std::uint8_t* bytes = SavedBytes(iface, kSavedSize);
+  if (!bytes) return 1;
   const std::uint8_t saved[kSavedSize] = {bytes[0], bytes[1], bytes[2]};
   helpers.hideDuringRecording = saved[0] != 0;
   helpers.hide = saved[1] != 0;

@@ -52,6 +52,9 @@ const std::map<std::string, Pinned> kPinned = {
        "Spinner: Roll Shake", "Spinner: Damping Factor", "Spinner: Irregularity", "Spinner: Shaker Threshold",
        "Spinner: Shaker Amplitude Response Factor", "Spinner: Shaker Amplitude Maximum"},
       5416381138553233614ull}},
+    {"AutoZoomCam",
+     {{"Forw/Backw Transl", "Spinner: Forw/Backw Transl Response Factor", "Spinner: Forw/Backw Transl Maximum"},
+      2952556554671708385ull}},
 };
 
 constexpr int kTakeFrames = 60;
