@@ -31,6 +31,7 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Gas Pedal (Forw/Backw)", "Steering Wheel (Right/Left)", "Booster", "ABS Brake", "Skidding", "Skid Brake",
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
+    {"Missile", {{"Fire Missile", "Turbulence"}, 18163696854428202823ull}},
 };
 
 constexpr int kTakeFrames = 60;
