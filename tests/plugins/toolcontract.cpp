@@ -32,6 +32,7 @@ const std::map<std::string, Pinned> kPinned = {
        "Gravel Shake Amplitude", "Burnout", "External Force"},
       14693986732673745105ull}},
     {"Missile", {{"Fire Missile", "Turbulence"}, 18163696854428202823ull}},
+    {"Firepower", {{"Fire"}, 6727417875774636537ull}},
 };
 
 constexpr int kTakeFrames = 60;
