@@ -55,6 +55,8 @@ const std::map<std::string, Pinned> kPinned = {
     {"AutoZoomCam",
      {{"Forw/Backw Transl", "Spinner: Forw/Backw Transl Response Factor", "Spinner: Forw/Backw Transl Maximum"},
       2952556554671708385ull}},
+    {"Missile", {{"Fire Missile", "Turbulence"}, 18163696854428202823ull}},
+    {"Firepower", {{"Fire"}, 6727417875774636537ull}},
 };
 
 constexpr int kTakeFrames = 60;
