@@ -11,16 +11,15 @@
 #include <fstream>
 #include <set>
 
+#include "scenefiles.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kRoot = fs::path(testing::TempDir()) / "gltf_cli";
+using vuk::rgw::adaptor::standalone::Read;
 
-std::string Read(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
+const fs::path kRoot = fs::path(testing::TempDir()) / "gltf_cli";
 
 // Runs rgw with the arguments; answers its standard output.
 std::string Rgw(const std::string& arguments) {
@@ -68,6 +67,13 @@ std::string Bytes(const tinygltf::Model& model, int index) {
       tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type)));
   return std::string(data.begin() + static_cast<std::ptrdiff_t>(view.byteOffset + accessor.byteOffset),
                      data.begin() + static_cast<std::ptrdiff_t>(view.byteOffset + accessor.byteOffset + size));
+}
+
+std::vector<float> Floats(const tinygltf::Model& model, int index) {
+  const std::string bytes = Bytes(model, index);
+  std::vector<float> values(bytes.size() / 4);
+  std::memcpy(values.data(), bytes.data(), bytes.size());
+  return values;
 }
 
 // An accessor in the model's one buffer; bounds when given.
@@ -179,7 +185,6 @@ tinygltf::Model UserScene() {
   model.skins[0].inverseBindMatrices = inverseBinds;
   model.cameras.emplace_back();
   model.cameras[0].type = "perspective";
-  model.cameras[0].perspective = {};
   model.cameras[0].perspective.yfov = 0.6;
   model.cameras[0].perspective.znear = 0.05;
   model.cameras[0].perspective.zfar = 100;
@@ -294,12 +299,7 @@ TEST(GltfCommandLine, AUsersSceneComesBackAsItWasMadeWithTheToolsKeysInTheFirstC
     EXPECT_EQ(PathsOf(out.animations[0], cage), (std::set<std::string>{"translation", "rotation", "scale"}));
     const tinygltf::Animation& first = out.animations[0];
     const int input = first.samplers.at(static_cast<std::size_t>(first.channels.back().sampler)).input;
-    const std::string times = Bytes(out, input);
-    for (std::size_t k = 0; k < times.size() / 4; ++k) {
-      float time = 0;
-      std::memcpy(&time, times.data() + 4 * k, 4);
-      EXPECT_NEAR(time * 24, std::round(time * 24), 1e-3) << time;
-    }
+    for (const float time : Floats(out, input)) EXPECT_NEAR(time * 24, std::round(time * 24), 1e-3) << time;
     EXPECT_FALSE(out.nodes[static_cast<std::size_t>(cage)].mesh >= 0) << "a helper would show in renders";
 
     const std::string shown = Rgw("scene show " + result.string());
@@ -338,9 +338,7 @@ TEST(GltfCommandLine, ATwoHourTakeRerunGivesTheSameFileWithRisingTimes) {
   const tinygltf::Model out = Load(folder / "run3.glb");
   for (const auto& clip : out.animations) {
     for (const auto& sampler : clip.samplers) {
-      const std::string bytes = Bytes(out, sampler.input);
-      std::vector<float> times(bytes.size() / 4);
-      std::memcpy(times.data(), bytes.data(), bytes.size());
+      const std::vector<float> times = Floats(out, sampler.input);
       ASSERT_GT(times.size(), 200000u);
       for (std::size_t k = 1; k < times.size(); ++k) ASSERT_LT(times[k - 1], times[k]) << k;
     }
