@@ -231,8 +231,9 @@ INSTANTIATE_TEST_SUITE_P(Ids, CarPageEntry, testing::ValuesIn(kEntries),
                            return "Id" + std::to_string(info.param.id);
                          });
 
-TEST(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
-  CarPage page;
+struct CarPageLayout : testing::Test { CarPage page; };
+
+TEST_F(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
   EXPECT_EQ(page.groups, (std::vector<std::string>{"Gauges (read only)", "General Modes",
                                                    "Autonomous Mode Properties", "Steering Properties",
                                                    "Suspension Properties", "General Properties",
@@ -258,8 +259,7 @@ TEST(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
   }
 }
 
-TEST(CarPageLayout, DefaultsLieInTheirRanges) {
-  CarPage page;
+TEST_F(CarPageLayout, DefaultsLieInTheirRanges) {
   for (const core::Instance::Value& value : page.instance.Values()) {
     EXPECT_GE(value.value, value.minimum) << value.label;
     EXPECT_LE(value.value, value.maximum) << value.label;
@@ -267,8 +267,7 @@ TEST(CarPageLayout, DefaultsLieInTheirRanges) {
   }
 }
 
-TEST(CarPageLayout, HelpTexts) {
-  CarPage page;
+TEST_F(CarPageLayout, HelpTexts) {
   const std::map<std::int32_t, std::string> help = {
       {7, "Press to enable re-initialization of the car's physical attributes"},
       {13, "Enable Seamless Transitions requires more memory usage."},
@@ -282,8 +281,7 @@ TEST(CarPageLayout, HelpTexts) {
 }
 
 // The tool hears of every entry but the one that changes nothing at once.
-TEST(CarPageLayout, EntriesReportToTheTool) {
-  CarPage page;
+TEST_F(CarPageLayout, EntriesReportToTheTool) {
   for (const Entry& entry : page.entries) {
     const bool silent = entry.node->label == HelperSwitches::kHideDuringRecording;
     EXPECT_EQ(entry.node->callback, silent ? nullptr : page.tool) << entry.node->label;
