@@ -108,6 +108,28 @@ class WriteFaults : public testing::Test {
   static Arguments Run(const std::string& in, const std::string& out, const char* seconds = "60", const char* fps = "240") {
     return {"run", in, "--to", seconds, "--fps", fps, "--out", out};
   }
+  // The arguments with SCENE, SPLIT (the scene with its buffer in a file
+  // of its own beside it) and OUT filled in.
+  static Arguments Filled(Arguments args, const std::string& out = "") {
+    for (std::string& arg : args) {
+      if (arg == "SCENE") arg = scene;
+      if (arg == "SPLIT") arg = SplitScene();
+      if (arg == "OUT") arg = out;
+    }
+    return args;
+  }
+  static std::string SplitScene() {
+    const std::string header = "\"data:application/octet-stream;base64,";
+    std::string text = Read(scene);
+    const std::size_t begin = text.find(header);
+    const std::size_t end = text.find('"', begin + header.size());
+    vuk::util::Bytes buffer;
+    EXPECT_TRUE(vuk::util::Base64::Decode(std::string_view(text).substr(begin + header.size(), end - begin - header.size()), buffer));
+    text.replace(begin, end + 1 - begin, "\"split.bin\"");
+    Put(work / "split.gltf", text);
+    Put(work / "split.bin", std::string(buffer.begin(), buffer.end()));
+    return (work / "split.gltf").string();
+  }
   // A fresh folder for one test.
   static fs::path Folder(const std::string& name) {
     const fs::path folder = work / name;
@@ -182,9 +204,7 @@ TEST_F(WriteFaults, TwoWritersOfOneSceneLeaveOneWholeVersion) {
     Put(target, kOld);
     const pid_t onePid = Spawn(one, "/dev/null", "/dev/null");
     const pid_t otherPid = Spawn(another, "/dev/null", "/dev/null");
-    const int oneStatus = Wait(onePid), otherStatus = Wait(otherPid);
-    EXPECT_TRUE(WIFEXITED(oneStatus) && WEXITSTATUS(oneStatus) == 0) << "try " << i;
-    EXPECT_TRUE(WIFEXITED(otherStatus) && WEXITSTATUS(otherStatus) == 0) << "try " << i;
+    for (const pid_t pid : {onePid, otherPid}) EXPECT_TRUE((Finished{Wait(pid), "", ""}.Succeeded())) << "try " << i;
     const std::string found = Read(target);
     EXPECT_TRUE(found == first || found == second) << "try " << i << ": " << found.size() << " bytes of neither";
     firstStood += found == first;
@@ -244,13 +264,8 @@ INSTANTIATE_TEST_SUITE_P(Outputs, WriteFaultsUnwritable,
 class WriteFaultsListing : public WriteFaults, public testing::WithParamInterface<Arguments> {};
 
 TEST_P(WriteFaultsListing, ToAFullDeviceFails) {
-  Arguments args = GetParam();
-  for (std::string& arg : args) {
-    if (arg == "SCENE") arg = scene;
-  }
   const std::string err = (work / "logs/listing_err").string();
-  const int status = Wait(Spawn(args, "/dev/full", err));
-  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) != 0);
+  EXPECT_TRUE((Finished{Wait(Spawn(Filled(GetParam()), "/dev/full", err)), "", ""}.Failed()));
   EXPECT_EQ(Read(err), "rgw: the output can't be written (No space left on device)\n");
 }
 
@@ -264,7 +279,7 @@ enum class Full { kFileSizeLimit, kSmallDisk };
 
 struct Writer {
   const char* name;
-  Arguments args;  // SCENE, SPLIT (a scene with its buffer in a file) and OUT are replaced
+  Arguments args;  // filled in
   const char* out;
 };
 
@@ -288,20 +303,6 @@ class WriteFaultsFullDisk : public WriteFaults, public testing::WithParamInterfa
   }
   Full full() const { return std::get<0>(GetParam()); }
 
-  // The scene with its buffer moved to a file of its own beside it.
-  static std::string SplitScene() {
-    const std::string header = "\"data:application/octet-stream;base64,";
-    std::string text = Read(scene);
-    const std::size_t begin = text.find(header);
-    const std::size_t end = text.find('"', begin + header.size());
-    vuk::util::Bytes buffer;
-    EXPECT_TRUE(vuk::util::Base64::Decode(std::string_view(text).substr(begin + header.size(), end - begin - header.size()), buffer));
-    text.replace(begin, end + 1 - begin, "\"split.bin\"");
-    Put(work / "split.gltf", text);
-    Put(work / "split.bin", std::string(buffer.begin(), buffer.end()));
-    return (work / "split.gltf").string();
-  }
-
   fs::path disk;
   bool mounted = false;
 };
@@ -310,16 +311,10 @@ TEST_P(WriteFaultsFullDisk, LeavesTheOldFiles) {
   const Writer& writer = std::get<1>(GetParam());
   const fs::path out = disk / writer.out;
   const fs::path buffer = fs::path(out).replace_extension(".bin");
-  Arguments args = writer.args;
-  for (std::string& arg : args) {
-    if (arg == "SCENE") arg = scene;
-    if (arg == "SPLIT") arg = SplitScene();
-    if (arg == "OUT") arg = out.string();
-  }
+  const Arguments args = Filled(writer.args, out.string());
   Put(out, kOld);
   Put(buffer, kOld);
-  const rlim_t limit = full() == Full::kFileSizeLimit ? 1024 : RLIM_INFINITY;
-  const Finished run = Rgw(args, limit);
+  const Finished run = Rgw(args, full() == Full::kFileSizeLimit ? 1024 : RLIM_INFINITY);
   EXPECT_TRUE(run.Failed()) << run.out;
   // Named: the file that met the full disk, the buffer's or the scene's.
   EXPECT_NE(run.err.find("rgw: " + disk.string() + "/out."), std::string::npos) << run.err;

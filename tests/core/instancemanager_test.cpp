@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <filesystem>
-#include <tuple>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
@@ -12,7 +11,6 @@
 #include "core/messagebox.h"
 #include "tests/core/scopedenv.h"
 #include "tests/core/testtools.h"
-#include "util/base64.h"
 #include "util/xml/tag.h"
 
 namespace vuk::rgw::core {
@@ -79,12 +77,12 @@ struct Scene {
   void Save(const std::string& path, const std::string& untagged = "") {
     tools.WriteNodeTags();
     host.WriteSceneTag(tools.SaveToolTreeForScene());
-    host.GetScene().Walk([&](adaptor::standalone::SceneNode& node) {
+    host.GetScene().Walk([&](SceneNode& node) {
       if (node.hostName == untagged) node.properties.erase("RGT_tag");
     });
     std::string error;
     ASSERT_TRUE(GltfFile().Save(path, host.GetScene(), &error)) << error;
-    host.GetScene().Walk([](adaptor::standalone::SceneNode& node) { node.properties.erase("RGT_tag"); });
+    host.GetScene().Walk([](SceneNode& node) { node.properties.erase("RGT_tag"); });
   }
   // Reads the file as many times as asked, then rebuilds the tools of its tags.
   void Load(const std::string& path, int times = 1) {
@@ -164,8 +162,7 @@ TEST_F(ToolsInScenes, TwoToolsOneBelowTheOtherComeBackWithSettingsAndTakes) {
   ASSERT_NE(channels[0].take, nullptr);
   EXPECT_EQ(channels[0].take->Get(0.5), 0.25);
   // The tags were read from the file and are gone from the scene.
-  scene.host.GetScene().Walk(
-      [](adaptor::standalone::SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
+  scene.host.GetScene().Walk([](SceneNode& node) { EXPECT_TRUE(node.properties["RGT_tag"].empty()); });
 }
 
 TEST_F(ToolsInScenes, ATagWhoseNodeIsGoneGivesTheBoxAndLosesNothingElse) {
@@ -187,12 +184,7 @@ TEST_F(ToolsInScenes, ATagWhoseNodeIsGoneGivesTheBoxAndLosesNothingElse) {
 
 // Tools nest to 64 levels; deeper ones are left out with a box, not a crash.
 TEST_F(ToolsInScenes, ToolsNestedTooDeepAreLeftOutWithABox) {
-  const std::tuple<int, int, const char*> cases[] = {
-      {64, 64, ""},
-      {65, 64, "Error loading plugin|32|Tools are nested 65 levels deep here; those below level 64 were not loaded."},
-      {100000, 64,
-       "Error loading plugin|32|Tools are nested 100000 levels deep here; those below level 64 were not loaded."}};
-  for (const auto& [levels, made, message] : cases) {
+  for (const int levels : {64, 65, 100000}) {
     std::string text;
     for (int i = 0; i < levels; ++i) text += "<RGT_Plugin><type>Counter</type>";
     for (int i = 0; i < levels; ++i) text += "</RGT_Plugin>";
@@ -201,9 +193,10 @@ TEST_F(ToolsInScenes, ToolsNestedTooDeepAreLeftOutWithABox) {
     CatchBox();
     box.clear();
     Scene scene;
-    EXPECT_EQ(scene.tools.LoadToolTree(tree), made) << levels;
-    EXPECT_EQ(box, message);
-    EXPECT_EQ(scene.tools.AllInstances().size(), static_cast<std::size_t>(made));
+    EXPECT_EQ(scene.tools.LoadToolTree(tree), 64) << levels;
+    EXPECT_EQ(box, levels == 64 ? "" : "Error loading plugin|32|Tools are nested " + std::to_string(levels) +
+                                           " levels deep here; those below level 64 were not loaded.");
+    EXPECT_EQ(scene.tools.AllInstances().size(), 64u);
   }
 }
 
@@ -420,12 +413,7 @@ TEST_F(ToolsInScenes, ALoadedToolMakesTheFactoryAndStartProfiles) {
   }
   const util::xml::Element* factory = plugin->ConfigProfiles().Find(Plugin::kFactorySettings);
   ASSERT_NE(factory, nullptr);
-  util::Bytes rate;
-  ASSERT_TRUE(util::Base64::Decode(factory->GetChild("item").GetText(), rate));
-  ASSERT_EQ(rate.size(), sizeof(double));
-  double value = 0;
-  std::memcpy(&value, rate.data(), sizeof value);
-  EXPECT_EQ(value, 1.0);
+  EXPECT_EQ(factory->GetChild("item").GetText(), "AAAAAAAA8D8=");  // the rate, 1.0, as little-endian bytes
 }
 
 TEST_F(ToolsInScenes, AToolWithAnOlderProfileWarnsOnLoad) {

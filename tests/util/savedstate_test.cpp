@@ -290,10 +290,8 @@ TEST(AVarSave, TooLittleRoomWritesTheFirstTwelveBytesAndAnswersTheSize) {
   }
 }
 
-// Two double records: 1 -> 2 and 3 -> 4.
+// Two double records, 1 -> 2 and 3 -> 4; then the same the other way round.
 const std::string kTwoRecords = "000000000000F03F 0000000000000040 0000000000000840 0000000000001040";
-
-// The same, the other way round.
 const std::string kTwoRecordsSwapped = "0000000000000840 0000000000001040 000000000000F03F 0000000000000040";
 
 enum Loaded { kRefused, kRead, kSwapped, kDefaults, kNothing, kNotTried };
@@ -456,10 +454,14 @@ TEST(DataChunk, BadBlocksAreRefusedWithWhereAndWhat) {
 // Magic, version, symbol count and length; then per symbol its byte and its count.
 const std::string kHeader = "CA315300 64000000 ";
 
+constexpr auto kUnpacked = CompressedBlock::Unpacked::kUnpacked;
+constexpr auto kPlain = CompressedBlock::Unpacked::kPlain;
+constexpr auto kDamaged = CompressedBlock::Unpacked::kDamaged;
+
 Bytes Unpacked(const Bytes& block) {
   Bytes out;
   std::string error;
-  EXPECT_EQ(CompressedBlock::Unpack(block, out, &error), CompressedBlock::Unpacked::kUnpacked) << error;
+  EXPECT_EQ(CompressedBlock::Unpack(block, out, &error), kUnpacked) << error;
   return out;
 }
 
@@ -504,9 +506,6 @@ TEST(CompressedBlock, RandomAndDeepTreesRoundTrip) {
   }
   EXPECT_EQ(Unpacked(CompressedBlock::Pack(input)), input);
 }
-
-constexpr auto kPlain = CompressedBlock::Unpacked::kPlain;
-constexpr auto kDamaged = CompressedBlock::Unpacked::kDamaged;
 
 // Not a compressed block: passed on unchanged. Damaged: nothing, and a message.
 TEST(CompressedBlock, RefusedAsPlainOrDamaged) {
@@ -553,10 +552,8 @@ TEST(CompressedBlock, ALongStreamCutShortIsDamaged) {
 TEST(CompressedBlock, ClaimsBeyondTheCodeAreRefused) {
   // A one-symbol block is 21 bytes long, whatever it claims.
   const std::pair<std::string, CompressedBlock::Unpacked> cases[] = {
-      {std::string(168, 'a'), CompressedBlock::Unpacked::kUnpacked},
-      {std::string(169, 'a'), kDamaged},
-      {std::string(std::size_t{1} << 24, 'a'), kDamaged},
-      {"<a b=\"c\"/>", CompressedBlock::Unpacked::kUnpacked}};
+      {std::string(168, 'a'), kUnpacked}, {std::string(169, 'a'), kDamaged},
+      {std::string(std::size_t{1} << 24, 'a'), kDamaged}, {"<a b=\"c\"/>", kUnpacked}};
   for (const auto& [input, kind] : cases) {
     const Bytes block = CompressedBlock::Pack(input);
     Bytes out;
@@ -574,8 +571,7 @@ TEST(CompressedBlock, TrailingBytesAreIgnoredAndTheLimitIsTheCallersChoice) {
   const Bytes block = CompressedBlock::Pack(std::string(1000, 'x'));
   Bytes out;
   EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size(), out, nullptr, 999), kDamaged);
-  EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size(), out, nullptr, 1000),
-            CompressedBlock::Unpacked::kUnpacked);
+  EXPECT_EQ(CompressedBlock::Unpack(block.data(), block.size(), out, nullptr, 1000), kUnpacked);
 }
 
 // The published test vectors of the encoding, and 0.1 as the little-endian

@@ -11,16 +11,15 @@
 #include <fstream>
 #include <set>
 
+#include "scenefiles.h"
+
 namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path kRoot = fs::path(testing::TempDir()) / "gltf_cli";
+using vuk::rgw::adaptor::standalone::Read;
 
-std::string Read(const fs::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
-}
+const fs::path kRoot = fs::path(testing::TempDir()) / "gltf_cli";
 
 // Runs rgw with the arguments; answers its standard output.
 std::string Rgw(const std::string& arguments) {
@@ -68,6 +67,13 @@ std::string Bytes(const tinygltf::Model& model, int index) {
       tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type)));
   return std::string(data.begin() + static_cast<std::ptrdiff_t>(view.byteOffset + accessor.byteOffset),
                      data.begin() + static_cast<std::ptrdiff_t>(view.byteOffset + accessor.byteOffset + size));
+}
+
+std::vector<float> Floats(const tinygltf::Model& model, int index) {
+  const std::string bytes = Bytes(model, index);
+  std::vector<float> values(bytes.size() / 4);
+  std::memcpy(values.data(), bytes.data(), bytes.size());
+  return values;
 }
 
 // An accessor in the model's one buffer; bounds when given.
@@ -132,8 +138,7 @@ tinygltf::Model UserScene() {
   tinygltf::Model model;
   model.asset.version = "2.0";
   model.asset.generator = "an exporter";
-  model.buffers.emplace_back();
-  model.buffers[0].uri = "scene.bin";
+  model.buffers.emplace_back().uri = "scene.bin";
   const int positions = Add(model, std::vector<float>{0, 0, 0, 1, 0, 0, 0, 1, 0}, TINYGLTF_TYPE_VEC3,
                             TINYGLTF_COMPONENT_TYPE_FLOAT, {0, 0, 0}, {1, 1, 0});
   const int uvs = AddFloats(model, {0, 0, 1, 0, 0, 1}, TINYGLTF_TYPE_VEC2);
@@ -155,14 +160,11 @@ tinygltf::Model UserScene() {
   const int steps = AddFloats(model, {1, 2, 0.5f, 1, 1, 1, 2, 2, 2}, TINYGLTF_TYPE_VEC3);
   const int blink = AddFloats(model, {0, 1, 0}, TINYGLTF_TYPE_SCALAR);
 
-  model.images.emplace_back();
-  model.images[0].uri = "textures/paint.png";
+  model.images.emplace_back().uri = "textures/paint.png";
   model.samplers.emplace_back();
-  model.textures.emplace_back();
-  model.textures[0].source = 0;
+  model.textures.emplace_back().source = 0;
   model.textures[0].sampler = 0;
-  model.materials.emplace_back();
-  model.materials[0].name = "Paint";
+  model.materials.emplace_back().name = "Paint";
   model.materials[0].pbrMetallicRoughness.baseColorTexture.index = 0;
   tinygltf::Primitive primitive;
   primitive.attributes = {{"POSITION", positions}, {"TEXCOORD_0", uvs}, {"JOINTS_0", joints}, {"WEIGHTS_0", weights}};
@@ -170,16 +172,12 @@ tinygltf::Model UserScene() {
   primitive.material = 0;
   primitive.mode = TINYGLTF_MODE_TRIANGLES;
   primitive.targets = {{{"POSITION", morph}}};
-  model.meshes.emplace_back();
-  model.meshes[0].name = "Body";
+  model.meshes.emplace_back().name = "Body";
   model.meshes[0].primitives = {primitive};
   model.meshes[0].weights = {0};
-  model.skins.emplace_back();
-  model.skins[0].joints = {1, 2};
+  model.skins.emplace_back().joints = {1, 2};
   model.skins[0].inverseBindMatrices = inverseBinds;
-  model.cameras.emplace_back();
-  model.cameras[0].type = "perspective";
-  model.cameras[0].perspective = {};
+  model.cameras.emplace_back().type = "perspective";
   model.cameras[0].perspective.yfov = 0.6;
   model.cameras[0].perspective.znear = 0.05;
   model.cameras[0].perspective.zfar = 100;
@@ -203,8 +201,7 @@ tinygltf::Model UserScene() {
   model.nodes[4].translation = {0, 1, 5};
   model.nodes[5].extensions["KHR_lights_punctual"] = Extras("light", 0);
   model.nodes[6].translation = {2, 0, 0};
-  model.scenes.emplace_back();
-  model.scenes[0].nodes = {0, 3, 4, 5, 6};
+  model.scenes.emplace_back().nodes = {0, 3, 4, 5, 6};
   model.defaultScene = 0;
   AddClip(model, "Walk", times, {{1, "translation", "LINEAR", walk}});
   AddClip(model, "Wave", times, {{2, "rotation", "CUBICSPLINE", rotations}, {0, "scale", "STEP", steps}});
@@ -294,12 +291,7 @@ TEST(GltfCommandLine, AUsersSceneComesBackAsItWasMadeWithTheToolsKeysInTheFirstC
     EXPECT_EQ(PathsOf(out.animations[0], cage), (std::set<std::string>{"translation", "rotation", "scale"}));
     const tinygltf::Animation& first = out.animations[0];
     const int input = first.samplers.at(static_cast<std::size_t>(first.channels.back().sampler)).input;
-    const std::string times = Bytes(out, input);
-    for (std::size_t k = 0; k < times.size() / 4; ++k) {
-      float time = 0;
-      std::memcpy(&time, times.data() + 4 * k, 4);
-      EXPECT_NEAR(time * 24, std::round(time * 24), 1e-3) << time;
-    }
+    for (const float time : Floats(out, input)) EXPECT_NEAR(time * 24, std::round(time * 24), 1e-3) << time;
     EXPECT_FALSE(out.nodes[static_cast<std::size_t>(cage)].mesh >= 0) << "a helper would show in renders";
 
     const std::string shown = Rgw("scene show " + result.string());
@@ -311,13 +303,10 @@ TEST(GltfCommandLine, AUsersSceneComesBackAsItWasMadeWithTheToolsKeysInTheFirstC
 TEST(GltfCommandLine, ATwoHourTakeRerunGivesTheSameFileWithRisingTimes) {
   tinygltf::Model user;
   user.asset.version = "2.0";
-  user.buffers.emplace_back();
-  user.buffers[0].uri = "long.bin";
+  user.buffers.emplace_back().uri = "long.bin";
   user.buffers[0].data = {0, 0, 0, 0};  // a reader refuses an empty file
-  user.nodes.emplace_back();
-  user.nodes[0].name = "Rig";
-  user.scenes.emplace_back();
-  user.scenes[0].nodes = {0};
+  user.nodes.emplace_back().name = "Rig";
+  user.scenes.emplace_back().nodes = {0};
   const fs::path folder = kRoot / "long";
   Write(user, folder / "long.gltf");
   std::ofstream take(folder / "take.csv");
@@ -338,9 +327,7 @@ TEST(GltfCommandLine, ATwoHourTakeRerunGivesTheSameFileWithRisingTimes) {
   const tinygltf::Model out = Load(folder / "run3.glb");
   for (const auto& clip : out.animations) {
     for (const auto& sampler : clip.samplers) {
-      const std::string bytes = Bytes(out, sampler.input);
-      std::vector<float> times(bytes.size() / 4);
-      std::memcpy(times.data(), bytes.data(), bytes.size());
+      const std::vector<float> times = Floats(out, sampler.input);
       ASSERT_GT(times.size(), 200000u);
       for (std::size_t k = 1; k < times.size(); ++k) ASSERT_LT(times[k - 1], times[k]) << k;
     }

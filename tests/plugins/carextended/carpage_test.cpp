@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
@@ -88,7 +89,6 @@ class CarPage {
       }
     }
   }
-
 };
 
 enum class Kind { kNumber, kWhole, kCheck, kButton };
@@ -197,20 +197,12 @@ const Expected kEntries[] = {
 void PrintTo(const Expected& expected, std::ostream* out) { *out << expected.id << " \"" << expected.label << '"'; }
 
 // The kind of a control, with its range and step where it has them.
-Kind KindOf(Node& node, double& minimum, double& maximum, double& step) {
-  minimum = 0, maximum = 1, step = 0;
-  if (auto* spinner = dynamic_cast<element::Spinner*>(&node)) {
-    minimum = spinner->minimum, maximum = spinner->maximum, step = spinner->step;
-    return Kind::kNumber;
-  }
-  if (auto* spinner = dynamic_cast<element::Spinner_Int*>(&node)) {
-    minimum = spinner->minimum, maximum = spinner->maximum, step = spinner->step;
-    return Kind::kWhole;
-  }
-  if (dynamic_cast<element::CheckBox*>(&node)) return Kind::kCheck;
-  minimum = maximum = 0;
+std::tuple<Kind, double, double, double> ShapeOf(Node& node) {
+  if (auto* s = dynamic_cast<element::Spinner*>(&node)) return {Kind::kNumber, s->minimum, s->maximum, s->step};
+  if (auto* s = dynamic_cast<element::Spinner_Int*>(&node)) return {Kind::kWhole, s->minimum, s->maximum, s->step};
+  if (dynamic_cast<element::CheckBox*>(&node)) return {Kind::kCheck, 0, 1, 0};
   EXPECT_NE(dynamic_cast<element::Button*>(&node), nullptr) << node.label;
-  return Kind::kButton;
+  return {Kind::kButton, 0, 0, 0};
 }
 
 class CarPageEntry : public testing::TestWithParam<Expected> {
@@ -223,11 +215,7 @@ TEST_P(CarPageEntry, HasItsLabelKindDefaultRangeAndField) {
   Node* node = page.Find(expected.id);
   ASSERT_NE(node, nullptr);
   EXPECT_EQ(node->label, expected.label);
-  double minimum = 0, maximum = 0, step = 0;
-  EXPECT_EQ(KindOf(*node, minimum, maximum, step), expected.kind);
-  EXPECT_EQ(minimum, expected.minimum);
-  EXPECT_EQ(maximum, expected.maximum);
-  EXPECT_EQ(step, expected.step);
+  EXPECT_EQ(ShapeOf(*node), std::make_tuple(expected.kind, expected.minimum, expected.maximum, expected.step));
   EXPECT_EQ(node->GetValue(), expected.value);
   if (!expected.field) return;
   EXPECT_EQ(expected.field(*page.tool), expected.value);
@@ -243,8 +231,9 @@ INSTANTIATE_TEST_SUITE_P(Ids, CarPageEntry, testing::ValuesIn(kEntries),
                            return "Id" + std::to_string(info.param.id);
                          });
 
-TEST(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
-  CarPage page;
+struct CarPageLayout : testing::Test { CarPage page; };
+
+TEST_F(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
   EXPECT_EQ(page.groups, (std::vector<std::string>{"Gauges (read only)", "General Modes",
                                                    "Autonomous Mode Properties", "Steering Properties",
                                                    "Suspension Properties", "General Properties",
@@ -270,8 +259,7 @@ TEST(CarPageLayout, EveryIdOnceInItsGroupInOrder) {
   }
 }
 
-TEST(CarPageLayout, DefaultsLieInTheirRanges) {
-  CarPage page;
+TEST_F(CarPageLayout, DefaultsLieInTheirRanges) {
   for (const core::Instance::Value& value : page.instance.Values()) {
     EXPECT_GE(value.value, value.minimum) << value.label;
     EXPECT_LE(value.value, value.maximum) << value.label;
@@ -279,8 +267,7 @@ TEST(CarPageLayout, DefaultsLieInTheirRanges) {
   }
 }
 
-TEST(CarPageLayout, HelpTexts) {
-  CarPage page;
+TEST_F(CarPageLayout, HelpTexts) {
   const std::map<std::int32_t, std::string> help = {
       {7, "Press to enable re-initialization of the car's physical attributes"},
       {13, "Enable Seamless Transitions requires more memory usage."},
@@ -294,14 +281,12 @@ TEST(CarPageLayout, HelpTexts) {
 }
 
 // The tool hears of every entry but the one that changes nothing at once.
-TEST(CarPageLayout, EntriesReportToTheTool) {
-  CarPage page;
+TEST_F(CarPageLayout, EntriesReportToTheTool) {
   for (const Entry& entry : page.entries) {
     const bool silent = entry.node->label == HelperSwitches::kHideDuringRecording;
     EXPECT_EQ(entry.node->callback, silent ? nullptr : page.tool) << entry.node->label;
   }
 }
-
 
 // The factory profiles, each with the values it changes from "Start Profile".
 struct FactoryProfile {

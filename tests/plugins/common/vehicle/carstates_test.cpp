@@ -36,26 +36,29 @@ double Filtered(double value, double wanted, double k) {
 }
 
 // A car that has driven a right turn for three seconds.
-CCarCam TurningCar(const TestGround& ground) {
-  CCarCam car = StartedCar(ground);
-  car.inputs[pcInput_GAS_PEDAL].responseFactor = 0.2;
-  DriveFrames(car, ground, {1.0, 0.3, 0}, 75);
-  return car;
-}
-
-void SkidBrakeFrame(CCarCam& car, const TestGround& ground, const Drive& drive, double brake) {
-  Apply(car, drive);
-  car.inputs[pcInput_SKID_BRAKE].raw = brake;
-  ground.Frame(car, kDt);
-}
-
-TEST(CarSkidBrake, TheFirstFrameCapturesSpeedAndYawSpeed) {
+template <typename Base = testing::Test>
+class OnATurn : public Base {
+ protected:
+  OnATurn() {
+    car.inputs[pcInput_GAS_PEDAL].responseFactor = 0.2;
+    DriveFrames(car, ground, {1.0, 0.3, 0}, 75);
+  }
+  void SkidBrakeFrame(const Drive& drive, double brake) {
+    Apply(car, drive);
+    car.inputs[pcInput_SKID_BRAKE].raw = brake;
+    ground.Frame(car, kDt);
+  }
   const TestGround ground;
-  CCarCam car = TurningCar(ground);
+  CCarCam car = StartedCar(ground);
+};
+using CarSkidBrake = OnATurn<>;
+using CarBooster = OnATurn<>;
+
+TEST_F(CarSkidBrake, TheFirstFrameCapturesSpeedAndYawSpeed) {
   const CarVector increment = car.vTransCarAbsIncr;
   const double yaw = car.fCarLocalYawIncr;
   ASSERT_LT(yaw, 0.0);  // a right turn forwards
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+  SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
 
   EXPECT_TRUE(car.bSkidBreakingOn);
   EXPECT_TRUE(car.bSkidBreakingOnDisableFeatures);
@@ -71,11 +74,9 @@ TEST(CarSkidBrake, TheFirstFrameCapturesSpeedAndYawSpeed) {
   EXPECT_EQ(car.vTransCarAbsIncr, car.vSkidBrakePosIncr);
 }
 
-TEST(CarSkidBrake, FrozenIncrementsDecayByTheHeldBrake) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
+TEST_F(CarSkidBrake, FrozenIncrementsDecayByTheHeldBrake) {
   car.params.dSkidBrakeRotBrakeMult = 2;
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+  SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
   bool yawStopped = false;
   // Short of the frames that stop the car.
   for (int i = 0; i < 30; ++i) {
@@ -83,7 +84,7 @@ TEST(CarSkidBrake, FrozenIncrementsDecayByTheHeldBrake) {
     const double yaw = car.dSkidBrakeLocalYawIncr;
     // The decay uses the brake's value as the last frame left it.
     const double loss = 0.001 * car.inputs[pcInput_SKID_BRAKE].value * kDt * 30.0;
-    SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+    SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
     ASSERT_LT((car.vSkidBrakePosIncr - (position - car.vSkidBrakeSpeed * loss)).Length(), 1e-15 * car.dLength) << i;
     const double decayed = yaw - car.dSkidBrakeYawSpeed * car.dSkidBrakeSigns * 2 * loss;
     // The yaw stops at 0 and doesn't turn the other way.
@@ -100,24 +101,22 @@ TEST(CarSkidBrake, FrozenIncrementsDecayByTheHeldBrake) {
 // Held long enough, the frozen translation would point against the
 // captured speed: it started as speed x dt, so the frame in which the summed
 // losses pass dt stops the car.
-TEST(CarSkidBrake, HeldItStopsTheCarWhenTheLossesSumToTheCapturedSpeed) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+TEST_F(CarSkidBrake, HeldItStopsTheCarWhenTheLossesSumToTheCapturedSpeed) {
+  SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
   double lost = 0;
   int frame = 0;
   for (; frame < 2000 && lost <= kDt; ++frame) {
     lost += 0.001 * car.inputs[pcInput_SKID_BRAKE].value * kDt * 30.0;
     ASSERT_NE(car.vSkidBrakePosIncr, CarVector()) << frame;
-    SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+    SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
   }
   ASSERT_GT(lost, kDt);
   EXPECT_EQ(car.vSkidBrakePosIncr, CarVector());
   EXPECT_EQ(car.dSkidBrakeLocalYawIncr, 0.0);
   EXPECT_EQ(car.inputs[pcInput_SKID_BRAKE].raw, 0.0);
   const CarVector stopped = car.position;
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 0}, 1.0);
+  SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
+  SkidBrakeFrame({1.0, 0.3, 0}, 1.0);
   EXPECT_EQ(car.position, stopped);
 }
 
@@ -131,19 +130,17 @@ struct ReleaseCase {
   enum { kPedalTimesVelocity, kNone, kFullVelocity, kUntouched } expectedGas;
 };
 
-class SkidBrakeRelease : public testing::TestWithParam<ReleaseCase> {};
+class SkidBrakeRelease : public OnATurn<testing::TestWithParam<ReleaseCase>> {};
 
 TEST_P(SkidBrakeRelease, PutsGasAndSkiddingBackAsTheCarStillMoves) {
   const ReleaseCase& c = GetParam();
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
   const Drive drive{c.gas, 0.3, c.booster};
   // Braked gently, or to a stop; long enough for the pedal's rate limit to
   // bring the raw to the case's.
   const double brake = c.stopFirst ? 1.0 : 0.25;
-  SkidBrakeFrame(car, ground, drive, brake);
+  SkidBrakeFrame(drive, brake);
   for (int i = 0; i < (c.stopFirst ? 2000 : 70) && car.vSkidBrakePosIncr != CarVector(); ++i) {
-    SkidBrakeFrame(car, ground, drive, brake);
+    SkidBrakeFrame(drive, brake);
   }
   ASSERT_EQ(car.vSkidBrakePosIncr == CarVector(), c.stopFirst);
   ASSERT_EQ(car.dGasRawFormer, c.gas);
@@ -167,7 +164,7 @@ TEST_P(SkidBrakeRelease, PutsGasAndSkiddingBackAsTheCarStillMoves) {
   }
   const double expectedSkid = Filtered(skidBefore, 0, skid.responseFactor);
 
-  SkidBrakeFrame(car, ground, drive, 0.0);
+  SkidBrakeFrame(drive, 0.0);
   EXPECT_FALSE(car.bSkidBreakingOn);
   EXPECT_FALSE(car.bSkidBreakingOnDisableFeatures);
   EXPECT_TRUE(car.bSkidFirstTime);
@@ -238,9 +235,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 // A lively pedal: its filter alone would carry the value through 0 in one
 // frame once the raw has crossed.
-TEST(CarReverseAsAbs, BrakesToAStandstillThenAFreshPressReverses) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
+using CarReverseAsAbs = OnATurn<>;
+
+TEST_F(CarReverseAsAbs, BrakesToAStandstillThenAFreshPressReverses) {
   const CarChannel& gas = car.inputs[pcInput_GAS_PEDAL];
   // The pedal's rate limit brings the raw down to the other side first.
   int frames = 0;
@@ -264,9 +261,7 @@ TEST(CarReverseAsAbs, BrakesToAStandstillThenAFreshPressReverses) {
   EXPECT_GE(gas.value, -gas.maximum);
 }
 
-TEST(CarBooster, PullsTheGasBeyondItsMaximumAndStiffensTheSuspension) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
+TEST_F(CarBooster, PullsTheGasBeyondItsMaximumAndStiffensTheSuspension) {
   const CarSuspension recording = car.params.cSuspension;
   const CarChannel& gas = car.inputs[pcInput_GAS_PEDAL];
   const CarChannel& booster = car.inputs[pcInput_BOOSTER];
@@ -297,10 +292,8 @@ TEST(CarBooster, PullsTheGasBeyondItsMaximumAndStiffensTheSuspension) {
   EXPECT_EQ(car.params.cSuspension.dBackDamping, recording.dBackDamping);
 }
 
-TEST(CarBooster, IsOffWhileTheSkidBrakeDisablesFeatures) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
-  SkidBrakeFrame(car, ground, {1.0, 0.3, 1.0}, 1.0);
+TEST_F(CarBooster, IsOffWhileTheSkidBrakeDisablesFeatures) {
+  SkidBrakeFrame({1.0, 0.3, 1.0}, 1.0);
   EXPECT_FALSE(car.bBoosterOn);
   EXPECT_EQ(car.params.cSuspension.dFrontStiffness, CarParameters().cSuspension.dFrontStiffness);
 }
@@ -313,9 +306,9 @@ void BurnoutStepA(CCarCam& car, double raw) {
   car.StepA(kDt);
 }
 
-TEST(CarBurnout, SpinsTheBackWheelsMakesTheSteeringHeavyAndFadesOut) {
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
+using CarBurnout = OnATurn<>;
+
+TEST_F(CarBurnout, SpinsTheBackWheelsMakesTheSteeringHeavyAndFadesOut) {
   CarChannel& burnout = car.inputs[pcInput_BURNOUT];
   CarChannel& steering = car.inputs[pcInput_STEERING_WHEEL];
   const double response = steering.responseFactor;
@@ -365,12 +358,10 @@ struct GravelCase {
   bool shakes;
 };
 
-class Gravel : public testing::TestWithParam<GravelCase> {};
+class Gravel : public OnATurn<testing::TestWithParam<GravelCase>> {};
 
 TEST_P(Gravel, EachWheelsMemoryFollowsItsNoiseWithTheRoughness) {
   const GravelCase& c = GetParam();
-  const TestGround ground;
-  CCarCam car = TurningCar(ground);
   car.params.dGravelRoughness = c.roughness;
   car.params.dGravelShakeOffsetValue = 0;
   // The offset's shake of the drive so far dies away.
