@@ -1,5 +1,6 @@
 #include "plugins/steadycam/steadycamobject.h"
 
+#include <algorithm>
 #include <array>
 
 #include "plugins/common/filterresponse.h"
@@ -30,6 +31,12 @@ constexpr char kSaveStructKey[] = "sDataChunkSaveStruct";
 // The two hide bytes, then zeros. Saved data of exactly this size is the
 // oldest form: the structure alone.
 constexpr std::size_t kSaveStructSize = 24;
+// Other bytes of that size are another tool's: refused, not taken for flags.
+bool IsBareSaveStruct(const std::uint8_t* bytes, std::int32_t length) {
+  return length == static_cast<std::int32_t>(kSaveStructSize) && bytes[0] <= 1 && bytes[1] <= 1 &&
+         std::all_of(bytes + 2, bytes + kSaveStructSize, [](std::uint8_t byte) { return byte == 0; });
+}
+
 // Builds before this one saved no entries worth reading.
 constexpr std::int32_t kFirstEntriesBuild = 102;
 
@@ -81,7 +88,7 @@ std::int32_t CSteadyCamObject::Load() {
   if (!FindNodes()) return 1;
   std::int32_t length = 0;
   const std::uint8_t* bytes = iface->GetSaveData(&length);
-  if (bytes && length == static_cast<std::int32_t>(kSaveStructSize)) {
+  if (bytes && IsBareSaveStruct(bytes, length)) {
     hideAttached = bytes[0] != 0;
     hideFollow = bytes[1] != 0;
     bFirstTime = true;
