@@ -3,10 +3,12 @@
 // same keys for the same take, and read the saved data of older scenes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <map>
 #include <set>
+#include <sstream>
 
 #include "plugins/tools.h"
 #include "tests/core/scopedenv.h"
@@ -61,10 +63,14 @@ const std::map<std::string, Pinned> kPinned = {
 
 constexpr int kTakeFrames = 60;
 
-std::vector<std::string> BuiltInToolNames() {
+// By slot when `withEmptySlots`, an empty name in an empty slot.
+std::vector<std::string> BuiltInToolNames(bool withEmptySlots = false) {
   std::vector<std::string> names;
   for (PluginFactory make : addon::BuiltInTools()) {
-    if (!make) continue;
+    if (!make) {
+      if (withEmptySlots) names.emplace_back();
+      continue;
+    }
     CCameraPlugin* plugin = make();
     names.push_back(plugin->GetName());
     plugin->Release();
@@ -107,10 +113,20 @@ std::vector<Bytes> TrackBytes(ToolHarness& harness) {
 
 class ToolContract : public testing::TestWithParam<std::string> {
  protected:
-  // The tool's folder: the last part of its data path.
+  // The tool's folder under plugins/ and tests/plugins/, by its slot in the table.
   std::string Folder() {
-    const std::string path = harness.Instance().GetToolPlugin()->GetPath();
-    return path.substr(path.rfind('/') + 1);
+    const std::vector<std::string> names = BuiltInToolNames(true);
+    const auto slot = std::find(names.begin(), names.end(), GetParam()) - names.begin();
+    std::istringstream table(RGW_TOOL_FOLDER_BY_SLOT);
+    std::string entry;
+    while (std::getline(table, entry, ',')) {
+      std::istringstream fields(entry);
+      long number = -1;
+      std::string folder;
+      if (fields >> number >> folder && number == slot) return folder;
+    }
+    ADD_FAILURE() << GetParam() << " has no folder in the tool table";
+    return {};
   }
 
   ToolHarness harness{GetParam()};
