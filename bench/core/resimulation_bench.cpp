@@ -57,15 +57,14 @@ void BM_Resimulate100Tools(benchmark::State& state, core::Plugin* tool) {
 }
 
 // A new tool in the table is measured without a line here.
-const bool registered = [] {
+void RegisterResimulations() {
   for (const auto& tool : Library().Tools()) {
     benchmark::RegisterBenchmark(("BM_Resimulate100Tools/" + tool->ToolName()).c_str(), BM_Resimulate100Tools,
                                  tool.get())
         ->Unit(benchmark::kSecond)
         ->Iterations(1);
   }
-  return true;
-}();
+}
 
 void BM_RecordingTick10Tools(benchmark::State& state) {
   std::vector<core::Plugin*> tools;
@@ -89,3 +88,12 @@ void BM_RecordingTick10Tools(benchmark::State& state) {
 BENCHMARK(BM_RecordingTick10Tools)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
+
+int main(int argc, char** argv) {
+  RegisterResimulations();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
