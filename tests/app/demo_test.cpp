@@ -1,7 +1,9 @@
-// The main job's outcome, read from the files its steps wrote
-// (scripts/demo-steps, run by the fixture before these tests): the car drives
-// far over the terrain, never below it and never off it, jumps off the ramp;
-// the truck drives the same take otherwise; the follower ends near the car.
+// The demos' outcomes, read from the files their steps wrote (scripts/demo-steps
+// and scripts/demo-cameras-steps, run by fixtures before these tests): the car
+// drives far over the terrain, never below it and never off it, jumps off the
+// ramp; the truck drives the same take otherwise; the follower ends near the
+// car; the follow cameras trail it; the humanizer only turns its camera; the
+// auto zoom keeps the car's framed width.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,9 +28,9 @@ using Point = util::Vector3<double>;
 // A scene the demo wrote, read as rgw reads it.
 class Written {
  public:
-  explicit Written(const std::string& name) {
+  explicit Written(const std::string& name, const std::string& folder = RGW_DEMO_OUTPUT) {
     std::string error;
-    loaded = file_.Load(std::string(RGW_DEMO_OUTPUT) + "/" + name, scene, &error);
+    loaded = file_.Load(folder + "/" + name, scene, &error);
     EXPECT_TRUE(loaded) << name << ": " << error;
   }
   SceneNode* Node(const std::string& name) {
@@ -107,6 +109,62 @@ TEST_F(MainJob, TheFollowerEndsNearTheCar) {
   EXPECT_LT((end - result->End("Car_CarBodyMesh")).Length(), 15);
   // It drove to get there, from behind the car.
   EXPECT_GT((end - start).Length(), 30);
+}
+
+class CameraDemo : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { result = std::make_unique<Written>("cameras_result.gltf", RGW_CAMERAS_OUTPUT); }
+  static void TearDownTestSuite() { result.reset(); }
+
+  static std::unique_ptr<Written> result;
+};
+
+std::unique_ptr<Written> CameraDemo::result;
+
+TEST_F(CameraDemo, TheFollowCamerasTrailTheCar) {
+  ASSERT_TRUE(result->loaded);
+  const Point car = result->End("Car_CarBodyMesh");
+  for (const char* follower : {"Soft_FollowCam", "Bouncy_FollowCam"}) {
+    const SceneNode* node = result->Node(follower);
+    ASSERT_TRUE(node && node->track.Keys().size() > 500) << follower;
+    // They ride 8 to 10 m behind the car and lag it.
+    EXPECT_LT((result->End(follower) - car).Length(), 20) << follower;
+    EXPECT_GT((result->End(follower) - car).Length(), 5) << follower;
+  }
+}
+
+TEST_F(CameraDemo, TheHumanizerTurnsItsCameraAndNeverMovesIt) {
+  ASSERT_TRUE(result->loaded);
+  const SceneNode* shaky = result->Node("Shaky_HumanizerCam");
+  ASSERT_TRUE(shaky && shaky->track.Keys().size() > 500);
+  double largestAngle = 0;
+  for (const auto& key : shaky->track.Keys()) {
+    ASSERT_EQ(key.position, Point(0, 0, 0)) << "tick " << key.tick;
+    largestAngle = std::max(largestAngle, 2 * std::acos(std::min(1.0, std::fabs(key.rotation.w))));
+  }
+  // A hand-held shake: visible, a few degrees at most.
+  EXPECT_GT(largestAngle, 0.001);
+  EXPECT_LT(largestAngle, 0.2);
+}
+
+TEST_F(CameraDemo, TheAutoZoomKeepsTheCarsFramedWidth) {
+  ASSERT_TRUE(result->loaded);
+  const SceneNode* zoom = result->Node("Zoom_AutoZoomCam");
+  ASSERT_TRUE(zoom);
+  const auto& fovs = zoom->camera.fovDegrees.Keys();
+  const auto& distances = zoom->camera.targetDistance.Keys();
+  ASSERT_GT(fovs.size(), 500u);
+  ASSERT_EQ(fovs.size(), distances.size());
+  auto width = [&](std::size_t i) { return distances[i].value * std::tan(fovs[i].value * M_PI / 360); };
+  double nearest = std::numeric_limits<double>::max(), farthest = 0;
+  for (std::size_t i = 0; i < fovs.size(); ++i) {
+    ASSERT_EQ(fovs[i].tick, distances[i].tick);
+    ASSERT_NEAR(width(i), width(0), 1e-6 * width(0)) << "tick " << fovs[i].tick;
+    nearest = std::min(nearest, distances[i].value);
+    farthest = std::max(farthest, distances[i].value);
+  }
+  // The car drove off and the camera dollied: the lens had work to do.
+  EXPECT_GT(farthest, 2 * nearest);
 }
 
 }  // namespace
