@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "plugins/common/filterresponse.h"
-#include "plugins/common/vehicle/carnoise.h"
+#include "plugins/common/toolrandom.h"
 
 namespace vuk::rgw::addon {
 
@@ -32,8 +32,13 @@ std::size_t AutonomousMemoryOf(std::size_t channel) {
   }
 }
 
-// Uniform in [-0.5, 0.5), from its own counter.
-double CenteredNoise(std::uint32_t& counter) { return noise01(counter) - 0.5; }
+// Uniform in [-0.5, 0.5), from the tool's own generator whose state is given.
+double CenteredNoise(std::uint32_t& state) {
+  ToolRandom random(state);
+  const double value = random.Next() / (ToolRandom::kMax + 1.0) - 0.5;
+  state = random.State();
+  return value;
+}
 
 // An amplitude follows its channel while the channel is fed, and fades out
 // after it is let go.
@@ -116,7 +121,7 @@ void CAeroCam::InputStage(double dt) {
     }
     if (i == kShaker) c.raw += params.dShakeOffset;
     if (i == kTurbulence) c.raw += params.dTurbulenceOffset;
-    if (i == kSideways || i == kUpDown) c.raw += CenteredNoise(iWindCounter) * params.dWindStrength;
+    if (i == kSideways || i == kUpDown) c.raw += CenteredNoise(iWindRandom) * params.dWindStrength;
     filterResponse(c.stage, c.raw * c.maximum, c.responseFactor, dt);
     filterResponse(c.output, c.stage, c.responseFactor, dt);
   }
@@ -227,9 +232,9 @@ void CAeroCam::Shake(double h) {
   vAngularVelocity +=
       Row(0) * (std::sin(params.dTurbulenceFrequency * kTwoPi * iTurbulenceCounter * h) * dTurbulenceMem);
   FadeOrFollow(channels[kShaker], dShakeMem, params.dShakerFadeOut, h);
-  const double first = CenteredNoise(iShakeCounter);
-  const double second = CenteredNoise(iShakeCounter);
-  const double third = CenteredNoise(iShakeCounter);
+  const double first = CenteredNoise(iShakeRandom);
+  const double second = CenteredNoise(iShakeRandom);
+  const double third = CenteredNoise(iShakeRandom);
   filterResponseVectorClamped(vShakeFiltered, {third, second, first}, params.dShakerRoughness, h);
   vAngularVelocity += FromLocal(vShakeFiltered * dShakeMem);
 }

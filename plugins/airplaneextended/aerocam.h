@@ -117,8 +117,9 @@ class CAeroCam {
   double dTurbulenceMem = 0;
   double dShakeMem = 0;
   Vector vShakeFiltered;
-  std::uint32_t iWindCounter = 0;
-  std::uint32_t iShakeCounter = 0;
+  // The states of the tool's own generators for the wind and the shake.
+  std::uint32_t iWindRandom = 1;
+  std::uint32_t iShakeRandom = 1;
   std::array<double, kAutoMemoryCount> autonomousMem{};
   // Steering memories.
   double dFollowMem = 0, dYawMem = 0, dPitchMem = 0, dRollMem = 0;

@@ -115,7 +115,8 @@ void CAeroCamObject::Start(double time) {
     dPropellerAngle = dPropellerSpin = 0;
   }
   core.bRegulatorActive = false;
-  core.iTurbulenceCounter = core.iWindCounter = core.iShakeCounter = 0;
+  core.iTurbulenceCounter = 0;
+  core.iWindRandom = core.iShakeRandom = 1;
   core.dTurbulenceMem = core.dShakeMem = 0;
   dInitialVelocity = StartSpeed(now, before, times[0] - times[1]);
   bStartWithNonzeroInitialVelocity = dInitialVelocity != 0;

@@ -44,7 +44,7 @@ const std::map<std::string, Pinned> kPinned = {
      {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Rudder (Yaw Right/Left)", "Elevator (Pitch Up/Down)",
        "Aileron (Roll Right/Left)", "Horizontal Regulator", "Turbulence Amplitude", "Shaker Amplitude", "Brake All",
        "AfterBurner"},
-      2107079266276317678ull}},
+      6844015055053682221ull}},
     {"Helicopter",
      {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Yaw Speed (Right/Left)", "Brake All",
        "Wind Turbulence Strength"},
