@@ -1,9 +1,12 @@
-// The demos' outcomes, read from the files their steps wrote (scripts/demo-steps
-// and scripts/demo-cameras-steps, run by fixtures before these tests): the car
-// drives far over the terrain, never below it and never off it, jumps off the
-// ramp; the truck drives the same take otherwise; the follower ends near the
-// car; the follow cameras trail it; the humanizer only turns its camera; the
-// auto zoom keeps the car's framed width.
+// The demos' outcomes, read from the files their steps wrote (scripts/demo-steps,
+// scripts/demo-cameras-steps and scripts/demo-flight-steps, run by fixtures
+// before these tests): the car drives far over the terrain, never below it and
+// never off it, jumps off the ramp; the truck drives the same take otherwise;
+// the follower ends near the car; the follow cameras trail it; the humanizer
+// only turns its camera; the auto zoom keeps the car's framed width; the
+// airplane rolls, climbs and flies far; the helicopter climbs and flies
+// forward; the missile leaves the airplane and hits the car; the bullets
+// land on the terrain.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +14,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/scene.h"
@@ -165,6 +169,95 @@ TEST_F(CameraDemo, TheAutoZoomKeepsTheCarsFramedWidth) {
   }
   // The car drove off and the camera dollied: the lens had work to do.
   EXPECT_GT(farthest, 2 * nearest);
+}
+
+class FlightDemo : public testing::Test {
+ protected:
+  static void SetUpTestSuite() { result = std::make_unique<Written>("flight_result.gltf", RGW_FLIGHT_OUTPUT); }
+  static void TearDownTestSuite() { result.reset(); }
+
+  // Where the node stands at each of its keys.
+  static std::vector<Point> Path(const std::string& name) {
+    std::vector<Point> path;
+    if (const SceneNode* node = result->Node(name)) {
+      for (const auto& key : node->track.Keys()) path.push_back(node->World(key.tick).GetTranslation());
+    }
+    return path;
+  }
+
+  static std::unique_ptr<Written> result;
+};
+
+std::unique_ptr<Written> FlightDemo::result;
+
+TEST_F(FlightDemo, TheAirplaneRollsDownTheRoadClimbsAndFliesFar) {
+  ASSERT_TRUE(result->loaded);
+  const std::vector<Point> path = Path("Plane_PlaneBody");
+  ASSERT_GT(path.size(), 500u);
+  const Point start = path.front();
+  // The take-off roll: a second at its height on the road, going fast.
+  constexpr std::size_t kSecond = 30;
+  EXPECT_NEAR(path[kSecond].y, start.y, 0.05);
+  EXPECT_GT((path[kSecond] - start).Length(), 10);
+  double highest = start.y;
+  for (std::size_t i = 0; i < path.size(); ++i) {
+    ASSERT_GT(AboveTerrain(path[i]), 0.5) << "into the ground at key " << i;
+    highest = std::max(highest, path[i].y);
+  }
+  EXPECT_GT(highest - start.y, 10);
+  EXPECT_GT((path.back() - start).Length(), 50);
+}
+
+TEST_F(FlightDemo, TheHelicopterHoversClimbsAndFliesForward) {
+  ASSERT_TRUE(result->loaded);
+  const std::vector<Point> path = Path("Heli_CHelicopterBody");
+  ASSERT_GT(path.size(), 500u);
+  const Point start = path.front(), end = path.back();
+  // The hover: its first second and a half, still to a centimetre.
+  for (std::size_t i = 0; i < 45; ++i) ASSERT_LT((path[i] - start).Length(), 0.01) << "key " << i;
+  EXPECT_GT(end.y - start.y, 10);
+  // Forward is along its nose at the start, minus Z.
+  EXPECT_GT(start.z - end.z, 30);
+}
+
+TEST_F(FlightDemo, TheMissileLeavesTheAirplaneAndHitsTheCar) {
+  ASSERT_TRUE(result->loaded);
+  const SceneNode* missile = result->Node("Rocket_Missile");
+  const SceneNode* carrier = result->Node("Rocket_BodyRelocator");
+  const SceneNode* car = result->Node("Car_CarBodyMesh");
+  ASSERT_TRUE(missile && carrier && car);
+  ASSERT_GT(missile->track.Keys().size(), 500u);
+  bool fired = false;
+  double nearest = std::numeric_limits<double>::max();
+  for (const auto& key : missile->track.Keys()) {
+    const Point at = missile->World(key.tick).GetTranslation();
+    // Until it is fired it hangs where it is carried, under the airplane.
+    fired = fired || (at - carrier->World(key.tick).GetTranslation()).Length() > 0.01;
+    if (fired) nearest = std::min(nearest, (at - car->World(key.tick).GetTranslation()).Length());
+  }
+  ASSERT_TRUE(fired);
+  EXPECT_LT(nearest, 3);
+}
+
+TEST_F(FlightDemo, TheBulletsAreNodesThatLandOnTheTerrain) {
+  ASSERT_TRUE(result->loaded);
+  // The terrain's flat triangles dip below its rolling height between their
+  // corners by about a millimetre.
+  constexpr double kFlatTriangles = 0.005;
+  int bullets = 0;
+  result->scene.Walk([&](SceneNode& node) {
+    if (node.hostName.rfind("Gun_Bullet_", 0) != 0) return;
+    ++bullets;
+    ASSERT_FALSE(node.track.Keys().empty()) << node.hostName;
+    for (const auto& key : node.track.Keys()) {
+      ASSERT_GT(AboveTerrain(node.World(key.tick).GetTranslation()), -kFlatTriangles)
+          << node.hostName << " below the terrain at tick " << key.tick;
+    }
+    // It struck the terrain and lies on it, where its lifetime ends.
+    EXPECT_LT(AboveTerrain(result->End(node.hostName)), 0.05) << node.hostName;
+  });
+  // Three bursts of a second at ten rounds a second.
+  EXPECT_EQ(bullets, 30);
 }
 
 }  // namespace
