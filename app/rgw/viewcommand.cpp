@@ -2,6 +2,7 @@
 #include <QGuiApplication>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 
 #include "app/rgw/commandoptions.h"
 #include "app/rgw/commands.h"
@@ -72,7 +73,10 @@ int ViewCommand(const Arguments& args) {
     seen = "through " + camera->hostName;
   }
   gui::viewport::OffscreenView view(width, height);
-  if (!view.Problem().empty()) return Fail(view.Problem());
+  if (!view.Problem().empty()) {
+    const bool headless = !std::getenv("DISPLAY") && !std::getenv("WAYLAND_DISPLAY");
+    return Fail(view.Problem() + (headless ? " (no display: run rgw under xvfb-run -a)" : ""));
+  }
   view.Redraw(&scene, tick, viewPoint);
   if (!SavePng(view.Picture(), options.Get("png"), error)) return Fail(error);
   std::printf("drew %s at %g s %s, %d by %d pixels, written to %s\n", options.file.c_str(), seconds, seen.c_str(), width,
