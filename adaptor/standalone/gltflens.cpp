@@ -20,9 +20,6 @@ constexpr const char* kTargetDistance = "rgw_target_distance";
 constexpr const char* kTargetDistanceKeys = "rgw_target_distance_keys";
 constexpr const char* kTicks = "rgw_ticks";
 constexpr const char* kValues = "rgw_values";
-// A camera without an aspect of its own is shown at the viewport's, which
-// the scene doesn't keep; 16:9 is that of nearly every screen and render.
-constexpr double kDefaultAspect = 16.0 / 9.0;
 
 std::string YfovPointer(int camera) { return "/cameras/" + std::to_string(camera) + "/perspective/yfov"; }
 

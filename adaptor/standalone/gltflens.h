@@ -20,6 +20,10 @@ struct Camera;
 
 namespace vuk::rgw::adaptor::standalone {
 
+// A camera without an aspect of its own is shown at the viewport's, which
+// the scene doesn't keep; 16:9 is that of nearly every screen and render.
+constexpr double kDefaultAspect = 16.0 / 9.0;
+
 // glTF's yfov, in radians, of a field of view in degrees of the given type
 // (0 horizontal, 1 vertical, 2 diagonal) on a picture of the given aspect,
 // width over height.

@@ -40,6 +40,7 @@ bool SceneNode::IsInScene() const {
 
 void SceneNode::SetMesh(const util::CMesh& newMesh) {
   mesh.Assign(newMesh);
+  ++meshRevision;
   rayTree_.reset();
 }
 

@@ -63,6 +63,8 @@ class SceneNode {
   std::map<std::string, std::string> properties;
 
   util::CMesh mesh;
+  // Counts SetMesh calls, so that a viewer can tell that its copy is stale.
+  std::uint64_t meshRevision = 0;
   bool wireframe = true;
   bool backfaceCull = false;
   CameraData camera;
