@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "app/rgw/bindingwords.h"
+#include "app/rgw/commandoptions.h"
 #include "app/rgw/commands.h"
 #include "app/rgw/picture.h"
 #include "app/rgw/sceneplot.h"
@@ -30,12 +31,6 @@ using rgw::adaptor::standalone::ObjectKind;
 using rgw::adaptor::standalone::SceneNode;
 using rgw::adaptor::standalone::Tick;
 
-int Fail(const std::string& message) {
-  std::fprintf(stderr, "rgw: %s\n", message.c_str());
-  return 1;
-}
-
-
 const char* KindName(ObjectKind kind) {
   switch (kind) {
     case ObjectKind::kEmpty: return "empty";
@@ -57,84 +52,6 @@ void PrintLensKeys(const std::string& indent, const char* what, const rgw::adapt
   std::printf("%s%s: %s, %.3f s to %.3f s, %.3f to %.3f%s\n", indent.c_str(), what, Counted(keys.size(), "key").c_str(),
               rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
               rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), keys.front().value, keys.back().value, unit);
-}
-
-// A command's arguments: the scene file, then "--name value" pairs of the
-// options the command knows and "--name" alone for its flags; repeated
-// options are kept in order.
-struct Options {
-  explicit Options(std::initializer_list<const char*> knownOptions, std::initializer_list<const char*> knownFlags = {})
-      : known(knownOptions.begin(), knownOptions.end()), flags(knownFlags.begin(), knownFlags.end()) {}
-
-  // Nothing to go on; else the usage asked for, or what is wrong with the
-  // arguments (exit 2): an unknown option, a value or a required option missing.
-  std::optional<int> Read(const Arguments& args, const char* usage, std::initializer_list<const char*> required) {
-    if (WantsHelp(args)) return Usage(args, usage);
-    if (args.empty() || args[0].rfind("--", 0) == 0) return Misuse("the scene file comes first", usage);
-    file = args[0];
-    for (std::size_t i = 1; i < args.size(); ++i) {
-      if (args[i].rfind("--", 0) != 0) return Misuse("\"" + args[i] + "\" is not an option", usage);
-      const std::string name = args[i].substr(2);
-      if (Knows(flags, name)) {
-        values.emplace(name, "");
-        continue;
-      }
-      if (!Knows(known, name)) return Misuse("unknown option " + args[i], usage);
-      if (i + 1 >= args.size()) return Misuse(args[i] + " wants a value", usage);
-      values.emplace(name, args[++i]);
-    }
-    for (const char* name : required) {
-      if (!Has(name)) return Misuse(std::string("--") + name + " is missing", usage);
-    }
-    return std::nullopt;
-  }
-  bool Has(const std::string& name) const { return values.count(name) != 0; }
-  std::string Get(const std::string& name, const std::string& fallback = "") const {
-    const auto found = values.find(name);
-    return found == values.end() ? fallback : found->second;
-  }
-
-  std::vector<std::string> known;
-  std::vector<std::string> flags;
-  std::string file;
-  std::multimap<std::string, std::string> values;
-
- private:
-  static bool Knows(const std::vector<std::string>& names, const std::string& name) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-  }
-  static int Misuse(const std::string& problem, const char* usage) {
-    std::fprintf(stderr, "rgw: %s\n%s", problem.c_str(), usage);
-    return 2;
-  }
-};
-
-std::string Seconds(double seconds) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g s", seconds);
-  return text;
-}
-
-// The whole text as a number; false with the reason in `error`.
-bool ReadNumber(const std::string& text, double& value, std::string& error) {
-  char* end = nullptr;
-  value = std::strtod(text.c_str(), &end);
-  if (!text.empty() && *end == '\0' && std::isfinite(value)) return true;
-  error = "\"" + text + "\" is not a number";
-  return false;
-}
-
-// Opens the command's scene; --fps, when given, replaces the frame rate the
-// file has, for the keys a run writes and for the file written.
-std::optional<int> OpenScene(const Options& options, Session& session) {
-  std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  if (!options.values.count("fps")) return std::nullopt;
-  double fps = 0;
-  if (!ReadNumber(options.Get("fps"), fps, error)) return Fail("--fps: " + error);
-  if (fps < 1 || fps > 4800 || fps != std::floor(fps)) return Fail("--fps " + options.Get("fps") + ": a whole number of frames per second from 1 to 4800");
-  session.host.GetScene().clock.SetFrameRate(static_cast<std::int32_t>(fps));
-  return std::nullopt;
 }
 
 std::vector<std::string> ToolNames(const rgw::core::LibraryManager& library) {
@@ -306,14 +223,6 @@ std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initi
   const std::vector<std::string> names = session.tools.InstanceNames();
   return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; " +
               (names.empty() ? std::string("it has no tools") : "its tools are " + Listed(names)));
-}
-
-// Saves the command's scene and says what the command did.
-int SaveAndSay(Session& session, const std::string& out, const std::string& done) {
-  std::string error;
-  if (!session.Save(out, error)) return Fail(error);
-  std::printf("%s, written to %s\n", done.c_str(), out.c_str());
-  return 0;
 }
 
 // What the other commands take for a tool: node names for --link, channel
@@ -548,6 +457,7 @@ int SceneCommand(const Arguments& args) {
   for (const Session::KeptTool& kept : session.host.KeptTools()) {
     std::printf("tool %s: not loaded: %s\n", Session::Named(kept).c_str(), session.WhyNotLoaded(kept).c_str());
   }
+  SayUnfinishedTake(args[1]);
   return 0;
 }
 
