@@ -191,17 +191,14 @@ bool TakeJournal::Begin(const std::vector<Instance*>& tools, double startTime, d
     Fail("can't be written");
     return false;
   }
+  // The header and the take's start go in one write: a file that has any
+  // bytes has its take.
   record_.clear();
   util::ByteWriter out(record_);
   out.PutBytes(kMagic, sizeof kMagic);
   out.Put(kVersion);
-  if (::write(fd_, record_.data(), record_.size()) != static_cast<ssize_t>(record_.size())) {
-    Fail("can't be written");
-    return false;
-  }
   const auto startedMs =
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::system_clock::now().time_since_epoch());
-  record_.clear();
   out.PutZeros(5);  // length and kind, filled in by WriteRecord
   out.Put(startTime);
   out.Put(timeScale);
@@ -217,7 +214,7 @@ bool TakeJournal::Begin(const std::vector<Instance*>& tools, double startTime, d
   // The start is on the disk before the first frame, which the sync interval
   // then counts from.
   lastSync_ = std::chrono::steady_clock::now() - kSyncInterval;
-  WriteRecord(kTakeRecord);
+  WriteRecord(kTakeRecord, kHeaderSize);
   record_.reserve(kFraming + 8 * (channels + 1));
   return fd_ >= 0;
 }
@@ -236,10 +233,10 @@ void TakeJournal::Append(double time, const std::vector<Instance*>& tools) {
   WriteRecord(kFrameRecord);
 }
 
-void TakeJournal::WriteRecord(std::uint8_t kind) {
-  record_[4] = kind;
-  PutLittle32(record_.data(), static_cast<std::uint32_t>(record_.size() - 5));
-  const std::uint32_t checksum = Crc32(record_.data() + 4, record_.size() - 4);
+void TakeJournal::WriteRecord(std::uint8_t kind, std::size_t at) {
+  record_[at + 4] = kind;
+  PutLittle32(record_.data() + at, static_cast<std::uint32_t>(record_.size() - at - 5));
+  const std::uint32_t checksum = Crc32(record_.data() + at + 4, record_.size() - at - 4);
   util::ByteWriter(record_).Put(checksum);
   // One write per record: a process killed between two leaves whole records;
   // the kernel keeps them for the file even then.

@@ -86,8 +86,9 @@ class TakeJournal {
   const std::string& Error() const { return error_; }
 
  private:
-  // The record in `record_` goes out; at most once a second to the disk too.
-  void WriteRecord(std::uint8_t kind);
+  // The record that starts at `at` in `record_` goes out with what is before
+  // it; at most once a second to the disk too.
+  void WriteRecord(std::uint8_t kind, std::size_t at = 0);
   void Fail(const std::string& what);
 
   std::string path_;

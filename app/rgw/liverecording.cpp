@@ -1,8 +1,8 @@
 #include "app/rgw/liverecording.h"
 
 #include <QEventLoop>
-#include <QTimer>
 #include <algorithm>
+#include <functional>
 
 namespace vuk::app {
 
@@ -20,8 +20,6 @@ OnlyTheseTools::~OnlyTheseTools() {
 }
 
 double RecordLive(Session& session, const LiveTake& take) {
-  // How often the end of the take is looked for: well within a frame.
-  constexpr int kWatchMs = 5;
   rgw::core::RecordManager& recorder = *session.core.GetRecorder();
   recorder.countdownSeconds = take.countdownSeconds;
   // The take's own length ends it, not the scene's range.
@@ -29,17 +27,20 @@ double RecordLive(Session& session, const LiveTake& take) {
   session.core.SetSpeedStep(take.slowMotion + 1);
   session.core.BeginRecording();
   const double end = recorder.startTime + take.seconds / recorder.timeScale;
+  // The take ends in the tick that reaches its end, between the tick's frames
+  // and the next arming of the timer.
   QEventLoop loop;
-  QTimer watch;
-  QObject::connect(&watch, &QTimer::timeout, [&] {
-    if (recorder.IsRecording() && recorder.time < end) return;
-    if (recorder.IsRecording()) session.core.StopRecording();
+  const std::function<void()> between = recorder.processEvents;
+  recorder.processEvents = [&] {
+    between();
+    if (recorder.time < end) return;
+    session.core.StopRecording();
     loop.quit();
-  });
-  watch.start(kWatchMs);
+  };
   loop.exec();
+  recorder.processEvents = between;
   session.core.SetSpeedStep(1);
-  return std::max(0.0, std::min(recorder.time, end) - recorder.startTime);
+  return recorder.time - recorder.startTime;
 }
 
 }  // namespace vuk::app
