@@ -75,7 +75,9 @@ class KilledRecording : public testing::Test {
 
   Ran Recover() { return Rgw("recover " + scene + " --out " + folder + "/recovered.gltf"); }
 
-  const std::string folder = testing::TempDir() + "/killedrecording";
+  // One per test: CTest runs them side by side.
+  const std::string folder =
+      testing::TempDir() + "/killedrecording/" + testing::UnitTest::GetInstance()->current_test_info()->name();
   const std::string scene = folder + "/scene.gltf";
   const std::string journal = rgw::core::JournalPathOf(scene);
 };
