@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 
 #include "app/rgw/commandoptions.h"
 #include "app/rgw/liverecording.h"

@@ -9,6 +9,7 @@
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/recordmanager.h"
 #include "tests/adaptor/standalone/testtool.h"
+#include "tests/support/allocationcount.h"
 
 namespace vuk::rgw::core {
 namespace {
@@ -202,6 +203,18 @@ TEST_F(Journal, AFrameBackInTimeEndsTheTake) {
   EXPECT_EQ(reading.state, JournalState::kCut);
   EXPECT_EQ(reading.take.times, (std::vector<double>{0.1, 0.2}));
   EXPECT_EQ(reading.problem, journal.Path() + ": cut at byte 229, where a record makes no sense");
+}
+
+// Frames go out on every tick: once started, the journal allocates nothing.
+TEST_F(Journal, AFrameAllocatesNothing) {
+  const std::vector<Instance*> recorded = AllInstances();
+  ASSERT_TRUE(journal.Begin(recorded, 0, 1));
+  journal.Append(0.04, recorded);
+  const test::AllocationCount count;
+  for (int frame = 2; frame < 100; ++frame) journal.Append(frame * 0.04, recorded);
+  EXPECT_EQ(count.Made(), 0u);
+  journal.Close();
+  EXPECT_EQ(ReadTakeJournal(journal.Path()).take.times.size(), 99u);
 }
 
 }  // namespace
