@@ -58,7 +58,9 @@ class Journal : public testing::Test, public InstanceList {
   }
   static JournalReading Parse(const util::Bytes& bytes) { return ParseTakeJournal(bytes.data(), bytes.size()); }
 
-  const std::string folder = testing::TempDir() + "/takejournal";
+  // One per test: CTest runs them side by side.
+  const std::string folder =
+      testing::TempDir() + "/takejournal/" + testing::UnitTest::GetInstance()->current_test_info()->name();
   adaptor::standalone::StandaloneAdaptorInterface host;
   testing_support::TestToolPlugin plugin;
   std::vector<std::unique_ptr<Instance>> tools;
