@@ -58,6 +58,7 @@ void RecordManager::StartRecording() {
   std::vector<Instance*> checked = instances_->CheckedInstances();
   adaptor_->BeginRecordingInstances(HandlesOf(checked));
   BeginInstances(std::move(checked));
+  if (journal) journal->Begin(recordInstances, startTime, timeScale);
   firstTick = true;
   time = startTime - countdownSeconds;
   adaptor_->SetTimeScale(HostScale(timeScale));
@@ -77,6 +78,7 @@ void RecordManager::BeginInstances(std::vector<Instance*> list) {
 void RecordManager::StepInstances(double frameTime) {
   if (devices_ && !resimulating) devices_->PollAll();
   for (Instance* instance : recordInstances) instance->Step(frameTime);
+  if (journal && !resimulating) journal->Append(frameTime, recordInstances);
 }
 
 void RecordManager::OnTimeChanged(double newTime) {
@@ -138,6 +140,7 @@ void RecordManager::StopRecording() {
     adaptor_->SetTime(time);
   }
   for (Instance* instance : recordInstances) instance->Stop(endTime);
+  if (journal) journal->Close();
   if (devices_) devices_->Unacquire();
   adaptor_->SetTimeScale(1);
   recording = false;

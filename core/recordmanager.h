@@ -11,6 +11,7 @@
 #include "core/adaptorinterface.h"
 #include "core/instance.h"
 #include "core/resimulator.h"
+#include "core/takejournal.h"
 #include "core/timebase.h"
 #include "core/timermanager.h"
 
@@ -67,6 +68,8 @@ class RecordManager : public TimerManager {
   std::function<std::int64_t()> clock;
   // Lets pending events run in the middle of a tick.
   std::function<void()> processEvents;
+  // Where each take's raw values go as they are recorded; none when null.
+  TakeJournal* journal = nullptr;
 
   std::vector<Instance*> recordInstances;
   bool firstTick = true;

@@ -53,6 +53,12 @@ std::string Options::Get(const std::string& name, const std::string& fallback) c
   return found == values.end() ? fallback : found->second;
 }
 
+std::string Seconds(double seconds) {
+  char text[32];
+  std::snprintf(text, sizeof text, "%g s", seconds);
+  return text;
+}
+
 bool ReadNumber(const std::string& text, double& value, std::string& error) {
   char* end = nullptr;
   value = std::strtod(text.c_str(), &end);
@@ -73,6 +79,24 @@ rgw::adaptor::standalone::SceneNode* FindNode(Session& session, const std::strin
   });
   if (!found) error = file + ": no node \"" + name + "\"; its nodes are " + Listed(names);
   return found;
+}
+
+std::optional<int> OpenScene(const Options& options, Session& session) {
+  std::string error;
+  if (!session.Open(options.file, error)) return Fail(error);
+  if (!options.values.count("fps")) return std::nullopt;
+  double fps = 0;
+  if (!ReadNumber(options.Get("fps"), fps, error)) return Fail("--fps: " + error);
+  if (fps < 1 || fps > 4800 || fps != std::floor(fps)) return Fail("--fps " + options.Get("fps") + ": a whole number of frames per second from 1 to 4800");
+  session.host.GetScene().clock.SetFrameRate(static_cast<std::int32_t>(fps));
+  return std::nullopt;
+}
+
+int SaveAndSay(Session& session, const std::string& out, const std::string& done) {
+  std::string error;
+  if (!session.Save(out, error)) return Fail(error);
+  std::printf("%s, written to %s\n", done.c_str(), out.c_str());
+  return 0;
 }
 
 }  // namespace vuk::app

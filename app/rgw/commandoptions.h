@@ -42,4 +42,12 @@ bool ReadNumber(const std::string& text, double& value, std::string& error);
 rgw::adaptor::standalone::SceneNode* FindNode(Session& session, const std::string& file, const std::string& name,
                                               std::string& error);
 
+// "2.5 s".
+std::string Seconds(double seconds);
+// Opens the command's scene; --fps, when given, replaces the frame rate the
+// file has, for the keys a run writes and for the file written.
+std::optional<int> OpenScene(const Options& options, Session& session);
+// Saves the command's scene and says what the command did.
+int SaveAndSay(Session& session, const std::string& out, const std::string& done);
+
 }  // namespace vuk::app

@@ -20,6 +20,10 @@ int TakeCommand(const Arguments& args);
 int BindCommand(const Arguments& args);
 int ModelCommand(const Arguments& args);
 int ViewCommand(const Arguments& args);
+int RecordCommand(const Arguments& args);
+int RecoverCommand(const Arguments& args);
+// One line about the take journal beside a scene file, when it has one.
+void SayUnfinishedTake(const std::string& scenePath);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

@@ -48,6 +48,9 @@ int Help(int code) {
                "                         renders a window to a picture\n"
                "  view FILE --png OUT [--time T] [--camera NODE] [--width W] [--height H]\n"
                "                         draws the scene as the viewport shows it\n"
+               "  record FILE --seconds N --out OUT [--speed S] [--instance NAME]...\n"
+               "                         records a take live from the bound joysticks, no window\n"
+               "  recover FILE --out OUT the take a recording cut short left beside FILE\n"
                "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
                "otherwise the file's own.\n"
                "Each command takes --help and ends with a line saying what it did;\n"
@@ -74,6 +77,8 @@ int Dispatch(const vuk::app::Arguments& args) {
   if (command == "model") return vuk::app::ModelCommand(rest);
   if (command == "layout") return vuk::app::LayoutCommand(rest);
   if (command == "view") return vuk::app::ViewCommand(rest);
+  if (command == "record") return vuk::app::RecordCommand(rest);
+  if (command == "recover") return vuk::app::RecoverCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);
 }

@@ -31,7 +31,6 @@ using rgw::adaptor::standalone::ObjectKind;
 using rgw::adaptor::standalone::SceneNode;
 using rgw::adaptor::standalone::Tick;
 
-
 const char* KindName(ObjectKind kind) {
   switch (kind) {
     case ObjectKind::kEmpty: return "empty";
@@ -53,25 +52,6 @@ void PrintLensKeys(const std::string& indent, const char* what, const rgw::adapt
   std::printf("%s%s: %s, %.3f s to %.3f s, %.3f to %.3f%s\n", indent.c_str(), what, Counted(keys.size(), "key").c_str(),
               rgw::adaptor::standalone::SecondsFromTicks(keys.front().tick),
               rgw::adaptor::standalone::SecondsFromTicks(keys.back().tick), keys.front().value, keys.back().value, unit);
-}
-
-std::string Seconds(double seconds) {
-  char text[32];
-  std::snprintf(text, sizeof text, "%g s", seconds);
-  return text;
-}
-
-// Opens the command's scene; --fps, when given, replaces the frame rate the
-// file has, for the keys a run writes and for the file written.
-std::optional<int> OpenScene(const Options& options, Session& session) {
-  std::string error;
-  if (!session.Open(options.file, error)) return Fail(error);
-  if (!options.values.count("fps")) return std::nullopt;
-  double fps = 0;
-  if (!ReadNumber(options.Get("fps"), fps, error)) return Fail("--fps: " + error);
-  if (fps < 1 || fps > 4800 || fps != std::floor(fps)) return Fail("--fps " + options.Get("fps") + ": a whole number of frames per second from 1 to 4800");
-  session.host.GetScene().clock.SetFrameRate(static_cast<std::int32_t>(fps));
-  return std::nullopt;
 }
 
 std::vector<std::string> ToolNames(const rgw::core::LibraryManager& library) {
@@ -243,14 +223,6 @@ std::optional<int> OpenTool(const Arguments& args, const char* usage, std::initi
   const std::vector<std::string> names = session.tools.InstanceNames();
   return Fail(options.file + ": no tool \"" + options.Get("instance") + "\"; " +
               (names.empty() ? std::string("it has no tools") : "its tools are " + Listed(names)));
-}
-
-// Saves the command's scene and says what the command did.
-int SaveAndSay(Session& session, const std::string& out, const std::string& done) {
-  std::string error;
-  if (!session.Save(out, error)) return Fail(error);
-  std::printf("%s, written to %s\n", done.c_str(), out.c_str());
-  return 0;
 }
 
 // What the other commands take for a tool: node names for --link, channel
@@ -472,6 +444,7 @@ int SceneCommand(const Arguments& args) {
   for (const Session::KeptTool& kept : session.host.KeptTools()) {
     std::printf("tool %s: not loaded: %s\n", Session::Named(kept).c_str(), session.WhyNotLoaded(kept).c_str());
   }
+  SayUnfinishedTake(args[1]);
   return 0;
 }
 

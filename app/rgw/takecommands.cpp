@@ -1,0 +1,201 @@
+// The commands of live takes: recording one from the devices, and recovering
+// one that a recording cut short left in its journal.
+#include <QCoreApplication>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+
+#include "app/rgw/commandoptions.h"
+#include "app/rgw/liverecording.h"
+#include "app/rgw/wording.h"
+#include "core/resimulator.h"
+#include "core/takejournal.h"
+#include "util/atomicfile.h"
+
+namespace vuk::app {
+
+namespace {
+
+// The whole number an option holds, from `least` to `most`; false with the reason.
+bool ReadWhole(const Options& options, const std::string& name, int least, int most, int& value,
+               std::string& error) {
+  double number = 0;
+  if (!ReadNumber(options.Get(name, "0"), number, error) || number != std::floor(number) || number < least ||
+      number > most) {
+    error = "--" + name + " " + options.Get(name) + ": a whole number from " + std::to_string(least) + " to " +
+            std::to_string(most);
+    return false;
+  }
+  value = static_cast<int>(number);
+  return true;
+}
+
+// The tools named by --instance, each in the scene; false with the names it has.
+bool NamedTools(const Options& options, Session& session, std::vector<std::string>& names, std::string& error) {
+  const auto given = options.values.equal_range("instance");
+  for (auto it = given.first; it != given.second; ++it) {
+    if (!session.tools.Find(it->second)) {
+      error = options.file + ": no tool \"" + it->second + "\"; its tools are " + Listed(session.tools.InstanceNames());
+      return false;
+    }
+    names.push_back(it->second);
+  }
+  return true;
+}
+
+std::vector<std::string> CheckedNames(Session& session) {
+  std::vector<std::string> names;
+  for (const rgw::core::Instance* instance : session.tools.CheckedInstances()) names.push_back(instance->InstanceName());
+  return names;
+}
+
+// "2.480 s from 0.000 s".
+std::string Span(double seconds, double from) {
+  char text[64];
+  std::snprintf(text, sizeof text, "%.3f s from %.3f s", seconds, from);
+  return text;
+}
+
+// The journal's frames into the tools' recorded tracks, replacing what they
+// held from the take's start on, as the recording did; false with the reason.
+bool RestoreTake(const rgw::core::JournalTake& take, Session& session, const std::string& file, std::string& error) {
+  const std::size_t stride = take.ChannelCount();
+  std::size_t column = 0;
+  for (const rgw::core::JournalTake::Tool& tool : take.tools) {
+    rgw::core::InstanceReference* item = session.tools.Find(tool.name);
+    if (!item) {
+      error = file + ": no tool \"" + tool.name + "\" to take the journal's frames; its tools are " +
+              Listed(session.tools.InstanceNames());
+      return false;
+    }
+    for (const std::string& channel : tool.channels) {
+      auto* track = item->instance->TrackOf(channel);
+      if (!track) {
+        error = tool.name + " has no channel \"" + channel + "\" to take the journal's frames";
+        return false;
+      }
+      track->RemoveFrom(take.startTime);
+      for (std::size_t frame = 0; frame < take.times.size(); ++frame) {
+        track->Set(take.times[frame], take.values[frame * stride + column]);
+      }
+      ++column;
+    }
+  }
+  return true;
+}
+
+std::vector<std::string> ToolsOf(const rgw::core::JournalTake& take) {
+  std::vector<std::string> names;
+  for (const auto& tool : take.tools) names.push_back(tool.name);
+  return names;
+}
+
+}  // namespace
+
+int RecordCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw record FILE --seconds N --out OUT [--speed S] [--countdown C] [--instance NAME]...\n"
+      "  Records a take live, without a window, from the devices the tools' channels are bound to:\n"
+      "  the checked tools, or those named, from the scene's current time, for N seconds of the\n"
+      "  wall clock after a countdown of C seconds (none by default). Scene time runs at 1/2^S of\n"
+      "  the wall clock (S from 0, real time, to 3). Joysticks and gamepads are read through SDL,\n"
+      "  also when plugged in during the take; the keyboard is not read here, as its keys come\n"
+      "  only as events of a window. While the take runs, its raw values go to FILE.rgwtake,\n"
+      "  which 'rgw recover' reads when the take is cut short; it goes once OUT is written.\n";
+  Options options{"seconds", "out", "speed", "countdown", "instance", "fps"};
+  if (const auto code = options.Read(args, usage, {"seconds", "out"})) return *code;
+  std::string error;
+  LiveTake take;
+  if (!ReadNumber(options.Get("seconds"), take.seconds, error)) return Fail("--seconds: " + error);
+  if (!(take.seconds > 0 && take.seconds <= rgw::core::Resimulator::kMaxSceneSeconds)) {
+    return Fail("--seconds " + options.Get("seconds") + ": a take lasts more than 0 s and at most " +
+                Seconds(rgw::core::Resimulator::kMaxSceneSeconds) + " (a day)");
+  }
+  if (!ReadWhole(options, "speed", 0, 3, take.slowMotion, error)) return Fail(error);
+  if (!ReadWhole(options, "countdown", 0, 9, take.countdownSeconds, error)) return Fail(error);
+  // The recorder's timer and the devices' hot-plug run on the event loop.
+  int argc = 1;
+  char program[] = "rgw";
+  char* argv[] = {program, nullptr};
+  QCoreApplication application(argc, argv);
+  Session session;
+  if (const auto code = OpenScene(options, session)) return *code;
+  std::vector<std::string> named;
+  if (!NamedTools(options, session, named, error)) return Fail(error);
+  // A long take must not end in a write error.
+  if (!vuk::util::AtomicFile::CanReplace(options.Get("out"), &error)) return Fail(error);
+  rgw::core::TakeJournal journal(rgw::core::JournalPathOf(options.file));
+  std::vector<std::string> recorded;
+  double seconds = 0;
+  {
+    std::unique_ptr<OnlyTheseTools> only;
+    if (!named.empty()) only = std::make_unique<OnlyTheseTools>(session.tools, named);
+    recorded = CheckedNames(session);
+    if (recorded.empty()) return Fail(options.file + ": no tool to record");
+    session.core.GetRecorder()->journal = &journal;
+    seconds = RecordLive(session, take);
+    session.core.GetRecorder()->journal = nullptr;
+  }
+  if (!journal.Error().empty()) std::fprintf(stderr, "rgw: %s; the take went on without it\n", journal.Error().c_str());
+  const std::string slowed = take.slowMotion ? ", slowed to 1/" + std::to_string(1 << take.slowMotion) : "";
+  const int code = SaveAndSay(session, options.Get("out"),
+                              "recorded " + Span(seconds, session.core.GetRecorder()->startTime) + " with " +
+                                  Listed(recorded) + slowed + ": " + Counted(session.ToolKeyCount(), "key") +
+                                  " on their nodes");
+  if (code == 0) journal.Remove();
+  return code;
+}
+
+int RecoverCommand(const Arguments& args) {
+  const char* usage =
+      "usage: rgw recover FILE --out OUT\n"
+      "  Recovers the take of a recording cut short from FILE.rgwtake: its raw values go into the\n"
+      "  tools' recorded tracks from where the take began, the tools are simulated over it as\n"
+      "  'rgw run' does, and the scene is written with the keys. A journal cut off or damaged gives\n"
+      "  the take up to the damage.\n";
+  Options options{"out", "fps"};
+  if (const auto code = options.Read(args, usage, {"out"})) return *code;
+  const std::string path = rgw::core::JournalPathOf(options.file);
+  std::error_code ignored;
+  if (!std::filesystem::exists(path, ignored)) return Fail(options.file + " has no take to recover: no " + path);
+  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(path);
+  if (reading.state == rgw::core::JournalReading::State::kRefused) return Fail(reading.problem);
+  if (reading.state == rgw::core::JournalReading::State::kCut) {
+    std::fprintf(stderr, "rgw: %s; the take is recovered up to there\n", reading.problem.c_str());
+  }
+  const rgw::core::JournalTake& take = reading.take;
+  if (take.times.empty()) return Fail(path + ": the take ends before its first frame; nothing to recover");
+  Session session;
+  if (const auto code = OpenScene(options, session)) return *code;
+  std::string error;
+  if (!RestoreTake(take, session, options.file, error)) return Fail(error);
+  const double from = take.startTime, to = take.times.back();
+  const std::string tooLong = rgw::core::Resimulator::RangeProblem(from, to, rgw::core::TimeBase(session.host.GetFrameRate()));
+  if (!tooLong.empty()) return Fail(path + ": " + tooLong);
+  {
+    OnlyTheseTools only(session.tools, ToolsOf(take));
+    session.Resimulate(from, to);
+  }
+  return SaveAndSay(session, options.Get("out"),
+                    "recovered " + Span(take.Seconds(), from) + " of the take of " + Listed(ToolsOf(take)) + " (" +
+                        Counted(take.times.size(), "frame") + "): " + Counted(session.ToolKeyCount(), "key") +
+                        " on their nodes");
+}
+
+void SayUnfinishedTake(const std::string& scenePath) {
+  const std::string path = rgw::core::JournalPathOf(scenePath);
+  std::error_code ignored;
+  if (!std::filesystem::exists(path, ignored)) return;
+  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(path);
+  if (reading.state == rgw::core::JournalReading::State::kRefused) {
+    std::printf("%s; no take to recover from it\n", reading.problem.c_str());
+    return;
+  }
+  const rgw::core::JournalTake& take = reading.take;
+  std::printf("%s holds an unfinished take of %s with %s%s: 'rgw recover %s --out OUT' recovers it\n", path.c_str(),
+              Span(take.Seconds(), take.startTime).c_str(), Listed(ToolsOf(take)).c_str(),
+              reading.state == rgw::core::JournalReading::State::kCut ? ", damaged at its end" : "", scenePath.c_str());
+}
+
+}  // namespace vuk::app
