@@ -20,6 +20,7 @@
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 
 #include "gui/component/choices.h"
 #include "gui/component/containers.h"
@@ -341,10 +342,15 @@ TreeNode* NodeOf(QTreeWidgetItem* item) {
 }
 
 QWidget* MakeTree(Tree& tree, QWidget* parent) {
-  auto* widget = new QTreeWidget(parent);
+  auto* widget = new DropTreeWidget(parent);
   widget->setColumnCount(static_cast<int>(tree.flags.size()) + 1);
   widget->setHeaderHidden(true);
-  widget->setDragEnabled(tree.dragDrop);
+  if (tree.dragDrop) {
+    widget->setDragDropMode(QAbstractItemView::InternalMove);
+    widget->onDrop = [&tree](QTreeWidgetItem* dragged, QTreeWidgetItem* target) {
+      tree.Drop(NodeOf(dragged), NodeOf(target));
+    };
+  }
   widget->header()->setStretchLastSection(false);
   widget->header()->setSectionResizeMode(0, QHeaderView::Stretch);
   for (int f = 1; f <= static_cast<int>(tree.flags.size()); ++f) {
@@ -358,9 +364,13 @@ QWidget* MakeTree(Tree& tree, QWidget* parent) {
     tree.ChangeFlag(NodeOf(item), static_cast<std::size_t>(column - 1),
                     state == Qt::Checked ? 1 : state == Qt::PartiallyChecked ? 2 : 0);
   });
-  Follow(tree, widget, [&tree](QTreeWidget* w) {
+  Follow(tree, widget, [&tree](DropTreeWidget* w) {
     w->clear();
     AddTreeItems(nullptr, w, tree.root, tree.flags.size());
+    // The selection that code kept or set stays shown.
+    for (QTreeWidgetItemIterator it(w); *it; ++it) {
+      if (tree.selected && NodeOf(*it) == tree.selected) w->setCurrentItem(*it);
+    }
   });
   return widget;
 }
