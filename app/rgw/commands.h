@@ -19,6 +19,7 @@ int SetCommand(const Arguments& args);
 int TakeCommand(const Arguments& args);
 int BindCommand(const Arguments& args);
 int ModelCommand(const Arguments& args);
+int GuiCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

@@ -46,6 +46,7 @@ int Help(int code) {
                "  create FILE --prm MODEL.prm --out OUT         makes the model's tools in a scene\n"
                "  layout show FILE --png OUT, layout page --png OUT\n"
                "                         renders a window to a picture\n"
+               "  gui [FILE]             the desktop app, with the scene FILE when given\n"
                "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
                "otherwise the file's own.\n"
                "Each command takes --help and ends with a line saying what it did;\n"
@@ -71,6 +72,7 @@ int Dispatch(const vuk::app::Arguments& args) {
   if (command == "bind") return vuk::app::BindCommand(rest);
   if (command == "model") return vuk::app::ModelCommand(rest);
   if (command == "layout") return vuk::app::LayoutCommand(rest);
+  if (command == "gui") return vuk::app::GuiCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);
 }
