@@ -348,18 +348,17 @@ TEST_F(MainWindow, SavesTheSelectedTreeAsAModelAndBrowsesItBack) {
 
 TEST_F(MainWindow, WindowsOpenFromTheirIds) {
   Make("LookAtCam");
-  Press(106);
-  ASSERT_NE(dlg->GetConfigWindow(), nullptr);
-  EXPECT_TRUE(dlg->GetConfigWindow()->IsShown());
-  Choose(128);
-  ASSERT_NE(dlg->GetInputWindow(), nullptr);
-  EXPECT_TRUE(dlg->GetInputWindow()->IsShown());
-  Choose(125);
-  ASSERT_NE(dlg->GetPreferences(), nullptr);
-  EXPECT_TRUE(dlg->GetPreferences()->IsShown());
-  Choose(134);
-  ASSERT_NE(dlg->GetAbout(), nullptr);
-  EXPECT_TRUE(dlg->GetAbout()->IsShown());
+  // Each window by a button or a menu item.
+  const std::vector<std::pair<std::function<void()>, std::function<WindowBase*()>>> windows = {
+      {[this] { Press(106); }, [this] { return dlg->GetConfigWindow(); }},
+      {[this] { Choose(128); }, [this] { return dlg->GetInputWindow(); }},
+      {[this] { Choose(125); }, [this] { return dlg->GetPreferences(); }},
+      {[this] { Choose(134); }, [this] { return dlg->GetAbout(); }}};
+  for (const auto& [open, window] : windows) {
+    open();
+    ASSERT_NE(window(), nullptr);
+    EXPECT_TRUE(window()->IsShown());
+  }
   // Deleting the tool closes its windows.
   Press(104);
   EXPECT_EQ(dlg->GetConfigWindow(), nullptr);
