@@ -482,9 +482,21 @@ void Instance::UpdateConfig() {
   if (page_) page_->UpdateViews();
 }
 
+namespace {
+
+std::function<void(Instance&)>& InputSettingsOpener() {
+  static std::function<void(Instance&)> opener;
+  return opener;
+}
+
+}  // namespace
+
+void Instance::SetInputSettingsOpener(std::function<void(Instance&)> opener) {
+  InputSettingsOpener() = std::move(opener);
+}
+
 void Instance::ShowInputSettings() {
-  // The input settings window belongs to the main window's set of windows,
-  // which the desktop app brings; without it there is nothing to open.
+  if (InputSettingsOpener()) InputSettingsOpener()(*this);
 }
 
 std::string Instance::GetDataPath() { return GetUserFolder() + "/data/" + plugin_->GetPath(); }

@@ -4,6 +4,7 @@
 // saved bytes and its nodes in the host.
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -83,6 +84,9 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   // instance or node carries it.
   static std::string MakeUniqueName(const std::string& wanted, AdaptorInterface* adaptor);
   static const std::vector<Instance*>& All();
+  // Where ShowInputSettings opens its window: the desktop app's main window
+  // sets it; without one (the command line) there is nothing to open.
+  static void SetInputSettingsOpener(std::function<void(Instance&)> opener);
 
   const std::string& InstanceName() const { return util::MessageNode::GetName(); }
   // The instance, its gauge device and its tool take the new name.

@@ -159,6 +159,22 @@ InstanceReference* InstanceManager::Clone(InstanceReference* item) {
   return made;
 }
 
+bool InstanceManager::Move(InstanceReference* item, InstanceReference* newParent) {
+  TreeItem* target = newParent ? newParent : &root_;
+  if (!item || !item->parent) return false;
+  for (const TreeItem* up = target; up; up = up->parent) {
+    if (up == item) return false;
+  }
+  if (target == item->parent) return true;
+  const InstanceReferenceMove::Place from{item->parent, static_cast<std::size_t>(item->ChildIndex())};
+  adaptor_->BeginUndo("Move tool");
+  auto* record = new InstanceReferenceMove(item, from, {target, target->GetChildCount()});
+  record->Redo();
+  adaptor_->PutUndo(record);
+  adaptor_->EndUndo();
+  return true;
+}
+
 bool InstanceManager::Rename(InstanceReference* item, const std::string& newName) {
   if (!item || !item->instance || newName.empty()) return false;
   const std::string oldName = item->GetLabel();

@@ -52,6 +52,10 @@ class InstanceManager : public InstanceList {
   // outside parents; nodes of other tools below the source's are copied
   // below the copy's.
   InstanceReference* Clone(InstanceReference* item);
+  // Moves the tool, with those below it, to the end of another tool's
+  // children (the root's when null), undoable; false when that would put
+  // it below itself.
+  bool Move(InstanceReference* item, InstanceReference* newParent);
   // Gives the tool a new name, undoable; false for an empty name or one that
   // another tool has.
   bool Rename(InstanceReference* item, const std::string& newName);

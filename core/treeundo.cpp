@@ -1,5 +1,7 @@
 #include "core/treeundo.h"
 
+#include <algorithm>
+
 namespace vuk::rgw::core {
 
 TreePlaceRestore::~TreePlaceRestore() {
@@ -22,6 +24,12 @@ void TreePlaceRestore::Place(bool out) {
 void TreePlaceRestore::Undo(bool) { Place(!outAfterDo_); }
 
 void TreePlaceRestore::Redo() { Place(outAfterDo_); }
+
+void InstanceReferenceMove::MoveTo(const Place& place) {
+  if (item_->parent) item_->parent->TakeChild(item_);
+  place.parent->InsertChild(std::min(place.index, place.parent->GetChildCount()), item_);
+  item_->parent = place.parent;
+}
 
 void InstanceReferenceRename::Apply(const std::string& name) {
   instance_->Rename(name);

@@ -43,6 +43,24 @@ class InstanceReferenceDeleteRestore : public TreePlaceRestore {
       : TreePlaceRestore(item, parent, index, true) {}
 };
 
+// A tool moved to another parent in the tree: undo puts it back in its old
+// place, redo in its new one. The item is in the tree either way.
+class InstanceReferenceMove : public CUndo {
+ public:
+  struct Place {
+    TreeItem* parent;
+    std::size_t index;
+  };
+  InstanceReferenceMove(InstanceReference* item, Place from, Place to) : item_(item), from_(from), to_(to) {}
+  void Undo(bool) override { MoveTo(from_); }
+  void Redo() override { MoveTo(to_); }
+
+ private:
+  void MoveTo(const Place& place);
+  InstanceReference* item_;
+  Place from_, to_;
+};
+
 class InstanceReferenceRename : public CUndo {
  public:
   InstanceReferenceRename(Instance* instance, std::string before, std::string after)

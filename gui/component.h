@@ -20,6 +20,7 @@ constexpr std::int32_t kMessageFirst = 16384;
 constexpr std::int32_t kMessageLast = 17280;
 constexpr std::int32_t kButtonPressed = 16706;
 constexpr std::int32_t kValueChanged = 16960;
+constexpr std::int32_t kItemDropped = 16961;
 
 class Component : public util::DynamicObject, public util::Composite_Dynamic<Component>, public util::MessageNode {
  public:
@@ -40,8 +41,9 @@ class Component : public util::DynamicObject, public util::Composite_Dynamic<Com
   void SetAlias(const std::string& token, const std::string& path) { aliases_[token] = path; }
   std::string ResolvePath(const std::string& path) const;
 
-  // Tells listeners: the user pressed (kButtonPressed) or changed a value
-  // (kValueChanged); `value` is the id of what was used.
+  // Tells listeners: the user pressed (kButtonPressed), changed a value
+  // (kValueChanged) or dropped an item (kItemDropped); `value` is the id of
+  // what was used.
   void Notify(std::int32_t messageId, std::int32_t value);
 
   // Set by the back-end that shows the component: called when code changes

@@ -40,8 +40,9 @@ void Property::ControlRemoved(Control* control) {
   for (ControlTarget* target : told) target->ControlRemoved(control);
 }
 
-double Property::Evaluate() {
-  const double x = source ? source->GetValue() : 0.0;
+double Property::Evaluate() { return Response(source ? source->GetValue() : 0.0); }
+
+double Property::Response(double x) const {
   const double sign = x < 0 ? -1.0 : 1.0;
   const double y = std::max(0.0, std::fabs(x) - deadzone) / (1.0 - deadzone);
   return std::pow(y, exponent) * sign * multiplier + offset;

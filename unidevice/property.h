@@ -32,6 +32,8 @@ class Property : public ControlTarget {
   // pow(max(0, |x| - deadzone) / (1 - deadzone), exponent) x sign(x) x
   // multiplier + offset, with x the source value or 0.
   virtual double Evaluate();
+  // The same for a given source value: the channel's response curve.
+  double Response(double x) const;
   virtual ~Property();
 
   // Wires the property to a control, or to none.

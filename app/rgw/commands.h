@@ -24,6 +24,7 @@ int RecordCommand(const Arguments& args);
 int RecoverCommand(const Arguments& args);
 // One line about the take journal beside a scene file, when it has one.
 void SayUnfinishedTake(const std::string& scenePath);
+int GuiCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

@@ -11,6 +11,7 @@
 #include "app/rgw/commands.h"
 #include "app/rgw/picture.h"
 #include "app/rgw/samplepage.h"
+#include "core/window/windowbase.h"
 #include "gui/builder.h"
 #include "gui/qt/realizer.h"
 #include "util/xml/element.h"
@@ -23,15 +24,6 @@ int LayoutUsage(const Arguments& args) {
   return Usage(args,
                "usage: rgw layout show FILE --png OUT [--width W] [--height H]\n"
                "       rgw layout page --png OUT [--width W] [--height H]\n");
-}
-
-// The texts the program fills into its windows: the version, and as the
-// build the version's integer form (major x 1000 + minor x 100 + patch), the
-// number the version check reports.
-vuk::gui::Placeholders ProgramTexts() {
-  int major = 0, minor = 0, patch = 0;
-  std::sscanf(RGW_VERSION, "%d.%d.%d", &major, &minor, &patch);
-  return {{"%VERSION%", RGW_VERSION}, {"%BUILD%", std::to_string(major * 1000 + minor * 100 + patch)}};
 }
 
 // Shows the tree and writes its picture.
@@ -79,7 +71,7 @@ int ShowLayout(const std::vector<std::string>& args, bool samplePage) {
     std::fprintf(stderr, "rgw: %s: the layout can't be read\n", file.c_str());
     return 1;
   }
-  vuk::gui::FillPlaceholders(layout, ProgramTexts());
+  vuk::gui::FillPlaceholders(layout, vuk::rgw::core::ProgramTexts(RGW_VERSION));
   vuk::app::SamplePage page;
   if (samplePage) {
     // The page goes into the window's list 210, as the configuration window places it.

@@ -51,6 +51,7 @@ int Help(int code) {
                "  record FILE --seconds N --out OUT [--speed S] [--instance NAME]...\n"
                "                         records a take live from the bound joysticks, no window\n"
                "  recover FILE --out OUT the take a recording cut short left beside FILE\n"
+               "  gui [FILE]             the desktop app, with the scene FILE when given\n"
                "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
                "otherwise the file's own.\n"
                "Each command takes --help and ends with a line saying what it did;\n"
@@ -79,6 +80,7 @@ int Dispatch(const vuk::app::Arguments& args) {
   if (command == "view") return vuk::app::ViewCommand(rest);
   if (command == "record") return vuk::app::RecordCommand(rest);
   if (command == "recover") return vuk::app::RecoverCommand(rest);
+  if (command == "gui") return vuk::app::GuiCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);
 }

@@ -32,4 +32,11 @@ void Tree::ChangeFlag(Node* node, std::size_t column, std::int32_t state) {
   Notify(kValueChanged, id);
 }
 
+void Tree::Drop(Node* node, Node* target) {
+  if (!node || node == target) return;
+  dropped = node;
+  dropTarget = target;
+  Notify(kItemDropped, id);
+}
+
 }  // namespace vuk::gui::component

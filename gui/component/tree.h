@@ -31,11 +31,17 @@ class Tree : public StdComponent, public componentinterface::Tree {
   // The user selected an item, or set a flag of one.
   void ChangeSelected(Node* node);
   void ChangeFlag(Node* node, std::size_t column, std::int32_t state);
+  // The user dragged an item onto another (null: onto the top level). The
+  // tree is left as it was: the code that owns the items moves them.
+  void Drop(Node* node, Node* target);
 
   bool dragDrop;
   std::vector<Flag> flags;
   Node* root = nullptr;
   Node* selected = nullptr;
+  // The last drop, for the listeners of kItemDropped.
+  Node* dropped = nullptr;
+  Node* dropTarget = nullptr;
 };
 
 }  // namespace vuk::gui::component

@@ -20,6 +20,7 @@
 #include <QSignalBlocker>
 #include <QToolButton>
 #include <QTreeWidget>
+#include <QTreeWidgetItemIterator>
 
 #include "gui/component/choices.h"
 #include "gui/component/containers.h"
@@ -319,20 +320,32 @@ QWidget* MakeListBox(ListBox& box, QWidget* parent) {
 
 using TreeNode = componentinterface::Tree::Node;
 
-void AddTreeItems(QTreeWidgetItem* parentItem, QTreeWidget* widget, TreeNode* node, std::size_t flagCount) {
+// A flag column with icons shows the icon of its state and turns on and off
+// by a click; one without shows a check box.
+bool HasIcons(const Tree::Flag& flag) { return !flag.trueIcon.empty(); }
+
+void ShowFlag(const Tree& tree, QTreeWidgetItem* item, std::size_t f, std::int32_t state) {
+  const Tree::Flag& flag = tree.flags[f];
+  const int column = static_cast<int>(f) + 1;
+  if (!HasIcons(flag)) {
+    item->setCheckState(column, state == 1 ? Qt::Checked : state == 2 ? Qt::PartiallyChecked : Qt::Unchecked);
+    return;
+  }
+  const std::string& path = state == 1 ? flag.trueIcon
+                            : state == 2 && !flag.undeterminedIcon.empty() ? flag.undeterminedIcon
+                                                                           : flag.falseIcon;
+  item->setIcon(column, QIcon(Image(tree, path)));
+}
+
+void AddTreeItems(QTreeWidgetItem* parentItem, QTreeWidget* widget, const Tree& tree, TreeNode* node) {
   for (std::size_t i = 0; node && i < node->GetNodeCount(); ++i) {
     TreeNode* child = node->GetNode(i);
     auto* item = parentItem ? new QTreeWidgetItem(parentItem) : new QTreeWidgetItem(widget);
     item->setText(0, Text(child->GetLabel()));
     item->setData(0, Qt::UserRole, QVariant::fromValue(reinterpret_cast<quintptr>(child)));
-    for (std::size_t f = 0; f < flagCount; ++f) {
-      const std::int32_t state = child->GetFlag(f);
-      item->setCheckState(static_cast<int>(f) + 1, state == 1   ? Qt::Checked
-                                                   : state == 2 ? Qt::PartiallyChecked
-                                                                : Qt::Unchecked);
-    }
+    for (std::size_t f = 0; f < tree.flags.size(); ++f) ShowFlag(tree, item, f, child->GetFlag(f));
     item->setExpanded(true);
-    AddTreeItems(item, widget, child, flagCount);
+    AddTreeItems(item, widget, tree, child);
   }
 }
 
@@ -341,10 +354,15 @@ TreeNode* NodeOf(QTreeWidgetItem* item) {
 }
 
 QWidget* MakeTree(Tree& tree, QWidget* parent) {
-  auto* widget = new QTreeWidget(parent);
+  auto* widget = new DropTreeWidget(parent);
   widget->setColumnCount(static_cast<int>(tree.flags.size()) + 1);
   widget->setHeaderHidden(true);
-  widget->setDragEnabled(tree.dragDrop);
+  if (tree.dragDrop) {
+    widget->setDragDropMode(QAbstractItemView::InternalMove);
+    widget->onDrop = [&tree](QTreeWidgetItem* dragged, QTreeWidgetItem* target) {
+      tree.Drop(NodeOf(dragged), NodeOf(target));
+    };
+  }
   widget->header()->setStretchLastSection(false);
   widget->header()->setSectionResizeMode(0, QHeaderView::Stretch);
   for (int f = 1; f <= static_cast<int>(tree.flags.size()); ++f) {
@@ -352,15 +370,27 @@ QWidget* MakeTree(Tree& tree, QWidget* parent) {
   }
   QObject::connect(widget, &QTreeWidget::currentItemChanged,
                    [&tree](QTreeWidgetItem* item) { tree.ChangeSelected(NodeOf(item)); });
+  QObject::connect(widget, &QTreeWidget::itemClicked, [&tree](QTreeWidgetItem* item, int column) {
+    const auto f = static_cast<std::size_t>(column - 1);
+    TreeNode* node = NodeOf(item);
+    if (column < 1 || f >= tree.flags.size() || !HasIcons(tree.flags[f]) || !node) return;
+    const std::int32_t state = node->GetFlag(f) == 1 ? 0 : 1;
+    tree.ChangeFlag(node, f, state);
+    ShowFlag(tree, item, f, state);
+  });
   QObject::connect(widget, &QTreeWidget::itemChanged, [&tree](QTreeWidgetItem* item, int column) {
-    if (column < 1) return;
+    if (column < 1 || HasIcons(tree.flags[static_cast<std::size_t>(column - 1)])) return;
     const Qt::CheckState state = item->checkState(column);
     tree.ChangeFlag(NodeOf(item), static_cast<std::size_t>(column - 1),
                     state == Qt::Checked ? 1 : state == Qt::PartiallyChecked ? 2 : 0);
   });
-  Follow(tree, widget, [&tree](QTreeWidget* w) {
+  Follow(tree, widget, [&tree](DropTreeWidget* w) {
     w->clear();
-    AddTreeItems(nullptr, w, tree.root, tree.flags.size());
+    AddTreeItems(nullptr, w, tree, tree.root);
+    // The selection that code kept or set stays shown.
+    for (QTreeWidgetItemIterator it(w); *it; ++it) {
+      if (tree.selected && NodeOf(*it) == tree.selected) w->setCurrentItem(*it);
+    }
   });
   return widget;
 }

@@ -1,5 +1,6 @@
 #include "gui/qt/widgets.h"
 
+#include <QDropEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -70,6 +71,19 @@ void GraphWidget::paintEvent(QPaintEvent*) {
   for (std::size_t i = 1; i < points_.size(); ++i) path.lineTo(map(points_[i]));
   painter.setPen(QPen(palette().highlight().color(), 2));
   painter.drawPath(path);
+}
+
+void DropTreeWidget::dropEvent(QDropEvent* event) {
+  QTreeWidgetItem* dragged = currentItem();
+  QTreeWidgetItem* target = itemAt(event->pos());
+  // Between two items the new parent is theirs.
+  if (target && dropIndicatorPosition() != QAbstractItemView::OnItem) target = target->parent();
+  event->setDropAction(Qt::IgnoreAction);
+  event->accept();
+  // The code rebuilds the items, which must not happen inside their own drop.
+  if (dragged && onDrop) {
+    QMetaObject::invokeMethod(this, [this, dragged, target] { onDrop(dragged, target); }, Qt::QueuedConnection);
+  }
 }
 
 }  // namespace vuk::gui::component::qt

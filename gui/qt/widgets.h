@@ -1,10 +1,12 @@
 #pragma once
-// Widgets the toolkit draws itself: an image button with its four states and
-// a value curve.
+// Widgets the toolkit draws itself: an image button with its four states, a
+// value curve, and a tree that reports drops instead of moving its items.
 
 #include <QAbstractButton>
 #include <QPixmap>
+#include <QTreeWidget>
 #include <QWidget>
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -43,6 +45,18 @@ class GraphWidget : public QWidget {
  private:
   std::vector<std::pair<double, double>> points_;
   double left_, right_, top_, bottom_;
+};
+
+// The items are a mirror of what the code owns: a drop is handed to the code
+// (the item dragged, and the new parent or null for the top level), which
+// moves the real items and shows the tree again.
+class DropTreeWidget : public QTreeWidget {
+ public:
+  using QTreeWidget::QTreeWidget;
+  std::function<void(QTreeWidgetItem* dragged, QTreeWidgetItem* newParent)> onDrop;
+
+ protected:
+  void dropEvent(QDropEvent* event) override;
 };
 
 }  // namespace vuk::gui::component::qt

@@ -31,11 +31,23 @@ InstanceReference* ToolTreeNode::Find(const Node* node) const {
   return nullptr;
 }
 
+ToolTreeNode* ToolTreeNode::NodeOf(const InstanceReference* item) {
+  if (item == &item_) return this;
+  for (const auto& child : children_) {
+    if (ToolTreeNode* found = child->NodeOf(item)) return found;
+  }
+  return nullptr;
+}
+
 void ToolTreeView::Show(componentinterface::Tree& tree) {
   // The old mirror goes only once the component holds the new one.
   auto next = std::make_unique<ToolTreeNode>(root_);
   tree.SetRoot(next.get());
   shown_ = std::move(next);
+}
+
+componentinterface::Tree::Node* ToolTreeView::NodeOf(const InstanceReference* item) const {
+  return shown_ && item ? shown_->NodeOf(item) : nullptr;
 }
 
 InstanceReference* ToolTreeView::ItemOf(const componentinterface::Tree::Node* node) const {

@@ -28,6 +28,8 @@ class ToolTreeNode final : public componentinterface::Tree::Node {
 
   // The tool item behind this node or one below it; null when it is none of them.
   rgw::core::InstanceReference* Find(const Node* node) const;
+  // The node of that tool item, this one or one below it; null when none is.
+  ToolTreeNode* NodeOf(const rgw::core::InstanceReference* item);
 
  private:
   rgw::core::InstanceReference& item_;
@@ -45,6 +47,8 @@ class ToolTreeView {
   // The tool item behind a node the component handed out; null for none,
   // and for a node of a mirror shown before, which is gone.
   rgw::core::InstanceReference* ItemOf(const componentinterface::Tree::Node* node) const;
+  // The node shown for a tool item; null when the mirror has none.
+  componentinterface::Tree::Node* NodeOf(const rgw::core::InstanceReference* item) const;
 
  private:
   rgw::core::InstanceReference& root_;

@@ -105,6 +105,43 @@ TEST(Realizer, ControlsAndTheirModelsGoBothWays) {
   EXPECT_EQ(listener.heard.back(), std::make_pair(kValueChanged, 119));
 }
 
+// Flags with icons show the icon of their state and turn by a click; a drop
+// is reported, and the items stay where the code keeps them.
+TEST(Realizer, IconFlagsTurnByAClickAndDropsAreReported) {
+  util::xml::Element element;
+  ASSERT_EQ(element.ParseText("<dialog><tree id=\"119\" dragdrop=\"yes\"><flag trueicon=\"[coreimages]/flag_on.png\" "
+                              "falseicon=\"[coreimages]/flag_off.png\"/><flag/></tree></dialog>"),
+            util::xml::kParsed);
+  std::unique_ptr<Component> root = BuildComponent(element);
+  root->SetAlias("[coreimages]", DataRoot() + "/core/images");
+  std::unique_ptr<QWidget> widget(component::qt::Realize(*root));
+  Item top("RGT");
+  top.children.push_back(std::make_unique<Item>("A"));
+  top.children.push_back(std::make_unique<Item>("B"));
+  auto* tree = dynamic_cast<component::Tree*>(root->FindComponentById(119));
+  tree->SetRoot(&top);
+  auto* view = widget->findChild<QTreeWidget*>();
+  QTreeWidgetItem* item = view->topLevelItem(0);
+  const QImage on = item->icon(1).pixmap(16).toImage();
+  EXPECT_FALSE(on.isNull());
+  EXPECT_EQ(item->data(1, Qt::CheckStateRole), QVariant());
+  emit view->itemClicked(item, 1);
+  EXPECT_EQ(top.children[0]->flags[0], 0);
+  EXPECT_NE(item->icon(1).pixmap(16).toImage(), on);
+  emit view->itemClicked(item, 1);
+  EXPECT_EQ(top.children[0]->flags[0], 1);
+  EXPECT_EQ(item->icon(1).pixmap(16).toImage(), on);
+
+  Listener listener;
+  listener.Connect(tree);
+  tree->Drop(top.children[1].get(), top.children[0].get());
+  EXPECT_EQ(listener.heard, (Listener::Heard{{kItemDropped, 119}}));
+  EXPECT_EQ(tree->dropped, top.children[1].get());
+  EXPECT_EQ(tree->dropTarget, top.children[0].get());
+  tree->Drop(top.children[0].get(), top.children[0].get());
+  EXPECT_EQ(listener.heard.size(), 1u);
+}
+
 TEST(Realizer, APopupSendsTheChosenId) {
   util::xml::Element element;
   element.ParseText("<popup><item id=\"1\" label=\"Configure\"/><separator/><item id=\"5\" label=\"Delete\"/>"
