@@ -3,11 +3,11 @@
 #include <QCoreApplication>
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 
 #include "app/rgw/commandoptions.h"
 #include "app/rgw/liverecording.h"
+#include "app/rgw/takerecovery.h"
 #include "app/rgw/wording.h"
 #include "core/resimulator.h"
 #include "core/takejournal.h"
@@ -47,47 +47,6 @@ bool NamedTools(const Options& options, Session& session, std::vector<std::strin
 std::vector<std::string> CheckedNames(Session& session) {
   std::vector<std::string> names;
   for (const rgw::core::Instance* instance : session.tools.CheckedInstances()) names.push_back(instance->InstanceName());
-  return names;
-}
-
-// "2.480 s from 0.000 s".
-std::string Span(double seconds, double from) {
-  char text[64];
-  std::snprintf(text, sizeof text, "%.3f s from %.3f s", seconds, from);
-  return text;
-}
-
-// The journal's frames into the tools' recorded tracks, replacing what they
-// held from the take's start on, as the recording did; false with the reason.
-bool RestoreTake(const rgw::core::JournalTake& take, Session& session, const std::string& file, std::string& error) {
-  const std::size_t stride = take.ChannelCount();
-  std::size_t column = 0;
-  for (const rgw::core::JournalTake::Tool& tool : take.tools) {
-    rgw::core::InstanceReference* item = session.tools.Find(tool.name);
-    if (!item) {
-      error = file + ": no tool \"" + tool.name + "\" to take the journal's frames; its tools are " +
-              Listed(session.tools.InstanceNames());
-      return false;
-    }
-    for (const std::string& channel : tool.channels) {
-      auto* track = item->instance->TrackOf(channel);
-      if (!track) {
-        error = tool.name + " has no channel \"" + channel + "\" to take the journal's frames";
-        return false;
-      }
-      track->RemoveFrom(take.startTime);
-      for (std::size_t frame = 0; frame < take.times.size(); ++frame) {
-        track->Set(take.times[frame], take.values[frame * stride + column]);
-      }
-      ++column;
-    }
-  }
-  return true;
-}
-
-std::vector<std::string> ToolsOf(const rgw::core::JournalTake& take) {
-  std::vector<std::string> names;
-  for (const auto& tool : take.tools) names.push_back(tool.name);
   return names;
 }
 
@@ -156,27 +115,18 @@ int RecoverCommand(const Arguments& args) {
       "  the take up to the damage.\n";
   Options options{"out", "fps"};
   if (const auto code = options.Read(args, usage, {"out"})) return *code;
-  const std::string path = rgw::core::JournalPathOf(options.file);
-  std::error_code ignored;
-  if (!std::filesystem::exists(path, ignored)) return Fail(options.file + " has no take to recover: no " + path);
-  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(path);
-  if (reading.state == rgw::core::JournalReading::State::kRefused) return Fail(reading.problem);
-  if (reading.state == rgw::core::JournalReading::State::kCut) {
-    std::fprintf(stderr, "rgw: %s; the take is recovered up to there\n", reading.problem.c_str());
+  const UnfinishedTake unfinished = FindUnfinishedTake(options.file);
+  if (!unfinished.found) return Fail(options.file + " has no take to recover: no " + unfinished.path);
+  if (!unfinished.Recoverable()) return Fail(unfinished.Problem());
+  if (unfinished.reading.state == rgw::core::JournalReading::State::kCut) {
+    std::fprintf(stderr, "rgw: %s; the take is recovered up to there\n", unfinished.reading.problem.c_str());
   }
-  const rgw::core::JournalTake& take = reading.take;
-  if (take.times.empty()) return Fail(path + ": the take ends before its first frame; nothing to recover");
+  const rgw::core::JournalTake& take = unfinished.reading.take;
   Session session;
   if (const auto code = OpenScene(options, session)) return *code;
   std::string error;
-  if (!RestoreTake(take, session, options.file, error)) return Fail(error);
-  const double from = take.startTime, to = take.times.back();
-  const std::string tooLong = rgw::core::Resimulator::RangeProblem(from, to, rgw::core::TimeBase(session.host.GetFrameRate()));
-  if (!tooLong.empty()) return Fail(path + ": " + tooLong);
-  {
-    OnlyTheseTools only(session.tools, ToolsOf(take));
-    session.Resimulate(from, to);
-  }
+  if (!RecoverTake(take, session, options.file, error)) return Fail(error);
+  const double from = take.startTime;
   return SaveAndSay(session, options.Get("out"),
                     "recovered " + Span(take.Seconds(), from) + " of the take of " + Listed(ToolsOf(take)) + " (" +
                         Counted(take.times.size(), "frame") + "): " + Counted(session.ToolKeyCount(), "key") +
@@ -184,18 +134,14 @@ int RecoverCommand(const Arguments& args) {
 }
 
 void SayUnfinishedTake(const std::string& scenePath) {
-  const std::string path = rgw::core::JournalPathOf(scenePath);
-  std::error_code ignored;
-  if (!std::filesystem::exists(path, ignored)) return;
-  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(path);
-  if (reading.state == rgw::core::JournalReading::State::kRefused) {
-    std::printf("%s; no take to recover from it\n", reading.problem.c_str());
+  const UnfinishedTake unfinished = FindUnfinishedTake(scenePath);
+  if (!unfinished.found) return;
+  if (unfinished.reading.state == rgw::core::JournalReading::State::kRefused) {
+    std::printf("%s; no take to recover from it\n", unfinished.reading.problem.c_str());
     return;
   }
-  const rgw::core::JournalTake& take = reading.take;
-  std::printf("%s holds an unfinished take of %s with %s%s: 'rgw recover %s --out OUT' recovers it\n", path.c_str(),
-              Span(take.Seconds(), take.startTime).c_str(), Listed(ToolsOf(take)).c_str(),
-              reading.state == rgw::core::JournalReading::State::kCut ? ", damaged at its end" : "", scenePath.c_str());
+  std::printf("%s holds an unfinished take of %s: 'rgw recover %s --out OUT' recovers it\n", unfinished.path.c_str(),
+              unfinished.Description().c_str(), scenePath.c_str());
 }
 
 }  // namespace vuk::app

@@ -16,6 +16,8 @@
 #include "adaptor/standalone/standalonenode.h"
 #include "core/corelog.h"
 #include "core/messagebox.h"
+#include "core/paths.h"
+#include "core/takejournal.h"
 #include "gui/component/choices.h"
 #include "gui/component/controls.h"
 #include "scenes/samplescene.h"
@@ -47,12 +49,12 @@ class Desktop : public testing::Test {
     });
     return found;
   }
-  // A camera tool made through the main window, as a user makes it.
-  void MakeCamera() {
+  // A tool made through the main window, as a user makes it.
+  void MakeTool(const std::string& tool = "LookAtCam") {
     rgw::core::MainDlg& dlg = window.GetMainDlg();
     const auto& tools = dlg.Creatable();
     for (std::size_t i = 0; i < tools.size(); ++i) {
-      if (tools[i]->ToolName() == "LookAtCam") {
+      if (tools[i]->ToolName() == tool) {
         dlg.ControlOf<gui::component::FlmButton>(102)->Choose(rgw::core::MainDlg::kCreateBase + static_cast<int>(i));
       }
     }
@@ -66,7 +68,7 @@ class Desktop : public testing::Test {
 TEST_F(Desktop, ScenesOpenSaveAndStartAfreshWithTheirTools) {
   const std::string path = TempPath("scene.gltf");
   vuk::scenes::BuildSampleScene(window.GetSession().host.GetScene());
-  MakeCamera();
+  MakeTool();
   ASSERT_EQ(Tools(), (std::vector<std::string>{"LookAtCam_01"}));
   ASSERT_TRUE(window.SaveSceneAs(path));
   EXPECT_EQ(window.ScenePath(), path);
@@ -101,7 +103,7 @@ TEST_F(Desktop, AFileThatCantBeReadIsABoxAndAnEmptyScene) {
 }
 
 TEST_F(Desktop, UndoAndRedoFollowTheHostsBufferAndTheTree) {
-  MakeCamera();
+  MakeTool();
   EXPECT_EQ(Shown(), 1u);
   window.Undo();
   EXPECT_TRUE(Tools().empty());
@@ -112,7 +114,7 @@ TEST_F(Desktop, UndoAndRedoFollowTheHostsBufferAndTheTree) {
 }
 
 TEST_F(Desktop, UndoDuringARecordingRecordsAgainAndKeepsTheTools) {
-  MakeCamera();
+  MakeTool();
   auto& recorder = *window.GetSession().core.GetRecorder();
   window.GetMainDlg().ControlOf<gui::component::Button>(116)->Press();
   ASSERT_TRUE(recorder.IsRecording());
@@ -147,7 +149,7 @@ TEST_F(Desktop, TimelineScrubsSetsRangeAndRateAndPlaysRoundTheRange) {
 
 TEST_F(Desktop, OutlinerLinksAToolsNodeBelowASceneNodeAndUnlinksItUndoably) {
   vuk::scenes::BuildSampleScene(window.GetSession().host.GetScene());
-  MakeCamera();
+  MakeTool();
   Outliner& outliner = window.GetOutliner();
   outliner.Refresh();
   SceneNode* camera = Named("LookAtCam_01_LookAtCam");
@@ -191,11 +193,76 @@ TEST_F(Desktop, LogPaneShowsWhatTheCoreWrites) {
   EXPECT_NE(pane->toPlainText().toStdString().find("a line for the pane"), std::string::npos);
 }
 
-TEST_F(Desktop, TheViewportTakesItsPlace) {
-  auto* viewport = new QWidget();
-  viewport->setObjectName("viewport");
-  window.SetViewport(viewport);
-  EXPECT_EQ(window.centralWidget()->findChild<QWidget*>("viewport"), viewport);
+// Records with the main window's Record button for a while of the wall
+// clock, without a countdown, and stops.
+void RecordFor(DesktopWindow& window, int ms) {
+  window.GetSession().core.GetRecorder()->countdownSeconds = 0;
+  gui::component::Button& record = *window.GetMainDlg().ControlOf<gui::component::Button>(116);
+  record.Press();
+  ASSERT_TRUE(window.GetSession().core.IsRecording());
+  RunFor(ms);
+  record.Press();
+  ASSERT_FALSE(window.GetSession().core.IsRecording());
+}
+
+TEST_F(Desktop, ARecordingKeepsItsJournalBesideTheSceneUntilSaved) {
+  const std::string path = TempPath("journal.gltf");
+  vuk::scenes::BuildSampleScene(window.GetSession().host.GetScene());
+  MakeTool("1DPositioner");
+  ASSERT_TRUE(window.SaveSceneAs(path));
+  const std::string journal = rgw::core::JournalPathOf(path);
+  EXPECT_EQ(window.JournalPath(), journal);
+  RecordFor(window, 300);
+  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(journal);
+  ASSERT_EQ(reading.state, rgw::core::JournalReading::State::kWhole) << reading.problem;
+  EXPECT_EQ(reading.take.tools.size(), 1u);
+  EXPECT_EQ(reading.take.tools[0].name, "1DPositioner_01");
+  EXPECT_GT(reading.take.times.size(), 2u);
+  ASSERT_TRUE(window.SaveScene());
+  EXPECT_FALSE(std::filesystem::exists(journal));
+  std::filesystem::remove(path);
+}
+
+TEST_F(Desktop, AnUnsavedScenesJournalIsInTheUserFolder) {
+  EXPECT_EQ(window.JournalPath().rfind(rgw::core::GetUserFolder(), 0), 0u) << window.JournalPath();
+}
+
+TEST_F(Desktop, OpeningASceneWithAnUnfinishedTakeOffersToRecoverIt) {
+  const std::string path = TempPath("recover.gltf");
+  vuk::scenes::BuildSampleScene(window.GetSession().host.GetScene());
+  MakeTool("1DPositioner");
+  ASSERT_TRUE(window.SaveSceneAs(path));
+  RecordFor(window, 300);
+  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(rgw::core::JournalPathOf(path));
+  ASSERT_FALSE(reading.take.times.empty());
+  ASSERT_FALSE(reading.take.tools[0].channels.empty());
+  const std::string channel = reading.take.tools[0].channels[0];
+  std::vector<std::string> asked;
+  std::int32_t answer = rgw::box::kNo;
+  rgw::core::SetMessageBoxSink([&](const std::string& text, const std::string&, std::int32_t style) {
+    asked.push_back(text);
+    EXPECT_EQ(style, rgw::box::kYesNo | rgw::box::kQuestion);
+    return answer;
+  });
+  const auto recorded = [&] {
+    return window.GetSession().tools.Find("1DPositioner_01")->instance->TrackOf(channel)->records.size();
+  };
+  // Declined, the scene is as saved and the journal stays for later.
+  ASSERT_TRUE(window.OpenScene(path));
+  ASSERT_EQ(asked.size(), 1u);
+  EXPECT_NE(asked[0].find("holds an unfinished take of"), std::string::npos) << asked[0];
+  EXPECT_NE(asked[0].find("1DPositioner_01"), std::string::npos) << asked[0];
+  EXPECT_EQ(recorded(), 0u);
+  answer = rgw::box::kYes;
+  ASSERT_TRUE(window.OpenScene(path));
+  EXPECT_EQ(asked.size(), 2u);
+  EXPECT_EQ(recorded(), reading.take.times.size());
+  EXPECT_GT(window.GetSession().ToolKeyCount(), 0u);
+  ASSERT_TRUE(window.SaveScene());
+  ASSERT_TRUE(window.OpenScene(path));
+  EXPECT_EQ(asked.size(), 2u);
+  EXPECT_EQ(recorded(), reading.take.times.size());
+  std::filesystem::remove(path);
 }
 
 }  // namespace

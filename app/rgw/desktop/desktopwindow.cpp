@@ -10,9 +10,13 @@
 #include <QMenuBar>
 #include <QSplitter>
 #include <QUrl>
+#include <filesystem>
 
 #include "app/rgw/desktop/messagedialogs.h"
+#include "app/rgw/takerecovery.h"
+#include "core/corelog.h"
 #include "core/messagebox.h"
+#include "core/paths.h"
 #include "sdk/cinterface.h"
 
 namespace vuk::app::desktop {
@@ -21,21 +25,20 @@ namespace {
 
 constexpr const char* kCaption = "Quoll Rigworks";
 
-// Where the 3D viewport goes until one is set.
-QWidget* ViewportPlace(QWidget* parent) {
-  auto* place = new QLabel("3D viewport", parent);
-  place->setAlignment(Qt::AlignCenter);
-  place->setMinimumSize(480, 360);
-  place->setAutoFillBackground(true);
-  place->setStyleSheet("QLabel { background: #3a3f47; color: #9aa3ad; font-size: 16px; }");
-  return place;
+// A scene never saved keeps its takes' journal in the user folder.
+std::string UntitledScene() {
+  const std::filesystem::path folder = rgw::core::GetUserFolder();
+  std::error_code ignored;
+  std::filesystem::create_directories(folder, ignored);
+  return (folder / "untitled.gltf").string();
 }
 
 }  // namespace
 
 DesktopWindow::DesktopWindow(const std::string& version)
-    : version_(version), split_(new QSplitter(Qt::Horizontal, this)), viewport_(ViewportPlace(split_)),
-      log_(nullptr), outlinerDock_(new QDockWidget("Outliner", this)), timelineDock_(new QDockWidget("Timeline", this)) {
+    : version_(version), split_(new QSplitter(Qt::Horizontal, this)),
+      viewport_(new gui::viewport::Viewport(split_)), countdown_(new CountdownDialog(viewport_)), log_(nullptr), outlinerDock_(new QDockWidget("Outliner", this)), timelineDock_(new QDockWidget("Timeline", this)),
+      recordingKeys_([this] { return session_ && session_->core.IsRecording() && !session_->core.GetRecorder()->IsResimulating(); }) {
   desktop.openFile = [this](const std::string& caption, const std::string& filter) {
     return QFileDialog::getOpenFileName(this, QString::fromStdString(caption), QString(), QString::fromStdString(filter))
         .toStdString();
@@ -53,6 +56,9 @@ DesktopWindow::DesktopWindow(const std::string& version)
     QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
   };
   rgw::core::SetMessageBoxSink(DialogsOver(this));
+  viewport_->setMinimumSize(480, 360);
+  // Clicked, the viewport holds the focus, so that keys go to the inputs.
+  viewport_->setFocusPolicy(Qt::ClickFocus);
   split_->addWidget(viewport_);
   split_->setStretchFactor(0, 1);
   setCentralWidget(split_);
@@ -84,6 +90,8 @@ void DesktopWindow::EndSession() {
   delete outliner_;
   timeline_ = nullptr;
   outliner_ = nullptr;
+  viewport_->SetScene(nullptr);
+  countdown_->hide();
   dlg_.reset();
   session_.reset();
 }
@@ -109,9 +117,38 @@ void DesktopWindow::StartSession() {
     if (session_->core.IsRecording() && timeline_->IsPlaying()) timeline_->Stop();
     dlg_->Update();
     outliner_->RefreshIfChanged();
+    ShowTime();
   };
+  viewport_->SetScene(&session_->host.GetScene());
+  drawnTime_ = session_->host.GetTime();
+  wasRecording_ = false;
+  KeepJournal();
   ShowTitle();
-  if (onSceneChanged) onSceneChanged(*session_);
+}
+
+void DesktopWindow::KeepJournal() {
+  journal_ = std::make_unique<rgw::core::TakeJournal>(rgw::core::JournalPathOf(path_.empty() ? UntitledScene() : path_));
+  session_->core.GetRecorder()->journal = journal_.get();
+}
+
+void DesktopWindow::ShowTime() {
+  const rgw::core::RecordManager& recorder = *session_->core.GetRecorder();
+  const bool recording = recorder.IsRecording();
+  const double now = session_->host.GetTime();
+  // The tick after a recording ends draws its last keys too.
+  if (now != drawnTime_ || recording || wasRecording_) {
+    viewport_->SetTime(now);
+    drawnTime_ = now;
+  }
+  if (recorder.countdownShown) {
+    countdown_->ShowCount(recorder.countdownShownSeconds, recorder.countdownFraction);
+  } else {
+    countdown_->hide();
+  }
+  if (wasRecording_ && !recording && !journal_->Error().empty()) {
+    rgw::core::CoreLog::Instance().Warning(journal_->Error() + "; the take went on without a journal");
+  }
+  wasRecording_ = recording;
 }
 
 void DesktopWindow::MakeMenus() {
@@ -134,6 +171,44 @@ void DesktopWindow::MakeMenus() {
   QMenu* view = menuBar()->addMenu("&View");
   view->addAction("&Rigworks panel", this, [this] { dlg_->Show(); });
   view->addAction(outlinerDock_->toggleViewAction());
+  QMenu* look = view->addMenu("&Look through");
+  connect(look, &QMenu::aboutToShow, this, [this, look] { FillLookThroughMenu(look); });
+}
+
+void DesktopWindow::FillLookThroughMenu(QMenu* menu) {
+  menu->clear();
+  const std::string current = LookingThrough();
+  const auto add = [this, menu, &current](const QString& label, const std::string& camera) {
+    QAction* choice = menu->addAction(label, this, [this, camera] { LookThrough(camera); });
+    choice->setCheckable(true);
+    choice->setChecked(camera == current);
+  };
+  add("&Orbit", "");
+  menu->addSeparator();
+  for (const std::string& camera : Cameras()) add(QString::fromStdString(camera), camera);
+}
+
+std::vector<std::string> DesktopWindow::Cameras() {
+  std::vector<std::string> names;
+  session_->host.GetScene().Walk([&names](rgw::adaptor::standalone::SceneNode& node) {
+    if (node.kind == rgw::adaptor::standalone::ObjectKind::kCamera) names.push_back(node.hostName);
+  });
+  return names;
+}
+
+bool DesktopWindow::LookThrough(const std::string& camera) {
+  const rgw::adaptor::standalone::SceneNode* found = nullptr;
+  session_->host.GetScene().Walk([&](rgw::adaptor::standalone::SceneNode& node) {
+    if (node.kind == rgw::adaptor::standalone::ObjectKind::kCamera && node.hostName == camera) found = &node;
+  });
+  if (!found && !camera.empty()) return false;
+  viewport_->LookThrough(found);
+  return true;
+}
+
+std::string DesktopWindow::LookingThrough() const {
+  const rgw::adaptor::standalone::SceneNode* camera = viewport_->View().Camera();
+  return camera ? camera->hostName : std::string();
 }
 
 void DesktopWindow::ShowTitle() {
@@ -146,6 +221,7 @@ void DesktopWindow::FollowScene() {
   dlg_->RefreshTree();
   outliner_->Refresh();
   timeline_->Follow();
+  viewport_->Redraw();
 }
 
 void DesktopWindow::NewScene() {
@@ -163,9 +239,11 @@ bool DesktopWindow::OpenScene(const std::string& path) {
     return false;
   }
   path_ = path;
+  KeepJournal();
   ShowTitle();
+  viewport_->SetScene(&session_->host.GetScene());
   FollowScene();
-  if (onSceneChanged) onSceneChanged(*session_);
+  OfferRecovery();
   return true;
 }
 
@@ -182,8 +260,33 @@ bool DesktopWindow::SaveSceneAs(const std::string& path) {
     return false;
   }
   path_ = path;
+  // The take is in the file now; a recording under way keeps its journal.
+  if (!session_->core.IsRecording()) {
+    journal_->Remove();
+    KeepJournal();
+  }
   ShowTitle();
   return true;
+}
+
+void DesktopWindow::OfferRecovery() {
+  const UnfinishedTake unfinished = FindUnfinishedTake(path_);
+  if (!unfinished.found) return;
+  if (!unfinished.Recoverable()) {
+    rgw::core::CoreLog::Instance().Warning(unfinished.Problem() + "; no take to recover from it");
+    return;
+  }
+  const std::string question = unfinished.path + " holds an unfinished take of " + unfinished.Description() + ". Recover it?";
+  if (rgw::core::ShowMessageBox(question, kCaption, rgw::box::kYesNo | rgw::box::kQuestion, true) != rgw::box::kYes) {
+    return;
+  }
+  std::string error;
+  if (!RecoverTake(unfinished.reading.take, *session_, path_, error)) {
+    rgw::core::ShowMessageBox(error, kCaption, rgw::box::kWarning, true);
+    return;
+  }
+  rgw::core::CoreLog::Instance().Info("recovered the take of " + journal_->Path() + "; save to keep it");
+  FollowScene();
 }
 
 void DesktopWindow::Undo() {
@@ -199,13 +302,6 @@ void DesktopWindow::Undo() {
 void DesktopWindow::Redo() {
   session_->host.Redo();
   FollowScene();
-}
-
-void DesktopWindow::SetViewport(QWidget* viewport) {
-  if (!viewport) return;
-  QWidget* old = split_->replaceWidget(0, viewport);
-  viewport_ = viewport;
-  delete old;
 }
 
 }  // namespace vuk::app::desktop

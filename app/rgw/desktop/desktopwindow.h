@@ -1,21 +1,27 @@
 #pragma once
-// The desktop app: the embedded host's parts (a place for the 3D viewport,
-// the timeline, the outliner, scene files, undo and a log pane) around the
-// main window of the core. Each scene file gets a session of its own: the
+// The desktop app: the embedded host's parts (the 3D viewport, the timeline,
+// the outliner, scene files, undo and a log pane) around the main window of
+// the core. Each scene file gets a session of its own: the
 // core started on a fresh host, as the command line starts it.
 
 #include <QMainWindow>
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "app/rgw/desktop/countdowndialog.h"
 #include "app/rgw/desktop/logpane.h"
 #include "app/rgw/desktop/outliner.h"
+#include "app/rgw/desktop/recordingkeys.h"
 #include "app/rgw/desktop/timeline.h"
 #include "app/rgw/session.h"
+#include "core/takejournal.h"
 #include "core/window/maindlg.h"
+#include "gui/viewport/viewport.h"
 
 class QDockWidget;
+class QMenu;
 class QSplitter;
 
 namespace vuk::app::desktop {
@@ -40,15 +46,22 @@ class DesktopWindow : public QMainWindow {
   void Undo();
   void Redo();
 
-  // The viewport takes the place kept for it; the window owns it.
-  void SetViewport(QWidget* viewport);
-  // Told when a new session replaces the scene, so that a viewport shows it.
-  std::function<void(Session&)> onSceneChanged;
+  // Looks through the camera node of that name, or from the orbit for an
+  // empty name; false when the scene has no such camera.
+  bool LookThrough(const std::string& camera);
+  // The name of the camera looked through; empty for the orbit.
+  std::string LookingThrough() const;
+  // The scene's camera nodes, in scene order.
+  std::vector<std::string> Cameras();
 
   Session& GetSession() { return *session_; }
   rgw::core::MainDlg& GetMainDlg() { return *dlg_; }
   Timeline& GetTimeline() { return *timeline_; }
   Outliner& GetOutliner() { return *outliner_; }
+  gui::viewport::Viewport& GetViewport() { return *viewport_; }
+  const CountdownDialog& GetCountdown() const { return *countdown_; }
+  // Where a take recorded now leaves its journal.
+  const std::string& JournalPath() const { return journal_->Path(); }
   const std::string& ScenePath() const { return path_; }
   // The dialogs the windows use; tests answer them.
   rgw::core::Desktop desktop;
@@ -61,11 +74,21 @@ class DesktopWindow : public QMainWindow {
   void ShowTitle();
   // The parts that show the scene and its tools, after it changed.
   void FollowScene();
+  // After each look at the clock: the viewport draws a time that moved, and
+  // every frame while the recorder runs, with the countdown over it.
+  void ShowTime();
+  void FillLookThroughMenu(QMenu* menu);
+  // A journal for the takes of the scene file at hand, or of the user
+  // folder's untitled scene for one never saved.
+  void KeepJournal();
+  // Opened, a scene whose journal holds an unfinished take offers it back.
+  void OfferRecovery();
 
   std::string version_;
   std::string path_;
   QSplitter* split_;
-  QWidget* viewport_;
+  gui::viewport::Viewport* viewport_;
+  CountdownDialog* countdown_;
   LogPane* log_;
   QDockWidget* outlinerDock_;
   QDockWidget* timelineDock_;
@@ -73,6 +96,10 @@ class DesktopWindow : public QMainWindow {
   std::unique_ptr<rgw::core::MainDlg> dlg_;
   Timeline* timeline_ = nullptr;
   Outliner* outliner_ = nullptr;
+  std::unique_ptr<rgw::core::TakeJournal> journal_;
+  RecordingKeys recordingKeys_;
+  double drawnTime_ = 0;
+  bool wasRecording_ = false;
 };
 
 }  // namespace vuk::app::desktop

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QSpinBox>
@@ -22,6 +23,7 @@ Timeline::Timeline(rgw::adaptor::standalone::StandaloneAdaptorInterface& host, Q
       rate_(new QSpinBox(this)) {
   auto* row = new QHBoxLayout(this);
   row->setContentsMargins(6, 4, 6, 4);
+  play_->setToolTip("Play or stop (Space)");
   row->addWidget(play_);
   row->addWidget(slider_, 1);
   frame_->setMinimumWidth(120);
@@ -40,7 +42,10 @@ Timeline::Timeline(rgw::adaptor::standalone::StandaloneAdaptorInterface& host, Q
   row->addWidget(to_);
   row->addWidget(rate_);
   connect(slider_, &QSlider::valueChanged, this, [this](int frame) { Scrub(frame); });
-  connect(play_, &QPushButton::clicked, this, [this] { playing_ ? Stop() : Play(); });
+  const auto playOrStop = [this] { playing_ ? Stop() : Play(); };
+  connect(play_, &QPushButton::clicked, this, playOrStop);
+  // Not the button's own shortcut: its text, changed, would drop it.
+  connect(new QShortcut(Qt::Key_Space, this), &QShortcut::activated, this, playOrStop);
   const auto range = [this] { SetRange(from_->value(), to_->value()); };
   connect(from_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, range);
   connect(to_, qOverload<double>(&QDoubleSpinBox::valueChanged), this, range);
