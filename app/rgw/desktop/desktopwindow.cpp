@@ -24,6 +24,7 @@ namespace vuk::app::desktop {
 namespace {
 
 constexpr const char* kCaption = "Quoll Rigworks";
+constexpr int kOutlinerWidth = 260;
 
 // A scene never saved keeps its takes' journal in the user folder.
 std::string UntitledScene() {
@@ -56,7 +57,7 @@ DesktopWindow::DesktopWindow(const std::string& version)
     QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
   };
   rgw::core::SetMessageBoxSink(DialogsOver(this));
-  viewport_->setMinimumSize(480, 360);
+  viewport_->setMinimumSize(320, 240);
   // Clicked, the viewport holds the focus, so that keys go to the inputs.
   viewport_->setFocusPolicy(Qt::ClickFocus);
   split_->addWidget(viewport_);
@@ -77,6 +78,8 @@ DesktopWindow::DesktopWindow(const std::string& version)
   splitDockWidget(timelineDock_, logDock, Qt::Vertical);
   MakeMenus();
   resize(1280, 800);
+  // Long node names would take the viewport's room.
+  resizeDocks({outlinerDock_}, {kOutlinerWidth}, Qt::Horizontal);
 }
 
 DesktopWindow::~DesktopWindow() {
@@ -107,6 +110,9 @@ void DesktopWindow::StartSession() {
     panel->setWindowFlags(Qt::Widget);
     split_->addWidget(panel);
     panel->show();
+    // The viewport takes the room; the panel what it needs.
+    split_->setCollapsible(1, false);
+    split_->setSizes({split_->width(), panel->minimumSizeHint().width()});
   }
   outliner_ = new Outliner(*session_, outlinerDock_);
   outlinerDock_->setWidget(outliner_);

@@ -76,6 +76,7 @@ void Timeline::Follow() {
 void Timeline::Scrub(int frame) {
   host_.SetTime(frame / host_.GetFrameRate());
   Follow();
+  if (onTick) onTick();
 }
 
 void Timeline::SetRange(double from, double to) {
