@@ -21,8 +21,6 @@ namespace vuk::app::desktop {
 namespace {
 
 using gui::viewport::DifferentPixels;
-using rgw::adaptor::standalone::ObjectKind;
-using rgw::adaptor::standalone::SceneNode;
 
 constexpr int kSpaceKey = 0x20;
 
@@ -73,16 +71,7 @@ class DesktopViewport : public testing::Test {
 };
 
 TEST_F(DesktopViewport, DrawsTheTimeTheTimelineScrubsTo) {
-  rgw::adaptor::standalone::Scene& scene = window.GetSession().host.GetScene();
-  SceneNode* box = scene.CreateNode(ObjectKind::kMesh, "Box");
-  box->SetMesh(util::CMesh_Box(2, 2, 2));
-  scene.animate = true;
-  for (int second = 0; second <= 1; ++second) {
-    util::Matrix<double> pose;
-    pose.SetTranslation({3.0 * second, 0, 0});
-    scene.WriteWorld(box, scene.clock.TickOf(second), pose);
-  }
-  scene.animate = false;
+  gui::viewport::AddMovingBox(window.GetSession().host.GetScene());
   const QImage atStart = Drawn();
   ASSERT_EQ(Viewport().Problem(), "");
   window.GetTimeline().Scrub(static_cast<int>(window.GetSession().host.GetFrameRate()));

@@ -18,15 +18,7 @@ using rgw::adaptor::standalone::ObjectKind;
 class Widget : public testing::Test {
  protected:
   Widget() {
-    SceneNode* box = scene.CreateNode(ObjectKind::kMesh, "Box");
-    box->SetMesh(util::CMesh_Box(2, 2, 2));
-    scene.animate = true;
-    for (int second = 0; second <= 1; ++second) {
-      util::Matrix<double> pose;
-      pose.SetTranslation({3.0 * second, 0, 0});
-      scene.WriteWorld(box, scene.clock.TickOf(second), pose);
-    }
-    scene.animate = false;
+    AddMovingBox(scene);
     camera = scene.CreateNode(ObjectKind::kCamera, "Camera");
     viewport.resize(320, 180);
     viewport.SetScene(&scene);
