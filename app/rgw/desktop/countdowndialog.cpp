@@ -38,7 +38,8 @@ void CountdownDialog::paintEvent(QPaintEvent*) {
   // whole second left is a whole ring.
   painter.setPen(QPen(QColor(230, 70, 60), 8, Qt::SolidLine, Qt::FlatCap));
   painter.setBrush(Qt::NoBrush);
-  painter.drawArc(disc.adjusted(6, 6, -6, -6), kFullCircle / 4, static_cast<int>(kFullCircle * (fraction_ > 0 ? fraction_ : 1)));
+  const double left = fraction_ > 0 ? fraction_ : 1;
+  painter.drawArc(disc.adjusted(6, 6, -6, -6), kFullCircle / 4, static_cast<int>(kFullCircle * left));
   QFont font = painter.font();
   font.setPixelSize(kSide / 2);
   font.setBold(true);

@@ -38,8 +38,14 @@ std::string UntitledScene() {
 
 DesktopWindow::DesktopWindow(const std::string& version)
     : version_(version), split_(new QSplitter(Qt::Horizontal, this)),
-      viewport_(new gui::viewport::Viewport(split_)), countdown_(new CountdownDialog(viewport_)), log_(nullptr), outlinerDock_(new QDockWidget("Outliner", this)), timelineDock_(new QDockWidget("Timeline", this)),
-      recordingKeys_([this] { return session_ && session_->core.IsRecording() && !session_->core.GetRecorder()->IsResimulating(); }) {
+      viewport_(new gui::viewport::Viewport(split_)),
+      countdown_(new CountdownDialog(viewport_)),
+      log_(nullptr),
+      outlinerDock_(new QDockWidget("Outliner", this)),
+      timelineDock_(new QDockWidget("Timeline", this)),
+      recordingKeys_([this] {
+        return session_ && session_->core.IsRecording() && !session_->core.GetRecorder()->IsResimulating();
+      }) {
   desktop.openFile = [this](const std::string& caption, const std::string& filter) {
     return QFileDialog::getOpenFileName(this, QString::fromStdString(caption), QString(), QString::fromStdString(filter))
         .toStdString();
@@ -133,7 +139,8 @@ void DesktopWindow::StartSession() {
 }
 
 void DesktopWindow::KeepJournal() {
-  journal_ = std::make_unique<rgw::core::TakeJournal>(rgw::core::JournalPathOf(path_.empty() ? UntitledScene() : path_));
+  const std::string scene = path_.empty() ? UntitledScene() : path_;
+  journal_ = std::make_unique<rgw::core::TakeJournal>(rgw::core::JournalPathOf(scene));
   session_->core.GetRecorder()->journal = journal_.get();
 }
 
@@ -282,7 +289,8 @@ void DesktopWindow::OfferRecovery() {
     rgw::core::CoreLog::Instance().Warning(unfinished.Problem() + "; no take to recover from it");
     return;
   }
-  const std::string question = unfinished.path + " holds an unfinished take of " + unfinished.Description() + ". Recover it?";
+  const std::string question =
+      unfinished.path + " holds an unfinished take of " + unfinished.Description() + ". Recover it?";
   if (rgw::core::ShowMessageBox(question, kCaption, rgw::box::kYesNo | rgw::box::kQuestion, true) != rgw::box::kYes) {
     return;
   }
