@@ -72,11 +72,13 @@ void RecordManager::BeginInstances(std::vector<Instance*> list) {
   recordInstances = std::move(list);
   if (devices_) devices_->Acquire();
   const double from = adaptor_->GetTime();
+  punchIn.Begin(recordInstances, from);
   for (Instance* instance : recordInstances) instance->Start(from, Instance::Run::kRecording);
 }
 
 void RecordManager::StepInstances(double frameTime) {
   if (devices_ && !resimulating) devices_->PollAll();
+  punchIn.Feed(frameTime);
   for (Instance* instance : recordInstances) instance->Step(frameTime);
   if (journal && !resimulating) journal->Append(frameTime, recordInstances);
 }
@@ -140,6 +142,7 @@ void RecordManager::StopRecording() {
     adaptor_->SetTime(time);
   }
   for (Instance* instance : recordInstances) instance->Stop(endTime);
+  punchIn.End();
   if (journal) journal->Close();
   if (devices_) devices_->Unacquire();
   adaptor_->SetTimeScale(1);

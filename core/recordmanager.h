@@ -10,6 +10,7 @@
 
 #include "core/adaptorinterface.h"
 #include "core/instance.h"
+#include "core/punchin.h"
 #include "core/resimulator.h"
 #include "core/takejournal.h"
 #include "core/timebase.h"
@@ -70,6 +71,8 @@ class RecordManager : public TimerManager {
   std::function<void()> processEvents;
   // Where each take's raw values go as they are recorded; none when null.
   TakeJournal* journal = nullptr;
+  // The channels a take records anew over the kept one; none, all of them.
+  PunchIn punchIn;
 
   std::vector<Instance*> recordInstances;
   bool firstTick = true;

@@ -48,7 +48,7 @@ int Help(int code) {
                "                         renders a window to a picture\n"
                "  view FILE --png OUT [--time T] [--camera NODE] [--width W] [--height H]\n"
                "                         draws the scene as the viewport shows it\n"
-               "  record FILE --seconds N --out OUT [--speed S] [--instance NAME]...\n"
+               "  record FILE --seconds N --out OUT [--speed S] [--instance NAME]... [--channel NAME]...\n"
                "                         records a take live from the bound joysticks, no window\n"
                "  recover FILE --out OUT the take a recording cut short left beside FILE\n"
                "  gui [FILE]             the desktop app, with the scene FILE when given\n"

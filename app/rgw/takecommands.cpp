@@ -1,6 +1,7 @@
 // The commands of live takes: recording one from the devices, and recovering
 // one that a recording cut short left in its journal.
 #include <QCoreApplication>
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -44,6 +45,27 @@ bool NamedTools(const Options& options, Session& session, std::vector<std::strin
   return true;
 }
 
+// The channels named by --channel, each one of some checked tool; false with
+// the channels they have.
+bool PunchedChannels(const Options& options, Session& session, std::vector<std::string>& channels,
+                     std::string& error) {
+  std::vector<std::string> known;
+  for (const rgw::core::Instance* instance : session.tools.CheckedInstances()) {
+    for (const auto& channel : instance->Channels()) {
+      if (std::find(known.begin(), known.end(), channel.name) == known.end()) known.push_back(channel.name);
+    }
+  }
+  const auto given = options.values.equal_range("channel");
+  for (auto it = given.first; it != given.second; ++it) {
+    if (std::find(known.begin(), known.end(), it->second) == known.end()) {
+      error = "no tool recorded has a channel \"" + it->second + "\"; their channels are " + Listed(known);
+      return false;
+    }
+    channels.push_back(it->second);
+  }
+  return true;
+}
+
 std::vector<std::string> CheckedNames(Session& session) {
   std::vector<std::string> names;
   for (const rgw::core::Instance* instance : session.tools.CheckedInstances()) names.push_back(instance->InstanceName());
@@ -55,14 +77,18 @@ std::vector<std::string> CheckedNames(Session& session) {
 int RecordCommand(const Arguments& args) {
   const char* usage =
       "usage: rgw record FILE --seconds N --out OUT [--speed S] [--countdown C] [--instance NAME]...\n"
+      "                  [--channel NAME]...\n"
       "  Records a take live, without a window, from the devices the tools' channels are bound to:\n"
       "  the checked tools, or those named, from the scene's current time, for N seconds of the\n"
       "  wall clock after a countdown of C seconds (none by default). Scene time runs at 1/2^S of\n"
       "  the wall clock (S from 0, real time, to 3). Joysticks and gamepads are read through SDL,\n"
       "  also when plugged in during the take; the keyboard is not read here, as its keys come\n"
       "  only as events of a window. While the take runs, its raw values go to FILE.rgwtake,\n"
-      "  which 'rgw recover' reads when the take is cut short; it goes once OUT is written.\n";
-  Options options{"seconds", "out", "speed", "countdown", "instance", "fps"};
+      "  which 'rgw recover' reads when the take is cut short; it goes once OUT is written.\n"
+      "  With --channel, only the channels named are recorded anew over the scene's take (a punch-in):\n"
+      "  the others play back from it and keep it, and the named ones keep their old values after\n"
+      "  the new ones.\n";
+  Options options{"seconds", "out", "speed", "countdown", "instance", "channel", "fps"};
   if (const auto code = options.Read(args, usage, {"seconds", "out"})) return *code;
   std::string error;
   LiveTake take;
@@ -85,22 +111,27 @@ int RecordCommand(const Arguments& args) {
   // A long take must not end in a write error.
   if (!vuk::util::AtomicFile::CanReplace(options.Get("out"), &error)) return Fail(error);
   rgw::core::TakeJournal journal(rgw::core::JournalPathOf(options.file));
-  std::vector<std::string> recorded;
+  std::vector<std::string> recorded, punched;
   double seconds = 0;
   {
     std::unique_ptr<OnlyTheseTools> only;
     if (!named.empty()) only = std::make_unique<OnlyTheseTools>(session.tools, named);
     recorded = CheckedNames(session);
     if (recorded.empty()) return Fail(options.file + ": no tool to record");
-    session.core.GetRecorder()->journal = &journal;
+    if (!PunchedChannels(options, session, punched, error)) return Fail(error);
+    rgw::core::RecordManager& recorder = *session.core.GetRecorder();
+    recorder.journal = &journal;
+    recorder.punchIn.channels = punched;
     seconds = RecordLive(session, take);
-    session.core.GetRecorder()->journal = nullptr;
+    recorder.punchIn.channels.clear();
+    recorder.journal = nullptr;
   }
   if (!journal.Error().empty()) std::fprintf(stderr, "rgw: %s; the take went on without it\n", journal.Error().c_str());
   const std::string slowed = take.slowMotion ? ", slowed to 1/" + std::to_string(1 << take.slowMotion) : "";
+  const std::string punching = punched.empty() ? "" : ", punching in " + Listed(punched);
   const int code = SaveAndSay(session, options.Get("out"),
                               "recorded " + Span(seconds, session.core.GetRecorder()->startTime) + " with " +
-                                  Listed(recorded) + slowed + ": " + Counted(session.ToolKeyCount(), "key") +
+                                  Listed(recorded) + slowed + punching + ": " + Counted(session.ToolKeyCount(), "key") +
                                   " on their nodes");
   if (code == 0) journal.Remove();
   return code;

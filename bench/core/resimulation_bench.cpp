@@ -3,39 +3,18 @@
 // 10 tools, the built-in tools in turn.
 #include <benchmark/benchmark.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "adaptor/standalone/standaloneadaptorinterface.h"
-#include "core/corelibrary.h"
-#include "core/recordmanager.h"
+#include "bench/core/rig.h"
 #include "core/resimulator.h"
-#include "plugins/tools.h"
 
 namespace {
 
 using namespace vuk::rgw;
 
-const core::CoreLibrary& Library() {
-  static const core::CoreLibrary library(addon::BuiltInTools());
-  return library;
-}
-
-struct Rig : core::InstanceList {
-  explicit Rig(const std::vector<core::Plugin*>& tools) {
-    for (core::Plugin* tool : tools) instances.push_back(tool->CreateInstance("", &host));
-  }
-  std::vector<core::Instance*> AllInstances() override {
-    std::vector<core::Instance*> all;
-    for (auto& instance : instances) all.push_back(instance.get());
-    return all;
-  }
-  std::vector<core::Instance*> CheckedInstances() override { return AllInstances(); }
-
-  adaptor::standalone::StandaloneAdaptorInterface host;
-  std::vector<std::unique_ptr<core::Instance>> instances;
-};
+using bench::Library;
+using bench::Rig;
 
 void BM_Resimulate100Tools(benchmark::State& state, core::Plugin* tool) {
   constexpr int kTools = 100, kFrames = 10000;
@@ -67,9 +46,7 @@ void RegisterResimulations() {
 }
 
 void BM_RecordingTick10Tools(benchmark::State& state) {
-  std::vector<core::Plugin*> tools;
-  for (std::size_t i = 0; i < 10; ++i) tools.push_back(Library().Tools()[i % Library().Tools().size()].get());
-  Rig rig(tools);
+  Rig rig(bench::ToolsInTurn(10));
   core::RecordManager recorder(&rig.host, nullptr, &rig);
   std::int64_t now = 0;
   recorder.clock = [&now] { return now; };

@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QTimer>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <tuple>
@@ -17,12 +18,14 @@ namespace {
 
 using adaptor::standalone::StandaloneAdaptorInterface;
 
-// A tool that writes its node at every step and notes the times it hears.
+// A tool that writes its node at every step, where its time and its two
+// channels say, and notes the times it hears.
 class Probe : public CCamera {
  public:
   using CCamera::CCamera;
   std::int32_t BuildConfig() override {
     channel = iface->AddInput("Throttle", input::kContinuous);
+    tilt = iface->AddInput("Tilt", input::kContinuous);
     return 0;
   }
   std::int32_t Create() override {
@@ -33,13 +36,14 @@ class Probe : public CCamera {
     steps.push_back(t);
     if (CSnapshot* snapshot = iface->GetTransformSnapshot(node, t)) {
       util::Matrix<double> pose;
-      pose.SetTranslation({t, 0, 0});
+      pose.SetTranslation({t, channel->Evaluate(), tilt->Evaluate()});
       snapshot->SetWorldTransform(pose);
       iface->ReleaseTransformSnapshot(snapshot);
     }
   }
   void TimeChanged(double t) override { heard.push_back(t); }
   unidevice::Property* channel = nullptr;
+  unidevice::Property* tilt = nullptr;
   CNode* node = nullptr;
   std::vector<double> steps, heard;
 };
@@ -335,6 +339,97 @@ TEST_P(LongTakes, AResimulationStepsEachFrameAtTheTimeItWasRecordedAt) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Recorder, LongTakes, testing::Values(30, 24));
+
+util::Bytes Saved(const util::AVar_Linear<double>& track) {
+  util::Bytes block(track.GetSaveSize());
+  track.Save(block.data(), static_cast<std::uint32_t>(block.size()));
+  return block;
+}
+
+// Takes over the first probe's two channels, from controls the test moves.
+class PunchIn : public Recording {
+ protected:
+  void SetUp() override {
+    Recording::SetUp();
+    instances[0]->Inputs().Get(0)->source = &panStick;
+    instances[0]->Inputs().Get(1)->source = &tiltStick;
+    host.SetAnimationRange({0, 100});
+  }
+
+  // A take from `from` of one tick a frame duration; the controls move at
+  // each tick as `panAt` and `tiltAt` of the tick's number say.
+  template <typename PanAt, typename TiltAt>
+  void Take(double from, int ticks, PanAt panAt, TiltAt tiltAt) {
+    host.SetTime(from);
+    recorder.StartRecording();
+    for (int k = 0; k < ticks; ++k) {
+      panStick.Update(panAt(k));
+      tiltStick.Update(tiltAt(k));
+      TickAt(k * 1000 / 30);
+    }
+    recorder.StopRecording();
+  }
+  const util::AVar_Linear<double>& Track(std::size_t channel) { return instances[0]->RecordedTracks().at(channel); }
+
+  unidevice::Control panStick, tiltStick;
+};
+
+TEST_F(PunchIn, RecordsOnlyThePunchedChannelOverTheKeptTake) {
+  Take(0.0, 60, [](int k) { return 1.0 + k; }, [](int k) { return 100.0 + k; });
+  const util::AVar_Linear<double> panBefore = Track(0), tiltBefore = Track(1);
+  ASSERT_GT(tiltBefore.records.size(), 50u);
+
+  // From frame 10 of the take for 20 ticks, with the pan stick somewhere else.
+  recorder.punchIn.channels = {"Tilt"};
+  const double from = TimeBase(30).TimeOf(10);
+  Take(from, 20, [](int) { return 999.0; }, [](int k) { return -1.0 - k; });
+  recorder.punchIn.channels.clear();
+
+  EXPECT_EQ(Saved(Track(0)), Saved(panBefore));
+  EXPECT_EQ(instances[0]->Inputs().Get(0)->source, &panStick);
+  // The tilt: the new values from its first frame recorded to its last, the old ones around them.
+  const auto& tilt = Track(1).records;
+  ASSERT_EQ(tilt.size(), tiltBefore.records.size());
+  const auto punchedFrom = std::find_if(tilt.begin(), tilt.end(), [](const auto& r) { return r.value < 0; });
+  ASSERT_NE(punchedFrom, tilt.end());
+  EXPECT_LE(punchedFrom->time, from + 2.5 / 30);
+  const auto punchedTo = std::find_if(punchedFrom, tilt.end(), [](const auto& r) { return r.value >= 0; });
+  EXPECT_NEAR((punchedTo - 1)->time, from + 19.0 / 30, 1e-9);
+  const std::size_t first = punchedFrom - tilt.begin(), end = punchedTo - tilt.begin();
+  for (std::size_t i = 0; i < tilt.size(); ++i) {
+    EXPECT_EQ(tilt[i].time, tiltBefore.records[i].time) << i;
+    if (i >= first && i < end) {
+      // The tilt's values of the punch: whole numbers down from -1.
+      EXPECT_GE(tilt[i].value, -20.0) << tilt[i].time;
+      EXPECT_EQ(tilt[i].value, std::floor(tilt[i].value)) << tilt[i].time;
+    } else {
+      EXPECT_EQ(tilt[i].value, tiltBefore.records[i].value) << tilt[i].time;
+    }
+  }
+
+  // The tool ran on the played-back pan, as a resimulation of the merged take runs it.
+  const auto recorded = Keys();
+  recorder.StartResimulation(0.0, tilt.back().time);
+  while (!recorder.ResimStep()) {
+  }
+  recorder.FinishResimulation();
+  std::size_t compared = 0;
+  for (const auto& key : Keys()) {
+    const auto same = std::find_if(recorded.begin(), recorded.end(), [&](const auto& k) { return k.tick == key.tick; });
+    if (same == recorded.end()) continue;
+    EXPECT_TRUE(*same == key) << "at tick " << key.tick;
+    ++compared;
+  }
+  EXPECT_GE(compared, tilt.size() - 1);
+}
+
+TEST_F(PunchIn, WithoutChannelsATakeRecordsThemAll) {
+  Take(0.0, 10, [](int k) { return 1.0 + k; }, [](int k) { return 100.0 + k; });
+  Take(0.0, 10, [](int) { return 7.0; }, [](int) { return 8.0; });
+  for (std::size_t channel : {0u, 1u}) {
+    for (const auto& record : Track(channel).records) EXPECT_EQ(record.value, channel ? 8.0 : 7.0);
+  }
+}
 
 // The real timer path: Qt's event loop fires the record tick on the wall clock.
 TEST_F(Recording, TheRealTimerDrivesFrames) {
