@@ -355,6 +355,10 @@ class PunchIn : public Recording {
     instances[0]->Inputs().Get(1)->source = &tiltStick;
     host.SetAnimationRange({0, 100});
   }
+  // The sticks go before the base's tools: the tools let go of them first.
+  void TearDown() override {
+    for (std::size_t channel : {0, 1}) instances[0]->Inputs().Get(channel)->source = nullptr;
+  }
 
   // A take from `from` of one tick a frame duration; the controls move at
   // each tick as `panAt` and `tiltAt` of the tick's number say.

@@ -63,8 +63,9 @@ class Journal : public testing::Test, public InstanceList {
       testing::TempDir() + "/takejournal/" + testing::UnitTest::GetInstance()->current_test_info()->name();
   adaptor::standalone::StandaloneAdaptorInterface host;
   testing_support::TestToolPlugin plugin;
-  std::vector<std::unique_ptr<Instance>> tools;
+  // Before the tools: their inputs let go of it as they go.
   unidevice::Control lever;
+  std::vector<std::unique_ptr<Instance>> tools;
   TakeJournal journal{JournalPathOf(folder + "/scene.gltf")};
   RecordManager recorder{&host, nullptr, this};
   std::int64_t nowMs = 0;
