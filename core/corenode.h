@@ -58,8 +58,6 @@ class CoreNode : public CNode {
   // For an external wrapper: the owned node of the same scene object, made
   // when missing. Null when this node isn't external.
   virtual CoreNode* Adopt(CExtendable* instance, const std::string& nodeName) = 0;
-  // An owned node stops being owned and becomes an external wrapper.
-  virtual void Release() = 0;
   virtual CSnapshot* GetSnapshot(double time) = 0;
   virtual CSnapshot_Helper* GetHelperSnapshot(double time) = 0;
   virtual CSnapshot_Mesh* GetMeshSnapshot(double time) = 0;
@@ -78,7 +76,7 @@ class CoreNode : public CNode {
   virtual void InvalidateFrom(double time) = 0;
   virtual void SetHostName(const std::string& hostName) = 0;
   virtual std::string GetHostName() = 0;
-  // Leaves the adaptor's list; with the flag the scene object goes too, undoably.
+  // Leaves the adaptor's list, undoably; with the flag the scene object goes too.
   virtual void Delete(bool withHost) = 0;
   // A wrapper of a new copy of the scene object.
   virtual CoreNode* Clone() = 0;

@@ -200,13 +200,10 @@ void Instance::Delete(bool withNodes) {
       NodeVector children;
       (*it)->GetChildren(children);
       for (CoreNode* child : children.nodes) child->Delete(true);
-      (*it)->Delete(true);
-    } else {
-      // The node stays in the scene; its wrapper is this instance's to free,
-      // after the tool that still holds it.
-      (*it)->Release();
-      unplugged_.emplace_back(*it);
     }
+    // Unplugged, the node only leaves the host's list: undo lists the same
+    // node again, so the tool's handles stay good.
+    (*it)->Delete(withNodes);
   }
   adaptor_->RedrawScene();
   adaptor_->EndUndo();

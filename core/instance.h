@@ -108,7 +108,8 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   void Stop(double time);
   Run GetRun() const { return run_; }
 
-  // Deletes the nodes (or, without them, leaves them in the scene unowned).
+  // Takes the nodes off the host's list, undoably; with `withNodes` their
+  // scene objects go too, else they stay in the scene with their keys.
   void Delete(bool withNodes);
 
   // The running configuration and bindings as profiles, and profiles applied;
@@ -231,8 +232,6 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   // Mesh proxies given back, for the next get: a tool that casts rays on a
   // mesh every frame then allocates nothing.
   std::vector<std::unique_ptr<CSnapshot_Mesh>> spareMeshProxies_;
-  // The wrappers of nodes an unplug left in the scene.
-  std::vector<std::unique_ptr<CoreNode>> unplugged_;
 };
 
 }  // namespace vuk::rgw::core

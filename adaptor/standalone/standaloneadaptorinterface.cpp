@@ -15,12 +15,13 @@ namespace {
 
 constexpr std::size_t kMaxHostName = 1024;
 
-// A node made or deleted through the adaptor: undo takes it off the list or
-// puts it back, and tells the tool through the callback it was made with.
+// A node made or taken off the list through the adaptor: undo takes it off
+// the list or puts it back in its place, and tells the tool through the
+// callback it was made with. Made while the node is on the list.
 class NodeListRestore : public CUndo {
  public:
   NodeListRestore(StandaloneAdaptorInterface* adaptor, StandaloneNode* node, bool created)
-      : adaptor_(adaptor), node_(node), created_(created) {}
+      : adaptor_(adaptor), node_(node), created_(created), place_(adaptor->PlaceOf(node)) {}
   void Undo(bool) override { Apply(!created_); }
   void Redo() override { Apply(created_); }
 
@@ -28,7 +29,7 @@ class NodeListRestore : public CUndo {
   void Apply(bool listed) {
     auto* callback = reinterpret_cast<CInterface::Callback*>(node_->extra);
     if (listed) {
-      adaptor_->Reinstate(node_);
+      adaptor_->Reinstate(node_, place_);
       if (callback) callback->NodeRestored(node_);
     } else {
       adaptor_->Retire(node_);
@@ -39,6 +40,9 @@ class NodeListRestore : public CUndo {
   StandaloneAdaptorInterface* adaptor_;
   StandaloneNode* node_;
   bool created_;
+  // Undo and redo pass through the same lists in reverse, so the node goes
+  // back where it was.
+  std::size_t place_;
 };
 
 // The time a recording started at, restored when it is undone.
@@ -102,10 +106,15 @@ void StandaloneAdaptorInterface::Retire(StandaloneNode* node) {
   if (std::find(retired_.begin(), retired_.end(), node) == retired_.end()) retired_.push_back(node);
 }
 
-void StandaloneAdaptorInterface::Reinstate(StandaloneNode* node) {
+void StandaloneAdaptorInterface::Reinstate(StandaloneNode* node, std::size_t place) {
   retired_.erase(std::remove(retired_.begin(), retired_.end(), node), retired_.end());
   node->external = false;
-  AddNode(node);
+  if (std::find(nodes_.begin(), nodes_.end(), node) != nodes_.end()) return;
+  nodes_.insert(nodes_.begin() + static_cast<std::ptrdiff_t>(std::min(place, nodes_.size())), node);
+}
+
+std::size_t StandaloneAdaptorInterface::PlaceOf(const StandaloneNode* node) const {
+  return static_cast<std::size_t>(std::find(nodes_.begin(), nodes_.end(), node) - nodes_.begin());
 }
 
 StandaloneNode* StandaloneAdaptorInterface::FindOwnedOver(const SceneNode* host) const {

@@ -114,8 +114,10 @@ class StandaloneAdaptorInterface : public core::AdaptorInterface, public util::M
   // Off the list by a delete or by undoing its creation: undo may list the
   // node again, so the adaptor keeps it until it goes itself.
   void Retire(StandaloneNode* node);
-  // Back on the list by undo.
-  void Reinstate(StandaloneNode* node);
+  // Back on the list by undo, at the place it had.
+  void Reinstate(StandaloneNode* node, std::size_t place);
+  // Where the node stands on the list; the list's size when it isn't there.
+  std::size_t PlaceOf(const StandaloneNode* node) const;
   // The owned node over that scene object, or null.
   StandaloneNode* FindOwnedOver(const SceneNode* host) const;
   // Takes the node off the list, and with the flag its scene object out of

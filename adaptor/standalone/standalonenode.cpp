@@ -139,14 +139,6 @@ core::CoreNode* StandaloneNode::Adopt(CExtendable* instance, const std::string& 
   return new StandaloneNode(adaptor_, instance, nodeName, host_, 0);
 }
 
-void StandaloneNode::Release() {
-  if (external) return;
-  external = true;
-  adaptor_->RemoveNode(this);
-  owner = nullptr;
-  origin = nullptr;
-}
-
 CSnapshot* StandaloneNode::GetSnapshot(double time) {
   return host_ ? transforms_.Acquire(this, TickOf(time), time) : nullptr;
 }

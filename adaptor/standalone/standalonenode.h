@@ -42,7 +42,6 @@ class StandaloneNode : public core::CoreNode {
   bool IsAnimated() override;
 
   CoreNode* Adopt(CExtendable* instance, const std::string& nodeName) override;
-  void Release() override;
   CSnapshot* GetSnapshot(double time) override;
   CSnapshot_Helper* GetHelperSnapshot(double time) override;
   CSnapshot_Mesh* GetMeshSnapshot(double time) override;

@@ -265,16 +265,38 @@ TEST_P(AdaptorContract, NodeMessagesOutsideTheRangeAnswerZero) {
   EXPECT_EQ(node->Extension(11, nullptr), 0);
 }
 
-TEST_P(AdaptorContract, ReleaseTurnsAnOwnedNodeIntoAWrapperOnce) {
-  TestInstance tool("T");
-  CoreNode* node = adaptor->CreateCameraNode(&tool, "Cam", nullptr, 0);
-  node->Release();
-  EXPECT_TRUE(node->IsExternal());
-  EXPECT_EQ(node->owner, nullptr);
-  EXPECT_EQ(adaptor->FindNode(&tool, "Cam"), nullptr);
-  node->Release();
-  EXPECT_TRUE(node->IsExternal());
-  node->DestroySelf();
+// Unplugged (the scene object kept) or deleted, a node leaves the list;
+// undo puts the same node back in its place, with its keys.
+TEST_P(AdaptorContract, ANodeTakenOffTheListComesBackInItsPlace) {
+  for (const bool withHost : {false, true}) {
+    SCOPED_TRACE(withHost ? "deleted" : "unplugged");
+    TestInstance tool("T");
+    CoreNode* first = adaptor->CreateCameraNode(&tool, "First", nullptr, 0);
+    CoreNode* middle = adaptor->CreateCameraNode(&tool, "Middle", nullptr, 0);
+    CoreNode* last = adaptor->CreateCameraNode(&tool, "Last", nullptr, 0);
+    RecordTenFrames(*adaptor, middle);
+    const auto expectListed = [&](bool listed) {
+      NodeVector all;
+      adaptor->GetAllNodes(all);
+      const std::vector<CoreNode*> expected =
+          listed ? std::vector<CoreNode*>{first, middle, last} : std::vector<CoreNode*>{first, last};
+      EXPECT_EQ(all.nodes, expected);
+      EXPECT_EQ(adaptor->FindNode(&tool, "Middle"), listed ? middle : nullptr);
+      EXPECT_EQ(middle->IsExternal(), !listed);
+    };
+    adaptor->BeginUndo("Take off");
+    middle->Delete(withHost);
+    adaptor->EndUndo();
+    expectListed(false);
+    adaptor->Undo();
+    expectListed(true);
+    adaptor->Redo();
+    expectListed(false);
+    adaptor->Undo();
+    expectListed(true);
+    EXPECT_EQ(ReadX(middle, 0.5), 5);
+    for (CoreNode* node : {first, middle, last}) node->Delete(true);
+  }
 }
 
 // What the vehicle tools ask about their ground: the surfaces below a node,

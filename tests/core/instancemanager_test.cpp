@@ -4,11 +4,14 @@
 
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <sstream>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "adaptor/standalone/standalonenode.h"
 #include "core/messagebox.h"
+#include "core/recordmanager.h"
 #include "tests/core/scopedenv.h"
 #include "tests/core/testtools.h"
 #include "util/xml/tag.h"
@@ -254,6 +257,112 @@ TEST_F(ToolsInScenes, DeleteUnplugAndCloneGoThroughTheHostsUndo) {
   scene.host.Undo();
   EXPECT_EQ(scene.tools.AllInstances().size(), 1u);
 }
+
+// Everything an undo must bring back, one line each: the tools in the tree
+// with their nodes and the tool's own handles, the host's list of nodes, and
+// every scene object with its keys.
+std::string StateOf(Scene& scene) {
+  std::ostringstream state;
+  const std::function<void(InstanceReference&, int)> tools = [&](InstanceReference& item, int depth) {
+    for (std::size_t i = 0; i < item.GetChildCount(); ++i) {
+      auto& child = static_cast<InstanceReference&>(*item.GetChild(i));
+      state << "tool " << std::string(static_cast<std::size_t>(depth), '>') << child.GetLabel() << " target "
+            << Tool(child).target << " camera " << Tool(child).camera << " nodes";
+      NodeVector nodes;
+      scene.host.GetInstanceNodes(child.instance.get(), nodes);
+      for (CoreNode* node : nodes.nodes) state << " " << node->name << "@" << node;
+      state << "\n";
+      tools(child, depth + 1);
+    }
+  };
+  tools(scene.tools.Root(), 0);
+  for (StandaloneNode* node : scene.host.Nodes()) {
+    state << "listed " << node << (node->IsExternal() ? " external" : "") << "\n";
+  }
+  scene.host.GetScene().Walk([&](SceneNode& object) {
+    state << "object " << object.hostName << " keys " << object.track.Keys().size() << "\n";
+  });
+  return state.str();
+}
+
+// A take of a few frames of every checked tool, from the host's time on.
+void RecordTake(Scene& scene) {
+  RecordManager recorder(&scene.host, nullptr, &scene.tools);
+  std::int64_t nowMs = 0;
+  recorder.clock = [&] { return nowMs; };
+  recorder.processEvents = [] {};
+  recorder.countdownSeconds = 0;
+  scene.host.GetScene().clock.onTimeChanged = [&](double time) { recorder.OnTimeChanged(time); };
+  recorder.StartRecording();
+  for (nowMs = 0; nowMs <= 200; nowMs += 40) recorder.Tick(nowMs);
+  recorder.StopRecording();
+  scene.host.GetScene().clock.onTimeChanged = nullptr;
+}
+
+struct TreeUndoCase {
+  const char* name;
+  std::function<void(Scene&)> apply;
+  // How many scene objects the operation adds (or, below zero, takes away).
+  int objectsAdded;
+};
+
+class TreeOperationUndo : public ToolsInScenes, public testing::WithParamInterface<TreeUndoCase> {};
+
+// Two tools at the top, the first with one below it: unplug, undo, redo,
+// undo leaves tools, nodes and keys as they were, and the tools record again.
+TEST_P(TreeOperationUndo, UndoRedoUndoLeavesEverythingAsBefore) {
+  Scene scene;
+  InstanceReference* first = scene.tools.Create("TestTool");
+  scene.tools.Create("TestTool", "", first);
+  scene.tools.Create("TestTool");
+  RecordTake(scene);
+  const auto objects = [&] { return static_cast<int>(scene.host.GetScene().Root().children.size()); };
+  const int objectsBefore = objects();
+  const std::string before = StateOf(scene);
+
+  GetParam().apply(scene);
+  const std::string after = StateOf(scene);
+  EXPECT_NE(after, before);
+  EXPECT_EQ(objects(), objectsBefore + GetParam().objectsAdded);
+  ASSERT_TRUE(scene.host.Undo());
+  EXPECT_EQ(StateOf(scene), before);
+  ASSERT_TRUE(scene.host.Redo());
+  EXPECT_EQ(StateOf(scene), after);
+  ASSERT_TRUE(scene.host.Undo());
+  EXPECT_EQ(StateOf(scene), before);
+
+  // Every tool drives its own nodes again: a new speed shows in the new keys.
+  for (Instance* instance : scene.tools.AllInstances()) static_cast<TestTool*>(instance->GetTool())->speed = 7;
+  RecordTake(scene);
+  for (Instance* instance : scene.tools.AllInstances()) {
+    SCOPED_TRACE(instance->InstanceName());
+    const auto& keys = HostOf(static_cast<TestTool*>(instance->GetTool())->target)->track.Keys();
+    ASSERT_FALSE(keys.empty());
+    EXPECT_NEAR(keys.back().position.x, 7 * adaptor::standalone::SecondsFromTicks(keys.back().tick), 1e-9);
+  }
+}
+
+// One undo group for what is unplugged, as the main window makes it.
+void Unplug(Scene& scene, InstanceReference& item) {
+  scene.host.BeginUndo("Unplug tool");
+  scene.tools.Delete(&item, true);
+  scene.host.EndUndo();
+}
+
+void UnplugAll(Scene& scene) {
+  scene.host.BeginUndo("Unplug tool");
+  for (std::size_t count = scene.tools.Root().GetChildCount(); count > 0; --count) Unplug(scene, scene.Top(count - 1));
+  scene.host.EndUndo();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Operations, TreeOperationUndo,
+    testing::Values(TreeUndoCase{"UnplugOne", [](Scene& scene) { Unplug(scene, scene.Top(1)); }, 0},
+                    TreeUndoCase{"UnplugATree", [](Scene& scene) { Unplug(scene, scene.Top(0)); }, 0},
+                    TreeUndoCase{"UnplugAll", UnplugAll, 0},
+                    TreeUndoCase{"DeleteATree", [](Scene& scene) { scene.tools.Delete(&scene.Top(0), false); }, -4},
+                    TreeUndoCase{"CloneATree", [](Scene& scene) { scene.tools.Clone(&scene.Top(0)); }, 4}),
+    [](const testing::TestParamInfo<TreeUndoCase>& info) { return std::string(info.param.name); });
 
 TEST_F(ToolsInScenes, AFileMergedTwiceKeepsOneTool) {
   {
