@@ -1,5 +1,6 @@
 #include "app/rgw/session.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -169,6 +170,16 @@ std::size_t Session::ToolKeyCount() {
     }
   }
   return count;
+}
+
+std::vector<std::string> Session::CheckedChannels() {
+  std::vector<std::string> names;
+  for (const rgw::core::Instance* instance : tools.CheckedInstances()) {
+    for (const auto& channel : instance->Channels()) {
+      if (std::find(names.begin(), names.end(), channel.name) == names.end()) names.push_back(channel.name);
+    }
+  }
+  return names;
 }
 
 const Session::KeptTool* Session::FindKept(const std::string& name) const {

@@ -5,6 +5,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "adaptor/standalone/gltffile.h"
 #include "adaptor/standalone/standaloneadaptorinterface.h"
@@ -46,6 +47,9 @@ class Session {
   const rgw::adaptor::standalone::GltfFile& File() const { return file_; }
   // The keys on the nodes of every tool.
   std::size_t ToolKeyCount();
+  // The channels of the checked tools by name, each once, in tree order: the
+  // channels a take can punch in.
+  std::vector<std::string> CheckedChannels();
 
   using KeptTool = rgw::adaptor::standalone::StandaloneAdaptorInterface::KeptTool;
   // A tool of the file that isn't loaded, by its name; null when none is.

@@ -49,12 +49,7 @@ bool NamedTools(const Options& options, Session& session, std::vector<std::strin
 // the channels they have.
 bool PunchedChannels(const Options& options, Session& session, std::vector<std::string>& channels,
                      std::string& error) {
-  std::vector<std::string> known;
-  for (const rgw::core::Instance* instance : session.tools.CheckedInstances()) {
-    for (const auto& channel : instance->Channels()) {
-      if (std::find(known.begin(), known.end(), channel.name) == known.end()) known.push_back(channel.name);
-    }
-  }
+  const std::vector<std::string> known = session.CheckedChannels();
   const auto given = options.values.equal_range("channel");
   for (auto it = given.first; it != given.second; ++it) {
     if (std::find(known.begin(), known.end(), it->second) == known.end()) {

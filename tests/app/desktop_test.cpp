@@ -2,14 +2,18 @@
 // timeline, the outliner, undo, message boxes, the log pane and the place of
 // the viewport; offscreen.
 #include "app/rgw/desktop/desktopwindow.h"
+#include "app/rgw/desktop/punchindialog.h"
 
 #include <gtest/gtest.h>
+
+#include <QAction>
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QMessageBox>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
 #include <string>
 
@@ -22,6 +26,8 @@
 #include "gui/component/controls.h"
 #include "scenes/samplescene.h"
 #include "sdk/cinterface.h"
+#include "unidevice/control.h"
+#include "util/avar.h"
 
 namespace vuk::app::desktop {
 namespace {
@@ -263,6 +269,75 @@ TEST_F(Desktop, OpeningASceneWithAnUnfinishedTakeOffersToRecoverIt) {
   EXPECT_EQ(asked.size(), 2u);
   EXPECT_EQ(recorded(), reading.take.times.size());
   std::filesystem::remove(path);
+}
+
+util::Bytes Saved(const util::AVar_Linear<double>& track) {
+  util::Bytes block(track.GetSaveSize());
+  track.Save(block.data(), static_cast<std::uint32_t>(block.size()));
+  return block;
+}
+
+// Answers the punch-in dialog that the Record menu opens with the channels
+// given checked, the others cleared.
+void ChoosePunchInFromTheMenu(DesktopWindow& window, const std::vector<std::string>& channels) {
+  std::vector<std::string> listed;
+  QTimer::singleShot(0, [&] {
+    auto* dialog = dynamic_cast<PunchInDialog*>(QApplication::activeModalWidget());
+    ASSERT_NE(dialog, nullptr);
+    for (const std::string& channel : window.GetSession().CheckedChannels()) {
+      const bool chosen = std::find(channels.begin(), channels.end(), channel) != channels.end();
+      if (dialog->Check(channel, chosen)) listed.push_back(channel);
+    }
+    dialog->accept();
+  });
+  auto* punchIn = window.findChild<QAction*>("punchIn");
+  ASSERT_NE(punchIn, nullptr);
+  punchIn->trigger();
+  EXPECT_EQ(listed, window.GetSession().CheckedChannels());
+}
+
+TEST_F(Desktop, APunchInChosenFromTheRecordMenuLeavesTheOtherChannelsTrackAsItWas) {
+  MakeTool("Helicopter");
+  rgw::core::Instance& tool = *window.GetSession().tools.Find("Helicopter_01")->instance;
+  const unidevice::PropertyHandler& inputs = tool.Inputs();
+  ASSERT_GE(inputs.Count(), 2u);
+  const std::string punched = inputs.Get(0)->name, kept = inputs.Get(1)->name;
+  unidevice::Control first, second;
+  unidevice::Control* const real[] = {inputs.Get(0)->source, inputs.Get(1)->source};
+  inputs.Get(0)->source = &first;
+  inputs.Get(1)->source = &second;
+  first.Update(1);
+  second.Update(2);
+  RecordFor(window, 400);
+  const util::Bytes keptBefore = Saved(*tool.TrackOf(kept));
+  ASSERT_GT(tool.TrackOf(kept)->records.size(), 2u);
+
+  ChoosePunchInFromTheMenu(window, {punched});
+  EXPECT_EQ(window.GetSession().core.GetRecorder()->punchIn.channels, std::vector<std::string>{punched});
+  EXPECT_EQ(window.PunchInStatus().toStdString(), "Punching in " + punched);
+  auto* pane = window.findChild<LogPane*>();
+  pane->ReadNew();
+  EXPECT_NE(pane->toPlainText().toStdString().find("the next takes punch in " + punched), std::string::npos);
+
+  // Over the start of the take, with both controls somewhere else.
+  window.GetTimeline().Scrub(0);
+  first.Update(7);
+  second.Update(9);
+  RecordFor(window, 200);
+  EXPECT_EQ(Saved(*tool.TrackOf(kept)), keptBefore);
+  const auto& punchedTrack = tool.TrackOf(punched)->records;
+  EXPECT_TRUE(std::any_of(punchedTrack.begin(), punchedTrack.end(), [](const auto& r) { return r.value == 7; }));
+  EXPECT_EQ(punchedTrack.back().value, 1);
+
+  // None checked, the next take is an ordinary one again.
+  ChoosePunchInFromTheMenu(window, {});
+  EXPECT_TRUE(window.GetSession().core.GetRecorder()->punchIn.channels.empty());
+  EXPECT_TRUE(window.PunchInStatus().isEmpty());
+  window.GetTimeline().Scrub(0);
+  RecordFor(window, 200);
+  EXPECT_NE(Saved(*tool.TrackOf(kept)), keptBefore);
+  inputs.Get(0)->source = real[0];
+  inputs.Get(1)->source = real[1];
 }
 
 }  // namespace

@@ -9,11 +9,14 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QSplitter>
+#include <QStatusBar>
 #include <QUrl>
 #include <filesystem>
 
 #include "app/rgw/desktop/messagedialogs.h"
+#include "app/rgw/desktop/punchindialog.h"
 #include "app/rgw/takerecovery.h"
+#include "app/rgw/wording.h"
 #include "core/corelog.h"
 #include "core/messagebox.h"
 #include "core/paths.h"
@@ -41,6 +44,7 @@ DesktopWindow::DesktopWindow(const std::string& version)
       viewport_(new gui::viewport::Viewport(split_)),
       countdown_(new CountdownDialog(viewport_)),
       log_(nullptr),
+      punchInStatus_(new QLabel(this)),
       outlinerDock_(new QDockWidget("Outliner", this)),
       timelineDock_(new QDockWidget("Timeline", this)),
       recordingKeys_([this] {
@@ -74,6 +78,7 @@ DesktopWindow::DesktopWindow(const std::string& version)
   timelineDock_->setFeatures(QDockWidget::NoDockWidgetFeatures);
   addDockWidget(Qt::LeftDockWidgetArea, outlinerDock_);
   addDockWidget(Qt::BottomDockWidgetArea, timelineDock_);
+  statusBar()->addPermanentWidget(punchInStatus_);
   StartSession();
   // The log is the process's: it outlives the sessions.
   auto* logDock = new QDockWidget("Log", this);
@@ -136,6 +141,7 @@ void DesktopWindow::StartSession() {
   wasRecording_ = false;
   KeepJournal();
   ShowTitle();
+  ShowPunchIn();
 }
 
 void DesktopWindow::KeepJournal() {
@@ -181,11 +187,35 @@ void DesktopWindow::MakeMenus() {
   QMenu* edit = menuBar()->addMenu("&Edit");
   edit->addAction("&Undo", this, [this] { Undo(); }, QKeySequence::Undo);
   edit->addAction("&Redo", this, [this] { Redo(); }, QKeySequence::Redo);
+  QMenu* record = menuBar()->addMenu("&Record");
+  QAction* punchIn = record->addAction("&Punch in...", this, [this] { ChoosePunchIn(); });
+  punchIn->setObjectName("punchIn");
+  // A take under way keeps the channels it started with.
+  connect(record, &QMenu::aboutToShow, this, [this, punchIn] { punchIn->setEnabled(!session_->core.IsRecording()); });
   QMenu* view = menuBar()->addMenu("&View");
   view->addAction("&Rigworks panel", this, [this] { dlg_->Show(); });
   view->addAction(outlinerDock_->toggleViewAction());
   QMenu* look = view->addMenu("&Look through");
   connect(look, &QMenu::aboutToShow, this, [this, look] { FillLookThroughMenu(look); });
+}
+
+void DesktopWindow::ChoosePunchIn() {
+  PunchInDialog dialog(session_->CheckedChannels(), session_->core.GetRecorder()->punchIn.channels, this);
+  if (dialog.exec() == QDialog::Accepted) PunchIn(dialog.Chosen());
+}
+
+void DesktopWindow::PunchIn(const std::vector<std::string>& channels) {
+  session_->core.GetRecorder()->punchIn.channels = channels;
+  rgw::core::CoreLog::Instance().Info(channels.empty() ? "the next takes record every channel"
+                                                       : "the next takes punch in " + Listed(channels));
+  ShowPunchIn();
+}
+
+QString DesktopWindow::PunchInStatus() const { return punchInStatus_->text(); }
+
+void DesktopWindow::ShowPunchIn() {
+  const std::vector<std::string>& channels = session_->core.GetRecorder()->punchIn.channels;
+  punchInStatus_->setText(channels.empty() ? QString() : QString::fromStdString("Punching in " + Listed(channels)));
 }
 
 void DesktopWindow::FillLookThroughMenu(QMenu* menu) {

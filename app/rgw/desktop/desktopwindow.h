@@ -21,6 +21,7 @@
 #include "gui/viewport/viewport.h"
 
 class QDockWidget;
+class QLabel;
 class QMenu;
 class QSplitter;
 
@@ -45,6 +46,14 @@ class DesktopWindow : public QMainWindow {
   // and records it again.
   void Undo();
   void Redo();
+
+  // Asks, in a dialog of the checked tools' channels, which channels the next
+  // takes record anew over the kept take.
+  void ChoosePunchIn();
+  // The channels the next takes punch in; none, a take records them all.
+  void PunchIn(const std::vector<std::string>& channels);
+  // What the status bar says of them.
+  QString PunchInStatus() const;
 
   // Looks through the camera node of that name, or from the orbit for an
   // empty name; false when the scene has no such camera.
@@ -78,6 +87,8 @@ class DesktopWindow : public QMainWindow {
   // every frame while the recorder runs, with the countdown over it.
   void ShowTime();
   void FillLookThroughMenu(QMenu* menu);
+  // The status bar's word on the punch-in of the session's recorder.
+  void ShowPunchIn();
   // A journal for the takes of the scene file at hand, or of the user
   // folder's untitled scene for one never saved.
   void KeepJournal();
@@ -90,6 +101,7 @@ class DesktopWindow : public QMainWindow {
   gui::viewport::Viewport* viewport_;
   CountdownDialog* countdown_;
   LogPane* log_;
+  QLabel* punchInStatus_;
   QDockWidget* outlinerDock_;
   QDockWidget* timelineDock_;
   std::unique_ptr<Session> session_;
