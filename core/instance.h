@@ -100,6 +100,7 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   configadaptor::element::Root* GetPage() const { return page_.get(); }
   // The tool tree's item of this instance, null while it has none.
   void SetReference(InstanceReference* item) { reference_ = item; }
+  InstanceReference* GetReference() const { return reference_; }
 
   // A run: recording keeps raw samples of every channel from `time` on,
   // resimulating feeds them back in place of the devices.

@@ -174,6 +174,21 @@ InstanceReference::~InstanceReference() {
   while (GetChildCount() > 0) RemoveChild(GetChild(GetChildCount() - 1));
 }
 
+void InstanceReference::SetState(Slot slot, std::int32_t state) {
+  const bool wasOn = states[slot] != 0;
+  states[slot] = state;
+  if (slot == kChecked || !instance || wasOn == (state != 0)) return;
+  ModelSet& models = slot == kHighPoly ? highPoly_ : lowPoly_;
+  AdaptorInterface& adaptor = *instance->GetAdaptor();
+  const InstanceHandle tool = static_cast<CInterface*>(instance.get());
+  if (state != 0) {
+    models.ShowBack(adaptor, tool);
+  } else {
+    models.Hide(adaptor, tool);
+  }
+  adaptor.RedrawScene();
+}
+
 std::string InstanceReference::GetLabel() const {
   return instance ? instance->util::MessageNode::GetName() : std::string("RGT");
 }

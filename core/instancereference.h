@@ -10,6 +10,7 @@
 #include <string>
 
 #include "core/instance.h"
+#include "core/polyvisibility.h"
 #include "util/compositedynamic.h"
 #include "util/dynamicobject.h"
 #include "util/mesh.h"
@@ -52,8 +53,16 @@ class InstanceReference : public TreeItem {
   // "masternode": the parent's name, the child index and the tool compressed.
   util::xml::Element MasterNode() const;
 
+  // Sets a state slot; turning a visibility slot off hides the tool's
+  // models of that kind in the scene, turning it on shows them as they were.
+  void SetState(Slot slot, std::int32_t state);
+
   std::unique_ptr<Instance> instance;
   bool deletable = true;
+
+ private:
+  ModelSet highPoly_{ModelSet::Kind::kHighPoly};
+  ModelSet lowPoly_{ModelSet::Kind::kLowPoly};
 };
 
 // The "mesh" of a node's saved information: the four arrays of the mesh,

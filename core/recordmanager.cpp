@@ -48,6 +48,7 @@ void RecordManager::SetSpeedStep(std::int32_t step) {
 
 void RecordManager::StartRecording() {
   if (recording) return;
+  if (lowPolyOnRecord) lowPolyTake_.Begin(instances_->AllInstances());
   adaptor_->BeginUndo("Record");
   recording = true;
   startTime = adaptor_->GetTime();
@@ -149,6 +150,7 @@ void RecordManager::StopRecording() {
   recording = false;
   util::SetHistoryHorizon(0);
   adaptor_->EndRecording();
+  lowPolyTake_.End();
   adaptor_->EndUndo();
 }
 

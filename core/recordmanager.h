@@ -10,6 +10,7 @@
 
 #include "core/adaptorinterface.h"
 #include "core/instance.h"
+#include "core/polyvisibility.h"
 #include "core/punchin.h"
 #include "core/resimulator.h"
 #include "core/takejournal.h"
@@ -33,6 +34,9 @@ class InstanceList {
 class RecordManager : public TimerManager {
  public:
   static constexpr std::int32_t kRecordTick = 123;
+  // The progress window of a resimulation; it lives with the windows, as
+  // the core runs without widgets.
+  class ResimulateWindow;
 
   // The devices may be null: nothing is polled then.
   RecordManager(AdaptorInterface* adaptor, DeviceManager* devices, InstanceList* instances);
@@ -91,6 +95,9 @@ class RecordManager : public TimerManager {
   // The main window's switches: resimulate from the range start, expand the range at its end.
   bool resimulateFromFirstFrame = false;
   bool autoExpand = false;
+  // The main window's switch: a recording shows every tool's low-poly
+  // models only, and puts the models back at its end.
+  bool lowPolyOnRecord = false;
   // What the countdown shows: whole seconds left and the fraction of the current one.
   bool countdownShown = false;
   std::int32_t countdownShownSeconds = 0;
@@ -106,6 +113,7 @@ class RecordManager : public TimerManager {
   DeviceManager* devices_;
   InstanceList* instances_;
   Resimulator resimulator_;
+  LowPolyTake lowPolyTake_;
 };
 
 }  // namespace vuk::rgw::core

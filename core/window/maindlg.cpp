@@ -157,8 +157,6 @@ MainDlg::MainDlg(CoreImplementation& core, const Desktop& desktop, const std::st
       updates_(&core, BuildNumber(version)),
       mainConfig_(&core, core.GetAdaptor()) {
   Instance::SetInputSettingsOpener([this](Instance& instance) { ShowInputWindow(instance); });
-  // A resimulation runs in slices between the events of the desktop.
-  QObject::connect(&resimTimer_, &QTimer::timeout, [this] { ResimulateSlice(); });
   updates_.onChecked = [this] { SetStatus(updates_.StatusText()); };
   for (const Category& category : Categories()) OnMenu(category.button);
   OnMenu(kMenuBar);
@@ -177,7 +175,7 @@ MainDlg::MainDlg(CoreImplementation& core, const Desktop& desktop, const std::st
   On(111, [this](std::int32_t) { CreateTool(kGroupTool); });
   On(kResimulateFromStart, [this](std::int32_t) { recorder_.resimulateFromFirstFrame = IsChecked(kResimulateFromStart); });
   On(kExpandTimeline, [this](std::int32_t) { recorder_.autoExpand = IsChecked(kExpandTimeline); });
-  On(kHideHighPoly, [this](std::int32_t) { hideHighPoly_ = IsChecked(kHideHighPoly); });
+  On(kHideHighPoly, [this](std::int32_t) { recorder_.lowPolyOnRecord = IsChecked(kHideHighPoly); });
   On(kSpeedStep, [this](std::int32_t) {
     // The field counts halvings from normal speed; the recorder's steps count from 1.
     core_.SetSpeedStep(static_cast<std::int32_t>(std::lround(ControlOf<gui::component::Spinner>(kSpeedStep)->GetValue())) + 1);
@@ -201,7 +199,7 @@ MainDlg::MainDlg(CoreImplementation& core, const Desktop& desktop, const std::st
   OnItem(134, [this] { ShowAbout(); });
   recorder_.resimulateFromFirstFrame = IsChecked(kResimulateFromStart);
   recorder_.autoExpand = IsChecked(kExpandTimeline);
-  hideHighPoly_ = IsChecked(kHideHighPoly);
+  recorder_.lowPolyOnRecord = IsChecked(kHideHighPoly);
   if (auto* speed = ControlOf<gui::component::Spinner>(kSpeedStep)) speed->SetValue(core_.GetSpeedStep() - 1);
   RefreshTree();
 }
@@ -351,35 +349,32 @@ void MainDlg::ToggleRecording() {
     Update();
     return;
   }
-  if (hideHighPoly_) HideHighPoly();
   core_.BeginRecording();
+  // A recording may have switched the models' flags.
+  if (tree_) tree_->Refresh();
   Update();
 }
 
 void MainDlg::ToggleResimulation() {
   if (recorder_.IsResimulating()) {
-    resimTimer_.stop();
-    recorder_.FinishResimulation();
-    Update();
+    resimulate_->Stop();
     return;
   }
   if (recorder_.IsRecording()) return;
   AdaptorInterface* adaptor = core_.GetAdaptor();
   const std::pair<double, double> range = adaptor->GetAnimationRange();
   core_.StartResimulation(recorder_.resimulateFromFirstFrame ? range.first : adaptor->GetTime(), range.second);
-  resimTimer_.start();
-  Update();
-}
-
-void MainDlg::ResimulateSlice() {
-  if (recorder_.IsResimulating() && recorder_.ResimStep()) recorder_.FinishResimulation();
-  if (!recorder_.IsResimulating()) resimTimer_.stop();
+  if (!resimulate_) {
+    resimulate_ = std::make_unique<RecordManager::ResimulateWindow>(recorder_, *adaptor);
+    resimulate_->onFinished = [this] { Update(); };
+  }
+  resimulate_->Start();
   Update();
 }
 
 void MainDlg::Update() {
   if (recorder_.IsResimulating()) {
-    SetStatus("Resimulating: " + std::to_string(static_cast<int>(recorder_.Resimulation().Progress() * 100)) + "%");
+    SetStatus("Resimulating...");
     return;
   }
   if (recorder_.IsRecording()) {
@@ -387,35 +382,11 @@ void MainDlg::Update() {
                                        : "Recording...");
     return;
   }
-  if (!hiddenFor_.empty()) RestoreHighPoly();
-  if (Status().rfind("Recording", 0) == 0 || Status().rfind("Resimulating", 0) == 0) SetStatus("Ready.");
-}
-
-void MainDlg::HideHighPoly() {
-  hiddenFor_.clear();
-  std::vector<TreeItem*> pending{&instances_.Root()};
-  while (!pending.empty()) {
-    TreeItem* item = pending.back();
-    pending.pop_back();
-    if (item != &instances_.Root()) {
-      hiddenFor_.emplace_back(item, item->states);
-      item->states[TreeItem::kHighPoly] = 0;
-      item->states[TreeItem::kLowPoly] = 1;
-    }
-    for (std::size_t i = 0; i < item->GetChildCount(); ++i) pending.push_back(item->GetChild(i));
+  if (Status().rfind("Recording", 0) == 0 || Status().rfind("Resimulating", 0) == 0) {
+    // The flags a recording switched are back.
+    if (tree_) tree_->Refresh();
+    SetStatus("Ready.");
   }
-  core_.GetAdaptor()->RedrawScene();
-  if (tree_) tree_->Refresh();
-}
-
-void MainDlg::RestoreHighPoly() {
-  for (const auto& [item, states] : hiddenFor_) {
-    item->states[TreeItem::kHighPoly] = states[TreeItem::kHighPoly];
-    item->states[TreeItem::kLowPoly] = states[TreeItem::kLowPoly];
-  }
-  hiddenFor_.clear();
-  core_.GetAdaptor()->RedrawScene();
-  if (tree_) tree_->Refresh();
 }
 
 void MainDlg::Browse() {

@@ -3,11 +3,8 @@
 // the tool tree, opens the windows of a tool, and starts recordings and
 // resimulations.
 
-#include <QTimer>
-#include <array>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/configadaptor/mainconfig.h"
@@ -15,6 +12,7 @@
 #include "core/updatemanager.h"
 #include "core/window/configwindow.h"
 #include "core/window/inputconfigdlg.h"
+#include "core/window/resimulatewindow.h"
 #include "core/window/windowbase.h"
 #include "gui/component/tree.h"
 #include "gui/tooltree/tooltreeview.h"
@@ -51,8 +49,8 @@ class MainDlg : public WindowBase {
   void Select(InstanceReference* item);
   // The tools the pop-outs and menus offer, in the order of their entries.
   const std::vector<Plugin*>& Creatable() const { return creatable_; }
-  // Follows the recorder: the status line, and the models hidden for a
-  // recording shown again after it. The desktop calls it while it runs.
+  // Follows the recorder in the status line and the tree. The desktop calls
+  // it while it runs.
   void Update();
   std::string Status() const;
 
@@ -61,6 +59,7 @@ class MainDlg : public WindowBase {
   InputConfigDlg* GetInputWindow() const { return inputs_.get(); }
   WindowBase* GetPreferences() const { return preferences_.get(); }
   WindowBase* GetAbout() const { return about_.get(); }
+  RecordManager::ResimulateWindow* GetResimulateWindow() const { return resimulate_.get(); }
 
  private:
   void Handle(std::int32_t id, void (MainDlg::*action)());
@@ -75,8 +74,6 @@ class MainDlg : public WindowBase {
   void TreeChanged();
   void ToggleRecording();
   void ToggleResimulation();
-  // One slice of the resimulation under way; the last ends it.
-  void ResimulateSlice();
   void Browse();
   void SaveSelected();
   void ShowPreferences();
@@ -85,10 +82,6 @@ class MainDlg : public WindowBase {
   void SetStatus(const std::string& text);
   // The check state of a check box of the window.
   bool IsChecked(std::int32_t id) const;
-  // Every tool's high-poly models off and low-poly on, for a recording; the
-  // states they had come back after it.
-  void HideHighPoly();
-  void RestoreHighPoly();
 
   CoreImplementation& core_;
   InstanceManager& instances_;
@@ -100,15 +93,12 @@ class MainDlg : public WindowBase {
   gui::component::Tree* tree_;
   UpdateManager updates_;
   configadaptor::element::MainConfig mainConfig_;
-  QTimer resimTimer_;
   std::unique_ptr<ConfigWindow> config_;
   std::unique_ptr<InputConfigDlg> inputs_;
   std::unique_ptr<WindowBase> preferences_;
   std::unique_ptr<WindowBase> about_;
-  // Read when a recording starts.
-  bool hideHighPoly_ = false;
-  // The items' visibility states before a recording hid their high-poly models.
-  std::vector<std::pair<TreeItem*, std::array<std::int32_t, 3>>> hiddenFor_;
+  // Made at the first resimulation and kept.
+  std::unique_ptr<RecordManager::ResimulateWindow> resimulate_;
 };
 
 }  // namespace vuk::rgw::core

@@ -452,8 +452,10 @@ QWidget* MakeContainer(StdComponent& component, QWidget* parent) {
     frame->layout()->setContentsMargins(MarginsOf(component.padding) + MarginsOf(component.margin));
     return frame;
   }
-  if (dynamic_cast<Group*>(&component)) {
-    return BoxOf(component, new QGroupBox(Text(component.label), parent), false, WishesOf(component));
+  if (auto* group = dynamic_cast<Group*>(&component)) {
+    auto* box = new QGroupBox(parent);
+    Follow(*group, box, [group](QGroupBox* w) { w->setTitle(Text(group->label)); });
+    return BoxOf(component, box, false, WishesOf(component));
   }
   if (dynamic_cast<Scroll*>(&component)) {
     auto* area = new QScrollArea(parent);

@@ -20,7 +20,7 @@ std::int32_t ToolTreeNode::GetFlag(std::size_t column) const {
 }
 
 void ToolTreeNode::SetFlag(std::size_t column, std::int32_t state) {
-  if (column < item_.states.size()) item_.states[column] = state;
+  if (column < item_.states.size()) item_.SetState(static_cast<InstanceReference::Slot>(column), state);
 }
 
 InstanceReference* ToolTreeNode::Find(const Node* node) const {

@@ -305,11 +305,42 @@ TEST_F(MainWindow, RecordStartsAndStopsAndHidesHighPolyModelsMeanwhile) {
   EXPECT_TRUE(session->core.IsResimulating());
   Press(117);
   EXPECT_FALSE(session->core.IsResimulating());
+}
+
+TEST_F(MainWindow, ResimulationRunsInItsWindowToTheEndOrUntilStopped) {
+  Make("LookAtCam");
+  RecordManager& recorder = *session->core.GetRecorder();
+  dlg->ControlOf<CheckBox>(112)->ChangeState(CheckBox::kOn);
   // Left alone, it runs to the end of the range.
   Press(117);
+  RecordManager::ResimulateWindow* window = dlg->GetResimulateWindow();
+  ASSERT_NE(window, nullptr);
+  EXPECT_TRUE(window->IsShown());
   for (int i = 0; i < 1000 && session->core.IsResimulating(); ++i) QCoreApplication::processEvents();
   EXPECT_FALSE(session->core.IsResimulating());
+  EXPECT_FALSE(window->IsShown());
+  EXPECT_EQ(window->ControlOf<gui::component::ProgressBar>(100)->progress, 100);
+  const auto range = session->host.GetAnimationRange();
+  const auto fps = session->host.GetFrameRate();
+  const std::string frames = std::to_string(std::llround((range.second - range.first) * fps));
+  EXPECT_EQ(window->ControlOf<gui::component::Label>(102)->GetText(), frames + " out of " + frames + " frames.");
+  EXPECT_EQ(window->ControlOf<gui::component::Label>(103)->GetText(), "0 minutes and 0 seconds.");
   EXPECT_EQ(dlg->Status(), "Ready.");
+  // Stopped at once, the window closes; the frames written stay for one host undo.
+  Press(117);
+  EXPECT_EQ(dlg->GetResimulateWindow(), window);
+  EXPECT_TRUE(window->IsShown());
+  // A clock that runs 300 ms per look: a slice steps one frame.
+  std::int64_t now = 0;
+  recorder.clock = [&now] { return now += 300; };
+  EXPECT_FALSE(recorder.ResimStep());
+  const double reached = recorder.Resimulation().NextFrameTime();
+  window->ControlOf<Button>(99)->Press();
+  EXPECT_FALSE(session->core.IsResimulating());
+  EXPECT_FALSE(window->IsShown());
+  EXPECT_GT(reached, range.first);
+  EXPECT_LT(reached, range.second);
+  EXPECT_EQ(LastUndo(), "Resimulating");
 }
 
 TEST_F(MainWindow, NothingSelectedDoesNothing) {
