@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "core/plugins/group.h"
+
 namespace vuk::rgw::core {
 
 CoreLibrary::CoreLibrary(const ToolTable& table) {
@@ -9,6 +11,7 @@ CoreLibrary::CoreLibrary(const ToolTable& table) {
     if (!factory) continue;
     if (CCameraPlugin* plugin = factory()) tools_.push_back(std::make_unique<Plugin>(plugin));
   }
+  tools_.push_back(std::make_unique<Plugin>(new plugins::Group));
 }
 
 Plugin* CoreLibrary::FindTool(const std::string& name) const {

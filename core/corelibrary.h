@@ -1,6 +1,7 @@
 #pragma once
 // The library of the tools compiled into the program: each factory of the
-// tool table it is given, called once and wrapped in a Plugin.
+// tool table it is given, called once and wrapped in a Plugin, and the
+// core's own group.
 
 #include <memory>
 #include <string>

@@ -5,6 +5,7 @@
 
 #include "core/messagebox.h"
 #include "core/paths.h"
+#include "core/plugins/group.h"
 #include "core/prmfile.h"
 #include "core/treeundo.h"
 #include "gui/component/controls.h"
@@ -172,7 +173,7 @@ MainDlg::MainDlg(CoreImplementation& core, const Desktop& desktop, const std::st
   Handle(107, &MainDlg::OpenInputs);
   Handle(108, &MainDlg::UnplugSelected);
   Handle(109, &MainDlg::CloneSelected);
-  On(111, [this](std::int32_t) { CreateTool(kGroupTool); });
+  On(111, [this](std::int32_t) { CreateTool(plugins::Group::kName); });
   On(kResimulateFromStart, [this](std::int32_t) { recorder_.resimulateFromFirstFrame = IsChecked(kResimulateFromStart); });
   On(kExpandTimeline, [this](std::int32_t) { recorder_.autoExpand = IsChecked(kExpandTimeline); });
   On(kHideHighPoly, [this](std::int32_t) { recorder_.lowPolyOnRecord = IsChecked(kHideHighPoly); });

@@ -28,7 +28,6 @@ class MainDlg : public WindowBase {
   // tool's place among the creatable ones. Tool help entries likewise.
   static constexpr std::int32_t kCreateBase = 1000;
   static constexpr std::int32_t kToolHelpBase = 2000;
-  static constexpr const char* kGroupTool = "Group";
   // The pop-outs and Create menus, each with the category of its tools.
   struct Category {
     std::int32_t button;

@@ -354,10 +354,41 @@ TEST_F(MainWindow, NothingSelectedDoesNothing) {
   EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(MainWindow, GroupWithoutAGroupToolSaysSo) {
+// A group gathers tools below it, undoably, and comes back with them from a
+// saved scene though it has no node of its own.
+TEST_F(MainWindow, GroupGathersToolsAndSurvivesASave) {
+  const std::size_t nodesBefore = SceneNodeCount();
   Press(111);
+  InstanceReference* group = dlg->Selected();
+  ASSERT_NE(group, nullptr);
+  EXPECT_EQ(group->GetLabel(), "Group_01");
+  EXPECT_EQ(LastUndo(), "Create Tool");
+  EXPECT_EQ(SceneNodeCount(), nodesBefore);
+  Undo();
   EXPECT_TRUE(session->tools.InstanceNames().empty());
-  EXPECT_EQ(dlg->Status(), "There is no tool \"Group\" to make.");
+  Redo();
+  ExpectMirror();
+
+  group = session->tools.Find("Group_01");
+  InstanceReference* camera = Make("LookAtCam");
+  session->tools.Move(camera, group);
+  dlg->RefreshTree();
+  EXPECT_EQ(Shape(session->tools.Root()), "Group_01[LookAtCam_01;];");
+  // The group is made by its button alone.
+  for (Plugin* tool : dlg->Creatable()) EXPECT_NE(tool->ToolName(), "Group");
+  // Its windows open, empty.
+  dlg->Select(group);
+  Press(106);
+  Press(107);
+  EXPECT_NE(dlg->GetConfigWindow(), nullptr);
+
+  const std::string path = TempPath("group.gltf");
+  std::string error;
+  ASSERT_TRUE(session->Save(path, error)) << error;
+  Open();
+  ASSERT_TRUE(session->Open(path, error)) << error;
+  EXPECT_EQ(Shape(session->tools.Root()), "Group_01[LookAtCam_01;];");
+  std::filesystem::remove(path);
 }
 
 TEST_F(MainWindow, SavesTheSelectedTreeAsAModelAndBrowsesItBack) {
