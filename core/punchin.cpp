@@ -4,6 +4,24 @@
 
 namespace vuk::rgw::core {
 
+void KeepAroundPunch(util::AVar_Linear<double>& punched, const util::AVar_Linear<double>& before, double from) {
+  // The take removed the track from its start, and its first frames may
+  // come later than that.
+  auto& records = punched.records;
+  const auto fresh = std::find_if(records.begin(), records.end(), [from](const auto& r) { return r.time >= from; });
+  if (fresh == records.end()) {
+    punched = before;
+    return;
+  }
+  const double first = fresh->time, last = records.back().time;
+  const auto& old = before.records;
+  records.insert(fresh, std::find_if(old.begin(), old.end(), [from](const auto& r) { return r.time >= from; }),
+                 std::find_if(old.begin(), old.end(), [first](const auto& r) { return r.time >= first; }));
+  for (const auto& record : old) {
+    if (record.time > last) records.push_back(record);
+  }
+}
+
 bool PunchIn::IsPunched(const std::string& channel) const {
   return std::find(channels.begin(), channels.end(), channel) != channels.end();
 }
@@ -41,21 +59,7 @@ void PunchIn::End() {
       track = kept.before;
       continue;
     }
-    // The take removed the track from its start, and its first frames may
-    // come later than that: the old values come back around the new ones.
-    auto& records = track.records;
-    const auto fresh = std::find_if(records.begin(), records.end(), [this](const auto& r) { return r.time >= from_; });
-    if (fresh == records.end()) {
-      track = kept.before;
-      continue;
-    }
-    const double first = fresh->time, last = records.back().time;
-    const auto& old = kept.before.records;
-    records.insert(fresh, std::find_if(old.begin(), old.end(), [this](const auto& r) { return r.time >= from_; }),
-                   std::find_if(old.begin(), old.end(), [first](const auto& r) { return r.time >= first; }));
-    for (const auto& record : old) {
-      if (record.time > last) records.push_back(record);
-    }
+    KeepAroundPunch(track, kept.before, from_);
   }
   kept_.clear();
 }

@@ -15,6 +15,11 @@
 
 namespace vuk::rgw::core {
 
+// A punched track, as recorded from `from` on over the track `before`, gets
+// back the old values around its new ones: those from `from` up to its first
+// new value and those after its last. A track with no new value is `before`.
+void KeepAroundPunch(util::AVar_Linear<double>& punched, const util::AVar_Linear<double>& before, double from);
+
 class PunchIn {
  public:
   // The channels recorded anew, by name, in every tool taking part; empty,

@@ -59,7 +59,7 @@ void RecordManager::StartRecording() {
   std::vector<Instance*> checked = instances_->CheckedInstances();
   adaptor_->BeginRecordingInstances(HandlesOf(checked));
   BeginInstances(std::move(checked));
-  if (journal) journal->Begin(recordInstances, startTime, timeScale);
+  if (journal) journal->Begin(recordInstances, startTime, timeScale, punchIn.channels);
   firstTick = true;
   time = startTime - countdownSeconds;
   adaptor_->SetTimeScale(HostScale(timeScale));

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cmath>
@@ -63,11 +64,14 @@ bool GetCount(util::ByteReader& in, std::size_t least, std::uint32_t& count) {
   return in.Get(count) && count <= in.Remaining() / least;
 }
 
-bool ParseTake(util::ByteReader in, JournalTake& take) {
+bool ParseTake(util::ByteReader in, std::uint32_t version, JournalTake& take) {
   std::uint32_t tools = 0;
-  if (!in.Get(take.startTime) || !in.Get(take.timeScale) || !in.Get(take.startedMs) || !GetCount(in, 8, tools)) {
+  std::uint8_t punchIn = 0;
+  if (!in.Get(take.startTime) || !in.Get(take.timeScale) || !in.Get(take.startedMs) ||
+      (version >= 2 && !in.Get(punchIn)) || punchIn > 1 || !GetCount(in, 8, tools)) {
     return false;
   }
+  take.punchIn = punchIn != 0;
   if (!std::isfinite(take.startTime) || !(take.timeScale > 0)) return false;
   take.tools.resize(tools);
   for (JournalTake::Tool& tool : take.tools) {
@@ -124,9 +128,9 @@ JournalReading ParseTakeJournal(const std::uint8_t* data, std::size_t size) {
     reading.problem = "the file ends too early";
     return reading;
   }
-  if (version != TakeJournal::kVersion) {
-    reading.problem = "a take journal of version " + std::to_string(version) + ", this program reads version " +
-                      std::to_string(TakeJournal::kVersion);
+  if (version < TakeJournal::kOldestVersion || version > TakeJournal::kVersion) {
+    reading.problem = "a take journal of version " + std::to_string(version) + ", this program reads versions " +
+                      std::to_string(TakeJournal::kOldestVersion) + " to " + std::to_string(TakeJournal::kVersion);
     return reading;
   }
   bool started = false;
@@ -143,7 +147,7 @@ JournalReading ParseTakeJournal(const std::uint8_t* data, std::size_t size) {
     const bool intact = Crc32(body, length + 1) == checksum;
     const util::ByteReader payload(body + 1, length);
     const bool read = intact && (started ? kind == kFrameRecord && ParseFrame(payload, reading.take)
-                                         : kind == kTakeRecord && ParseTake(payload, reading.take));
+                                         : kind == kTakeRecord && ParseTake(payload, version, reading.take));
     if (!read) {
       reading.problem = AtByte(offset, intact ? "a record makes no sense" : "a record is damaged");
       break;
@@ -183,7 +187,8 @@ void TakeJournal::Fail(const std::string& what) {
   fd_ = -1;
 }
 
-bool TakeJournal::Begin(const std::vector<Instance*>& tools, double startTime, double timeScale) {
+bool TakeJournal::Begin(const std::vector<Instance*>& tools, double startTime, double timeScale,
+                        const std::vector<std::string>& punched) {
   Close();
   error_.clear();
   fd_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
@@ -203,19 +208,27 @@ bool TakeJournal::Begin(const std::vector<Instance*>& tools, double startTime, d
   out.Put(startTime);
   out.Put(timeScale);
   out.Put(static_cast<std::int64_t>(startedMs.count()));
+  out.Put(static_cast<std::uint8_t>(punched.empty() ? 0 : 1));
   out.Put(static_cast<std::uint32_t>(tools.size()));
-  std::size_t channels = 0;
-  for (const Instance* tool : tools) {
-    PutString(out, tool->InstanceName());
-    out.Put(static_cast<std::uint32_t>(tool->Inputs().Count()));
-    for (std::size_t i = 0; i < tool->Inputs().Count(); ++i) PutString(out, tool->Inputs().Get(i)->name);
-    channels += tool->Inputs().Count();
+  journaled_.clear();
+  for (std::size_t t = 0; t < tools.size(); ++t) {
+    const unidevice::PropertyHandler& inputs = tools[t]->Inputs();
+    const std::size_t before = journaled_.size();
+    for (std::size_t i = 0; i < inputs.Count(); ++i) {
+      const std::string& name = inputs.Get(i)->name;
+      if (punched.empty() || std::find(punched.begin(), punched.end(), name) != punched.end()) {
+        journaled_.emplace_back(t, i);
+      }
+    }
+    PutString(out, tools[t]->InstanceName());
+    out.Put(static_cast<std::uint32_t>(journaled_.size() - before));
+    for (std::size_t j = before; j < journaled_.size(); ++j) PutString(out, inputs.Get(journaled_[j].second)->name);
   }
   // The start is on the disk before the first frame, which the sync interval
   // then counts from.
   lastSync_ = std::chrono::steady_clock::now() - kSyncInterval;
   WriteRecord(kTakeRecord, kHeaderSize);
-  record_.reserve(kFraming + 8 * (channels + 1));
+  record_.reserve(kFraming + 8 * (journaled_.size() + 1));
   return fd_ >= 0;
 }
 
@@ -225,10 +238,9 @@ void TakeJournal::Append(double time, const std::vector<Instance*>& tools) {
   util::ByteWriter out(record_);
   out.PutZeros(5);
   out.Put(time);
-  for (const Instance* tool : tools) {
-    const std::size_t channels = tool->Inputs().Count();
-    const auto& tracks = tool->RecordedTracks();
-    for (std::size_t i = 0; i < channels; ++i) out.Put(i < tracks.size() ? tracks[i].Get(time) : 0.0);
+  for (const auto& [tool, channel] : journaled_) {
+    const bool recorded = tool < tools.size() && channel < tools[tool]->RecordedTracks().size();
+    out.Put(recorded ? tools[tool]->RecordedTracks()[channel].Get(time) : 0.0);
   }
   WriteRecord(kFrameRecord);
 }

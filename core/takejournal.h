@@ -8,15 +8,18 @@
 // Layout, little-endian: "RGWTAKE\n", u32 version; then records of
 // u32 payload length, u8 kind, payload, u32 CRC-32 of kind and payload.
 // Kind 1 (first and only once): f64 start time, f64 slow-motion divisor,
-// i64 wall clock at the start (ms since 1970), u32 tool count, and per tool
-// its name and u32 channel count with the channel names (each string a u32
-// length and its bytes). Kind 2, one per frame: f64 scene time and one f64
-// per channel of every tool, in order.
+// i64 wall clock at the start (ms since 1970), u8 punch-in (since version 2),
+// u32 tool count, and per tool its name and u32 channel count with the
+// channel names (each string a u32 length and its bytes). Kind 2, one per
+// frame: f64 scene time and one f64 per channel of every tool, in order.
+// A punch-in lists only the channels recorded anew: the others played back
+// their tracks, which the take left as they were.
 
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/instance.h"
@@ -34,6 +37,9 @@ struct JournalTake {
   double startTime = 0;
   double timeScale = 1;
   std::int64_t startedMs = 0;
+  // Only the listed channels were recorded, from the first frame to the
+  // last; their tracks keep their values around that range.
+  bool punchIn = false;
   std::vector<Tool> tools;
   // Frame times in rising order, and for each frame the values of every
   // tool's channels in order: ChannelCount() of them.
@@ -63,7 +69,9 @@ JournalReading ReadTakeJournal(const std::string& path);
 
 class TakeJournal {
  public:
-  static constexpr std::uint32_t kVersion = 1;
+  static constexpr std::uint32_t kVersion = 2;
+  // Journals from before punch-ins read as whole takes.
+  static constexpr std::uint32_t kOldestVersion = 1;
   // The longest a synced journal lags behind the take.
   static constexpr std::chrono::milliseconds kSyncInterval{1000};
 
@@ -73,10 +81,12 @@ class TakeJournal {
   TakeJournal& operator=(const TakeJournal&) = delete;
 
   const std::string& Path() const { return path_; }
-  // Starts the file anew with the take's tools and channels; false with the
-  // reason in Error() when it can't be written.
-  bool Begin(const std::vector<Instance*>& tools, double startTime, double timeScale);
-  // The frame just recorded at `time`: every channel's recorded value.
+  // Starts the file anew with the take's tools and channels, or with the
+  // punched channels only when there are any; false with the reason in
+  // Error() when it can't be written.
+  bool Begin(const std::vector<Instance*>& tools, double startTime, double timeScale,
+             const std::vector<std::string>& punched = {});
+  // The frame just recorded at `time`: every journaled channel's recorded value.
   void Append(double time, const std::vector<Instance*>& tools);
   // Syncs and closes the file; it stays until Remove.
   void Close();
@@ -93,6 +103,9 @@ class TakeJournal {
 
   std::string path_;
   int fd_ = -1;
+  // The channels journaled, in order: a tool's place in the take and the
+  // channel's place in the tool.
+  std::vector<std::pair<std::size_t, std::size_t>> journaled_;
   util::Bytes record_;
   std::chrono::steady_clock::time_point lastSync_;
   std::string error_;

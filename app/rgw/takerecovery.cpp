@@ -5,6 +5,7 @@
 
 #include "app/rgw/liverecording.h"
 #include "app/rgw/wording.h"
+#include "core/punchin.h"
 #include "core/resimulator.h"
 
 namespace vuk::app {
@@ -13,11 +14,12 @@ namespace {
 
 using State = rgw::core::JournalReading::State;
 
-// The journal's frames into the tools' recorded tracks, replacing what they
-// held from the take's start on; false with the reason.
-bool RestoreTake(const rgw::core::JournalTake& take, Session& session, const std::string& file, std::string& error) {
-  const std::size_t stride = take.ChannelCount();
-  std::size_t column = 0;
+using Track = util::AVar_Linear<double>;
+
+// The tracks of the journal's channels, in its order; false with the reason
+// when a tool or a channel is missing.
+bool FindTracks(const rgw::core::JournalTake& take, Session& session, const std::string& file,
+                std::vector<Track*>& tracks, std::string& error) {
   for (const rgw::core::JournalTake::Tool& tool : take.tools) {
     rgw::core::InstanceReference* item = session.tools.Find(tool.name);
     if (!item) {
@@ -26,19 +28,31 @@ bool RestoreTake(const rgw::core::JournalTake& take, Session& session, const std
       return false;
     }
     for (const std::string& channel : tool.channels) {
-      auto* track = item->instance->TrackOf(channel);
+      Track* track = item->instance->TrackOf(channel);
       if (!track) {
         error = tool.name + " has no channel \"" + channel + "\" to take the journal's frames";
         return false;
       }
-      track->RemoveFrom(take.startTime);
-      for (std::size_t frame = 0; frame < take.times.size(); ++frame) {
-        track->Set(take.times[frame], take.values[frame * stride + column]);
-      }
-      ++column;
+      tracks.push_back(track);
     }
   }
   return true;
+}
+
+// The journal's frames into the tools' recorded tracks, replacing what they
+// held from the take's start on, or for a punch-in over the frames' range
+// only.
+void RestoreTake(const rgw::core::JournalTake& take, const std::vector<Track*>& tracks) {
+  const std::size_t stride = tracks.size();
+  for (std::size_t column = 0; column < stride; ++column) {
+    Track& track = *tracks[column];
+    const Track before = track;
+    track.RemoveFrom(take.startTime);
+    for (std::size_t frame = 0; frame < take.times.size(); ++frame) {
+      track.Set(take.times[frame], take.values[frame * stride + column]);
+    }
+    if (take.punchIn) rgw::core::KeepAroundPunch(track, before, take.startTime);
+  }
 }
 
 }  // namespace
@@ -68,7 +82,9 @@ UnfinishedTake FindUnfinishedTake(const std::string& scenePath) {
 }
 
 bool RecoverTake(const rgw::core::JournalTake& take, Session& session, const std::string& file, std::string& error) {
-  if (!RestoreTake(take, session, file, error)) return false;
+  // Nothing changes unless the whole take can be put back.
+  std::vector<Track*> tracks;
+  if (!FindTracks(take, session, file, tracks, error)) return false;
   const double from = take.startTime, to = take.times.back();
   const std::string tooLong =
       rgw::core::Resimulator::RangeProblem(from, to, rgw::core::TimeBase(session.host.GetFrameRate()));
@@ -76,6 +92,7 @@ bool RecoverTake(const rgw::core::JournalTake& take, Session& session, const std
     error = rgw::core::JournalPathOf(file) + ": " + tooLong;
     return false;
   }
+  RestoreTake(take, tracks);
   OnlyTheseTools only(session.tools, ToolsOf(take));
   session.Resimulate(from, to);
   return true;

@@ -340,5 +340,40 @@ TEST_F(Desktop, APunchInChosenFromTheRecordMenuLeavesTheOtherChannelsTrackAsItWa
   inputs.Get(1)->source = real[1];
 }
 
+// A punch-in's journal holds the punched channel alone; recovered over the
+// scene as saved before it, the take's tracks are those the punch-in left.
+TEST_F(Desktop, APunchInLostWithTheProcessIsRecoveredExactly) {
+  const std::string path = TempPath("punchin.gltf");
+  MakeTool("Helicopter");
+  rgw::core::Instance& tool = *window.GetSession().tools.Find("Helicopter_01")->instance;
+  const unidevice::PropertyHandler& inputs = tool.Inputs();
+  const std::string punched = inputs.Get(0)->name, kept = inputs.Get(1)->name;
+  unidevice::Control first, second;
+  inputs.Get(0)->source = &first;
+  inputs.Get(1)->source = &second;
+  first.Update(1);
+  second.Update(2);
+  RecordFor(window, 400);
+  ASSERT_TRUE(window.SaveSceneAs(path));
+
+  ChoosePunchInFromTheMenu(window, {punched});
+  window.GetTimeline().Scrub(0);
+  first.Update(7);
+  second.Update(9);
+  RecordFor(window, 200);
+  const rgw::core::JournalReading reading = rgw::core::ReadTakeJournal(rgw::core::JournalPathOf(path));
+  EXPECT_TRUE(reading.take.punchIn);
+  ASSERT_EQ(reading.take.tools.size(), 1u);
+  EXPECT_EQ(reading.take.tools[0].channels, std::vector<std::string>{punched});
+  const util::Bytes punchedAfter = Saved(*tool.TrackOf(punched)), keptAfter = Saved(*tool.TrackOf(kept));
+
+  rgw::core::SetMessageBoxSink([](const std::string&, const std::string&, std::int32_t) { return rgw::box::kYes; });
+  ASSERT_TRUE(window.OpenScene(path));
+  rgw::core::Instance& recovered = *window.GetSession().tools.Find("Helicopter_01")->instance;
+  EXPECT_EQ(Saved(*recovered.TrackOf(punched)), punchedAfter);
+  EXPECT_EQ(Saved(*recovered.TrackOf(kept)), keptAfter);
+  std::filesystem::remove(path);
+}
+
 }  // namespace
 }  // namespace vuk::app::desktop

@@ -166,25 +166,25 @@ struct Damage {
 class DamagedJournal : public Journal, public testing::WithParamInterface<Damage> {};
 
 // Eight ticks at 30 frames a second give eight frames of 49 bytes (four
-// channels) after a take record of 119 bytes at byte 12.
+// channels) after a take record of 120 bytes at byte 12.
 const Damage kDamages[] = {
     {"nothing", 0, 0, JournalState::kWhole, 8, ""},
-    {"the last checksum", 1, 0x55, JournalState::kCut, 7, "cut at byte 474, where a record is damaged"},
-    {"a value of the sixth frame", 3 * 49 - 20, 0x7f, JournalState::kCut, 5, "cut at byte 376, where a record is damaged"},
-    {"a length gone huge", 3 * 49 - 3, 0xff, JournalState::kCut, 5, "cut at byte 376, where a record is damaged"},
-    {"a length too long", 3 * 49, 0xff, JournalState::kCut, 5, "cut at byte 376, where the file ends too early"},
-    {"the kind of the fourth frame", 5 * 49 - 4, 1, JournalState::kCut, 3, "cut at byte 278, where a record is damaged"},
-    {"the start of the take", 8 * 49 + 119 - 20, 0x33, JournalState::kRefused, 0,
+    {"the last checksum", 1, 0x55, JournalState::kCut, 7, "cut at byte 475, where a record is damaged"},
+    {"a value of the sixth frame", 3 * 49 - 20, 0x7f, JournalState::kCut, 5, "cut at byte 377, where a record is damaged"},
+    {"a length gone huge", 3 * 49 - 3, 0xff, JournalState::kCut, 5, "cut at byte 377, where a record is damaged"},
+    {"a length too long", 3 * 49, 0xff, JournalState::kCut, 5, "cut at byte 377, where the file ends too early"},
+    {"the kind of the fourth frame", 5 * 49 - 4, 1, JournalState::kCut, 3, "cut at byte 279, where a record is damaged"},
+    {"the start of the take", 8 * 49 + 120 - 20, 0x33, JournalState::kRefused, 0,
      "no take: cut at byte 12, where a record is damaged"},
-    {"the version", 8 * 49 + 119 + 4, 2, JournalState::kRefused, 0,
-     "a take journal of version 2, this program reads version 1"},
-    {"the magic", 8 * 49 + 119 + 12, 'X', JournalState::kRefused, 0, "not a take journal"},
+    {"the version", 8 * 49 + 120 + 4, 3, JournalState::kRefused, 0,
+     "a take journal of version 3, this program reads versions 1 to 2"},
+    {"the magic", 8 * 49 + 120 + 12, 'X', JournalState::kRefused, 0, "not a take journal"},
 };
 
 TEST_P(DamagedJournal, IsCutAtTheDamageOrRefused) {
   const Damage& damage = GetParam();
   util::Bytes bytes = WholeJournal(8);
-  ASSERT_EQ(bytes.size(), 12u + 119 + 8 * 49);
+  ASSERT_EQ(bytes.size(), 12u + 120 + 8 * 49);
   if (damage.fromEnd) bytes[bytes.size() - damage.fromEnd] = damage.value;
   const JournalReading reading = Parse(bytes);
   EXPECT_EQ(reading.state, damage.state);
@@ -194,6 +194,35 @@ TEST_P(DamagedJournal, IsCutAtTheDamageOrRefused) {
 
 INSTANTIATE_TEST_SUITE_P(Bytes, DamagedJournal, testing::ValuesIn(kDamages),
                          [](const auto& info) { return "Case" + std::to_string(info.index); });
+
+// A punch-in journals the channels recorded anew, in every tool, and marks
+// the take as one; the played-back channels stay out of the file.
+TEST_F(Journal, APunchInHoldsThePunchedChannelsOnly) {
+  recorder.punchIn.channels = {"Lift"};
+  const JournalReading reading = Parse(WholeJournal(6));
+  ASSERT_EQ(reading.state, JournalState::kWhole) << reading.problem;
+  const JournalTake& take = reading.take;
+  EXPECT_TRUE(take.punchIn);
+  ASSERT_EQ(take.tools.size(), 2u);
+  for (const JournalTake::Tool& tool : take.tools) EXPECT_EQ(tool.channels, std::vector<std::string>{"Lift"});
+  const auto& lift = tools[0]->RecordedTracks()[0];
+  ASSERT_FALSE(take.times.empty());
+  for (std::size_t i = 0; i < take.times.size(); ++i) EXPECT_EQ(take.values[2 * i], lift.Get(take.times[i]));
+  recorder.punchIn.channels.clear();
+  EXPECT_FALSE(Parse(WholeJournal(6)).take.punchIn);
+}
+
+// A journal written before punch-ins existed reads as a whole take.
+TEST_F(Journal, AVersionOneJournalReadsAsAWholeTake) {
+  const JournalReading reading = ReadTakeJournal(RGW_TEST_DATA "/takejournal_v1.rgwtake");
+  ASSERT_EQ(reading.state, JournalState::kWhole) << reading.problem;
+  EXPECT_FALSE(reading.take.punchIn);
+  EXPECT_EQ(reading.take.timeScale, 2);
+  EXPECT_EQ(reading.take.tools[1].channels, (std::vector<std::string>{"Lift", "Spinner: Speed"}));
+  ASSERT_EQ(reading.take.times.size(), 6u);
+  EXPECT_EQ(reading.take.times[5], 0.23333333333333334);
+  EXPECT_EQ(reading.take.values[5 * 4], 1.0);
+}
 
 // Frames out of order or of the wrong size, with their checksums right, make no sense.
 TEST_F(Journal, AFrameBackInTimeEndsTheTake) {
@@ -205,7 +234,7 @@ TEST_F(Journal, AFrameBackInTimeEndsTheTake) {
   const JournalReading reading = ReadTakeJournal(journal.Path());
   EXPECT_EQ(reading.state, JournalState::kCut);
   EXPECT_EQ(reading.take.times, (std::vector<double>{0.1, 0.2}));
-  EXPECT_EQ(reading.problem, journal.Path() + ": cut at byte 229, where a record makes no sense");
+  EXPECT_EQ(reading.problem, journal.Path() + ": cut at byte 230, where a record makes no sense");
 }
 
 // Frames go out on every tick: once started, the journal allocates nothing.
