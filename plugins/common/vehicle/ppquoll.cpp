@@ -178,8 +178,14 @@ void PPQuollRTQuatGlobLinVelocityControlWYNewNew::firstStep(const double (&targe
                                                            const Vector3<double>& position) {
   model_ = parameters;
   P_.setZero();
-  const double hover = model_.gravity * 1000 * 0.25;
-  for (int i = 1; i <= kControls; ++i) uHover_(i, 1) = hover;
+  // The hover thrusts carry the weight without turning the body: the
+  // diagonal pairs' yaw arms differ, so equal thrusts would spin it and the
+  // feedback, which has no yaw integrator, would hold it a little off.
+  const double weight = model_.gravity * 1000;
+  const double k1 = model_.rFactors[0], k2 = model_.rFactors[1];
+  const double pair14 = k1 + k2 != 0 ? k2 / (k1 + k2) : 0.5;
+  uHover_(1, 1) = uHover_(4, 1) = weight * pair14 / 2;
+  uHover_(2, 1) = uHover_(3, 1) = weight * (1 - pair14) / 2;
   Pprevious_.setIdentity();
   Pprevious_.scale(2);
   A_.setIdentity();

@@ -40,11 +40,13 @@ class Helicopter : public testing::Test {
   int frames = 0;
 };
 
+// At rest it stays at rest: height, tilt and heading all hold.
 TEST_F(Helicopter, HoversInPlaceWithoutInputOrWind) {
   Fly(20);
   for (int k = 0; k <= frames; ++k) {
     const util::Matrix<double> body = Body(k);
     ASSERT_LT(std::fabs(body.GetTranslation().y - 10), 0.01) << k;
+    ASSERT_LT(std::fabs(Heading(k) - Heading(0)), 1e-6) << k;
     // The tilt is the angle of the body's up from the world's.
     ASSERT_LT(std::acos(std::fmin(1.0, body.Axis(1).Normalized().y)), 1e-3) << k;
   }
