@@ -99,6 +99,13 @@ class CAeroCam {
   // What the steering of the frame asks of the channels.
   AeroSteering Steering() const;
 
+  // Goes on from a frame of an earlier run, whose last sub-step began at
+  // `previousRotation`, instead of from a standstill.
+  void ResumeAfter(const Quat& previousRotation) {
+    qPreviousRotation = previousRotation;
+    bFirstFrame = false;
+  }
+  const Quat& PreviousRotation() const { return qPreviousRotation; }
   double GravityStep() const { return params.dVirtualMass / 9.81 * 0.02; }
   const PoseRecord& Pose() const { return ring.Current(); }
 

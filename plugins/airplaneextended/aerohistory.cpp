@@ -50,6 +50,14 @@ void AeroHistory::ForEach(Self& self, Visit visit, VisitChannels visitChannels) 
   visit("andFollowAccMem", kFollow, self.followValue_);
   visit("andRollDiffMem", kFollow, self.rollSteering_);
   for (std::size_t i = 0; i < kAutoMemoryCount; ++i) visit(kAutonomousKeys[i], kFollow, self.autonomous_[i]);
+  visit("previousRotation", kSessionOnly, self.previousRotation_);
+  visit("regulatorActive", kSessionOnly, self.regulatorActive_);
+  visit("turbulenceCounter", kSessionOnly, self.turbulenceCounter_);
+  visit("windRandom", kSessionOnly, self.windRandom_);
+  visit("shakeRandom", kSessionOnly, self.shakeRandom_);
+  visit("turbulenceMemory", kSessionOnly, self.turbulenceMemory_);
+  visit("shakeMemory", kSessionOnly, self.shakeMemory_);
+  visit("propellerSpin", kSessionOnly, self.propellerSpin_);
 }
 
 void AeroHistory::Record(double t, const CAeroCamObject& plane) {
@@ -69,6 +77,14 @@ void AeroHistory::Record(double t, const CAeroCamObject& plane) {
   regulator_.Set(t, core.qRegulatorMem);
   shake_.Set(t, core.vShakeFiltered);
   followStage_.Set(t, plane.followCam.stage);
+  previousRotation_.Set(t, core.PreviousRotation());
+  regulatorActive_.Set(t, core.bRegulatorActive);
+  turbulenceCounter_.Set(t, static_cast<int>(core.iTurbulenceCounter));
+  windRandom_.Set(t, static_cast<int>(core.iWindRandom));
+  shakeRandom_.Set(t, static_cast<int>(core.iShakeRandom));
+  turbulenceMemory_.Set(t, core.dTurbulenceMem);
+  shakeMemory_.Set(t, core.dShakeMem);
+  propellerSpin_.Set(t, plane.dPropellerSpin);
   if (!core.params.bAutonomousMode) return;
   for (std::size_t i = 0; i < kAutoMemoryCount; ++i) autonomous_[i].Set(t, core.autonomousMem[i]);
   yawSteering_.Set(t, core.dYawMem);
@@ -98,6 +114,16 @@ void AeroHistory::Restore(double t, CAeroCamObject& plane) const {
   core.dPitchMem = pitchSteering_.Get(t);
   core.dRollMem = rollSteering_.Get(t);
   core.dFollowMem = followValue_.Get(t);
+  // After a reload these are gone: the run starts them as a new one would.
+  if (previousRotation_.records.empty()) return;
+  core.ResumeAfter(previousRotation_.Get(t));
+  core.bRegulatorActive = regulatorActive_.Get(t);
+  core.iTurbulenceCounter = static_cast<std::uint32_t>(turbulenceCounter_.Get(t));
+  core.iWindRandom = static_cast<std::uint32_t>(windRandom_.Get(t));
+  core.iShakeRandom = static_cast<std::uint32_t>(shakeRandom_.Get(t));
+  core.dTurbulenceMem = turbulenceMemory_.Get(t);
+  core.dShakeMem = shakeMemory_.Get(t);
+  plane.dPropellerSpin = propellerSpin_.Get(t);
 }
 
 PoseRecord AeroHistory::PoseAt(double t) const {
@@ -120,7 +146,10 @@ void AeroHistory::CutAfter(double t, CInterface& undo) {
 
 void AeroHistory::SaveTo(util::DataChunk& chunk) const {
   ForEach(
-      *this, [&chunk](const char* key, std::int32_t, const auto& history) { chunk.AddChild(key, Block(history)); },
+      *this,
+      [&chunk](const char* key, std::int32_t since, const auto& history) {
+        if (since != aeroversion::kSessionOnly) chunk.AddChild(key, Block(history));
+      },
       [&chunk](const char* key, std::int32_t, const Channels& channels) {
         util::DataChunk& group = chunk.AddChild(key);
         for (std::size_t i = 0; i < kAeroChannelCount; ++i) {

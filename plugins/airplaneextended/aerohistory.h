@@ -5,6 +5,7 @@
 // brought it.
 
 #include <array>
+#include <climits>
 #include <cstdint>
 
 #include "plugins/airplaneextended/aerocam.h"
@@ -23,6 +24,8 @@ constexpr std::int32_t kChannelMemories = 105;
 constexpr std::int32_t kNewerKeys = 114;
 constexpr std::int32_t kPropellerAndRelativeMode = 8103;
 constexpr std::int32_t kFollow = 8105;
+// Kept in the session only: a run resumed after a reload starts these afresh.
+constexpr std::int32_t kSessionOnly = INT32_MAX;
 }  // namespace aeroversion
 
 class AeroHistory {
@@ -60,6 +63,12 @@ class AeroHistory {
   util::AVar_Nearest<util::Vector3<double>> shake_;
   util::AVar_Linear<double> yawSteering_, pitchSteering_, followValue_, rollSteering_;
   std::array<util::AVar_Linear<double>, kAutoMemoryCount> autonomous_;
+  // What else a frame hands on to the next, so that a resumed run goes on
+  // exactly as the whole run did.
+  util::AVar_Nearest<util::Quat<double>> previousRotation_;
+  util::AVar_Latest<bool> regulatorActive_;
+  util::AVar_Latest<int> turbulenceCounter_, windRandom_, shakeRandom_;
+  util::AVar_Nearest<double> turbulenceMemory_, shakeMemory_, propellerSpin_;
 };
 
 }  // namespace vuk::rgw::addon

@@ -101,7 +101,6 @@ void CAeroCamObject::Start(double time) {
   const PoseRecord earlier = relocator.Read(time - 2 * CAeroCam::kSubStep, times[2]);
   followCam.Settle(time);
   if (resume) {
-    history.Restore(time, *this);
     now = history.PoseAt(time);
   } else {
     core.vMomentum = {};
@@ -113,14 +112,16 @@ void CAeroCamObject::Start(double time) {
     core.bAfterBurnerOn = false;
     for (Surface& surface : surfaces) surface.angle = 0;
     dPropellerAngle = dPropellerSpin = 0;
+    // Only a new run takes a start speed: a resumed one flies on as it was.
+    dInitialVelocity = StartSpeed(now, before, times[0] - times[1]);
+    bStartWithNonzeroInitialVelocity = dInitialVelocity != 0;
   }
   core.bRegulatorActive = false;
   core.iTurbulenceCounter = 0;
   core.iWindRandom = core.iShakeRandom = 1;
   core.dTurbulenceMem = core.dShakeMem = 0;
-  dInitialVelocity = StartSpeed(now, before, times[0] - times[1]);
-  bStartWithNonzeroInitialVelocity = dInitialVelocity != 0;
-  core.Reset(now, before, earlier, dInitialVelocity);
+  core.Reset(now, before, earlier, resume ? 0.0 : dInitialVelocity);
+  if (resume) history.Restore(time, *this);
   if (bFirstTime) core.mRelativeFrame = Matrix::FromPose({now.position, now.rotation});
   MeasureParts(time);
   for (ToolNode* node : Helpers()) settings.helpers.Start(node->handle);
