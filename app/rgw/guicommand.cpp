@@ -8,6 +8,7 @@
 #include "app/rgw/commandoptions.h"
 #include "app/rgw/commands.h"
 #include "app/rgw/desktop/desktopwindow.h"
+#include "app/rgw/desktop/logpane.h"
 #include "app/rgw/picture.h"
 #include "app/rgw/wording.h"
 #include "gui/component/controls.h"
@@ -45,6 +46,8 @@ int Screenshots(desktop::DesktopWindow& window, const std::string& folder, const
   dlg.Select(static_cast<rgw::core::InstanceReference*>(tools.GetChild(0)));
   window.show();
   window.LookThrough("");
+  // The pane reads the log on a timer that hasn't fired yet.
+  if (auto* log = window.findChild<desktop::LogPane*>()) log->ReadNew();
   bool drawn = Picture(window, folder + "/desktop.png") && Picture(*dlg.Widget(), folder + "/main_window.png");
   if (!camera.empty()) {
     window.LookThrough(camera);
