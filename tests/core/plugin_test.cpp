@@ -45,5 +45,31 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
   EXPECT_EQ(library.FindTool("testtool"), nullptr);
 }
 
+// The test tool kept in a data folder of the given path.
+class PathTool : public testing_support::TestToolPlugin {
+ public:
+  explicit PathTool(std::string path) : path_(std::move(path)) {}
+  std::string GetPath() override { return path_; }
+
+ private:
+  std::string path_;
+};
+
+TEST(Plugin, HelpFileIsTheDataPathWithItsFoldersJoinedByUnderscores) {
+  ScopedEnv root("RIGWORKS_ROOT", "/opt/rgw");
+  const struct {
+    const char* path;
+    const char* file;
+  } cases[] = {{"steadycam", "steadycam.html"},
+               {"utility/1dpositioner", "utility_1dpositioner.html"},
+               {"cameras\\rail", "cameras_rail.html"},
+               {"a/b\\c/d", "a_b_c_d.html"}};
+  for (const auto& c : cases) {
+    Plugin plugin(new PathTool(c.path));
+    EXPECT_EQ(plugin.GetHelpFileName(), c.file) << c.path;
+    EXPECT_EQ(plugin.GetHelpFile(), std::string("/opt/rgw/rigworks/doc/") + c.file) << c.path;
+  }
+}
+
 }  // namespace
 }  // namespace vuk::rgw::core
