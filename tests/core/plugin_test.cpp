@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
@@ -57,17 +58,15 @@ class PathTool : public testing_support::TestToolPlugin {
 
 TEST(Plugin, HelpFileIsTheDataPathWithItsFoldersJoinedByUnderscores) {
   ScopedEnv root("RIGWORKS_ROOT", "/opt/rgw");
-  const struct {
-    const char* path;
-    const char* file;
-  } cases[] = {{"steadycam", "steadycam.html"},
-               {"utility/1dpositioner", "utility_1dpositioner.html"},
-               {"cameras\\rail", "cameras_rail.html"},
-               {"a/b\\c/d", "a_b_c_d.html"}};
-  for (const auto& c : cases) {
-    Plugin plugin(new PathTool(c.path));
-    EXPECT_EQ(plugin.GetHelpFileName(), c.file) << c.path;
-    EXPECT_EQ(plugin.GetHelpFile(), std::string("/opt/rgw/rigworks/doc/") + c.file) << c.path;
+  // The data path, and the file name of its help page.
+  const std::pair<const char*, const char*> cases[] = {{"steadycam", "steadycam.html"},
+                                                       {"utility/1dpositioner", "utility_1dpositioner.html"},
+                                                       {"cameras\\rail", "cameras_rail.html"},
+                                                       {"a/b\\c/d", "a_b_c_d.html"}};
+  for (const auto& [path, file] : cases) {
+    Plugin plugin(new PathTool(path));
+    EXPECT_EQ(plugin.GetHelpFileName(), file) << path;
+    EXPECT_EQ(plugin.GetHelpFile(), std::string("/opt/rgw/rigworks/doc/") + file) << path;
   }
 }
 
