@@ -279,7 +279,7 @@ std::vector<Instance::Channel> Instance::Channels() const {
     const Property* channel = inputs_.Get(i);
     const util::AVar_Linear<double>* take = i < recordedTracks_.size() ? &recordedTracks_[i] : nullptr;
     channels.push_back({channel->name, channel->config.GetChild("description").GetText(),
-                        take && !take->records.empty() ? take : nullptr});
+                        take && !take->records.empty() ? take : nullptr, channelTypes_[i]});
   }
   return channels;
 }
@@ -399,11 +399,17 @@ bool Instance::Poll(unidevice::DeviceContext) {
 
 void Instance::PushUndo(CUndo* record) { adaptor_->PutUndo(record); }
 
-CInterface::Property* Instance::AddInputWithFactory(std::string name, std::int32_t, Property::Factory* factory) {
-  return inputs_.Add(name, factory);
+CInterface::Property* Instance::AddInputWithFactory(std::string name, std::int32_t typeMask, Property::Factory* factory) {
+  const std::size_t known = inputs_.Count();
+  Property* channel = inputs_.Add(name, factory);
+  // A name asked for again is the channel it already was.
+  if (inputs_.Count() > known) channelTypes_.push_back(typeMask);
+  return channel;
 }
 
-CInterface::Property* Instance::AddInput(std::string name, std::int32_t) { return inputs_.Add(name); }
+CInterface::Property* Instance::AddInput(std::string name, std::int32_t typeMask) {
+  return AddInputWithFactory(std::move(name), typeMask, nullptr);
+}
 
 void Instance::BeginConfig() {
   page_ = std::make_unique<Root>();

@@ -67,12 +67,14 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
     bool whole;
   };
 
-  // A channel with its binding ("" when unbound) and its take (null when
-  // nothing was recorded for it).
+  // A channel with its binding ("" when unbound), its take (null when
+  // nothing was recorded for it) and the kinds of control that may feed it
+  // (the input:: mask the tool asked for).
   struct Channel {
     std::string name;
     std::string boundTo;
     const util::AVar_Linear<double>* take;
+    std::int32_t typeMask;
   };
 
   // Takes the tool object, sets its interface and makes the name unique. An
@@ -209,6 +211,8 @@ class Instance : public InstanceVirtualDevice, public CInterface, public util::M
   AdaptorInterface* adaptor_;
   InstanceReference* reference_ = nullptr;
   unidevice::PropertyHandler inputs_;
+  // The type mask of each channel, by channel index.
+  std::vector<std::int32_t> channelTypes_;
   std::unique_ptr<configadaptor::element::Root> page_;
   configadaptor::Node* currentGroup_ = nullptr;
   // Element ids of the page's controls and of its labels, each from 0.

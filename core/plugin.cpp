@@ -41,6 +41,15 @@ std::string Plugin::GetUserFolder() const { return core::GetUserFolder() + "/dat
 
 std::string Plugin::GetInstallFolder() const { return GetPath("data") + "/" + plugin->GetPath(); }
 
+std::string Plugin::GetHelpFile() const { return GetPath("doc") + "/" + GetHelpFileName(); }
+
+std::string Plugin::GetHelpFileName() const {
+  std::string name = plugin->GetPath();
+  std::replace(name.begin(), name.end(), '/', '_');
+  std::replace(name.begin(), name.end(), '\\', '_');
+  return name + ".html";
+}
+
 namespace {
 
 void KeepFactoryAndStart(XMLFileManager& manager, util::xml::Element values) {

@@ -43,6 +43,10 @@ class Plugin {
   // The user's and the installed data folders of the tool.
   std::string GetUserFolder() const;
   std::string GetInstallFolder() const;
+  // The tool's help page: the install's doc folder and the help file name,
+  // the tool's data path with its folders joined by "_" and ".html" after.
+  std::string GetHelpFile() const;
+  std::string GetHelpFileName() const;
 
   // The tool's profiles: the user's, then the installed examples and files,
   // read when first asked for.

@@ -29,7 +29,7 @@ int Fail(const std::string& message) {
 
 std::optional<int> Options::Read(const Arguments& args, const char* usage, std::initializer_list<const char*> required) {
   if (WantsHelp(args)) return Usage(args, usage);
-  if (args.empty() || args[0].rfind("--", 0) == 0) return Misuse("the scene file comes first", usage);
+  if (args.empty() || args[0].rfind("--", 0) == 0) return Misuse(firstArgument + " comes first", usage);
   file = args[0];
   for (std::size_t i = 1; i < args.size(); ++i) {
     if (args[i].rfind("--", 0) != 0) return Misuse("\"" + args[i] + "\" is not an option", usage);

@@ -31,6 +31,8 @@ struct Options {
 
   std::vector<std::string> known;
   std::vector<std::string> flags;
+  // What the one argument before the options is, for the refusal without it.
+  std::string firstArgument = "the scene file";
   std::string file;
   std::multimap<std::string, std::string> values;
 };

@@ -25,6 +25,7 @@ int RecoverCommand(const Arguments& args);
 // One line about the take journal beside a scene file, when it has one.
 void SayUnfinishedTake(const std::string& scenePath);
 int GuiCommand(const Arguments& args);
+int DocCommand(const Arguments& args);
 
 // True when the arguments ask for help.
 bool WantsHelp(const Arguments& args);

@@ -52,6 +52,7 @@ int Help(int code) {
                "                         records a take live from the bound joysticks, no window\n"
                "  recover FILE --out OUT the take a recording cut short left beside FILE\n"
                "  gui [FILE]             the desktop app, with the scene FILE when given\n"
+               "  doc FOLDER             writes the help pages of the app and of each tool\n"
                "Commands that write a scene take --fps N: the frame rate of its keys, which is\n"
                "otherwise the file's own.\n"
                "Each command takes --help and ends with a line saying what it did;\n"
@@ -81,6 +82,7 @@ int Dispatch(const vuk::app::Arguments& args) {
   if (command == "record") return vuk::app::RecordCommand(rest);
   if (command == "recover") return vuk::app::RecoverCommand(rest);
   if (command == "gui") return vuk::app::GuiCommand(rest);
+  if (command == "doc") return vuk::app::DocCommand(rest);
   std::fprintf(stderr, "rgw: no command \"%s\"\n", command.c_str());
   return Help(2);
 }

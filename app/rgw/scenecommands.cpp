@@ -13,6 +13,7 @@
 #include "app/rgw/picture.h"
 #include "app/rgw/sceneplot.h"
 #include "app/rgw/session.h"
+#include "app/rgw/toolfacts.h"
 #include "app/rgw/wording.h"
 #include "core/prmfile.h"
 #include "core/resimulator.h"
@@ -68,12 +69,6 @@ std::vector<std::string> ChannelNames(const rgw::core::Instance& instance) {
   std::vector<std::string> names;
   for (const auto& channel : instance.Channels()) names.push_back(channel.name);
   return names;
-}
-
-// A channel's binding in words, "unbound" for none.
-std::string BindingOf(const unidevice::Property& channel) {
-  const std::string words = BindingWords(channel.config);
-  return words.empty() ? "unbound" : words;
 }
 
 // What a tool's bound channels are bound to: "1 channel of Tool_01: Position
@@ -231,25 +226,27 @@ int DescribeTool(const std::string& toolName) {
   Session session;
   rgw::core::Plugin* tool = session.library.FindTool(toolName);
   if (!tool) return Fail(NoSuchTool(session.library, toolName));
-  rgw::core::InstanceReference* item = session.tools.Create(toolName);
-  if (!item) return Fail("the tool \"" + toolName + "\" could not be made");
-  const rgw::core::Instance& instance = *item->instance;
-  std::printf("%s: %s (%s)\n", tool->ToolName().c_str(), tool->plugin->GetTitle().c_str(),
-              tool->plugin->GetCategory().c_str());
-  std::printf("nodes: %s\n", Listed(instance.NodeNames()).c_str());
-  std::printf("channels:%s\n", instance.Inputs().Count() ? "" : " none");
-  for (std::size_t i = 0; i < instance.Inputs().Count(); ++i) {
-    const unidevice::Property& channel = *instance.Inputs().Get(i);
-    std::printf("  %s: %s\n", channel.name.c_str(), BindingOf(channel).c_str());
+  ToolFacts facts;
+  std::string error;
+  if (!GatherTool(session, *tool, facts, error)) return Fail(error);
+  std::printf("%s: %s (%s)\n", facts.name.c_str(), facts.title.c_str(), facts.categories.c_str());
+  if (!facts.description.empty()) std::printf("  %s\n", facts.description.c_str());
+  if (!facts.credits.empty()) std::printf("  credits: %s\n", facts.credits.c_str());
+  std::printf("nodes: %s\n", Listed(facts.nodes).c_str());
+  std::printf("channels:%s\n", facts.channels.empty() ? " none" : "");
+  for (const ChannelFacts& channel : facts.channels) {
+    std::printf("  %s (%s): %s\n", channel.name.c_str(), channel.controls.c_str(), channel.binding.c_str());
   }
-  const std::vector<rgw::core::Instance::Value> values = instance.Values();
-  std::printf("values:%s\n", values.empty() ? " none" : "");
-  for (const auto& value : values) {
-    std::printf("  %s = %g (%s %g to %g)\n", value.label.c_str(), value.value, value.whole ? "whole" : "from",
-                value.minimum, value.maximum);
+  std::printf("values:%s\n", facts.settings.empty() ? " none" : "");
+  for (const SettingFacts& setting : facts.settings) {
+    const std::string indent(2 * static_cast<std::size_t>(setting.depth + 1), ' ');
+    std::string line = setting.label + (setting.group ? ":" : "");
+    if (!setting.value.empty()) line += " = " + setting.value;
+    if (!setting.range.empty()) line += " (" + setting.range + ")";
+    std::printf("%s%s\n", indent.c_str(), line.c_str());
   }
-  std::printf("config profiles: %s\n", Listed(tool->ConfigProfiles().Names()).c_str());
-  std::printf("input profiles: %s\n", Listed(tool->InputProfiles().Names()).c_str());
+  std::printf("config profiles: %s\n", Listed(facts.configProfiles).c_str());
+  std::printf("input profiles: %s\n", Listed(facts.inputProfiles).c_str());
   return 0;
 }
 

@@ -128,13 +128,6 @@ class AboutBox : public WindowBase {
   }
 };
 
-std::string ToolHelpFile(const Plugin& plugin) {
-  std::string path = plugin.plugin->GetPath();
-  std::replace(path.begin(), path.end(), '/', '_');
-  std::replace(path.begin(), path.end(), '\\', '_');
-  return GetPath("doc") + "/" + path + ".html";
-}
-
 }  // namespace
 
 const std::vector<MainDlg::Category>& MainDlg::Categories() {
@@ -164,7 +157,7 @@ MainDlg::MainDlg(CoreImplementation& core, const Desktop& desktop, const std::st
   for (std::size_t i = 0; i < creatable_.size(); ++i) {
     const std::string name = creatable_[i]->ToolName();
     OnItem(kCreateBase + static_cast<std::int32_t>(i), [this, name] { CreateTool(name); });
-    const std::string help = "file://" + ToolHelpFile(*creatable_[i]);
+    const std::string help = "file://" + creatable_[i]->GetHelpFile();
     OnItem(kToolHelpBase + static_cast<std::int32_t>(i), [this, help] { desktop_.openAddress(help); });
   }
   Handle(104, &MainDlg::DeleteSelected);

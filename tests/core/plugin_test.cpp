@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <utility>
 
 #include "adaptor/standalone/standaloneadaptorinterface.h"
 #include "core/corelibrary.h"
@@ -43,6 +44,30 @@ TEST(Plugin, ANewToolTakesTheStartProfileAndKeepsTheFactorySettings) {
   // A tool without former names answers to its own only, and exactly.
   EXPECT_EQ(plugin->GetAliases(), std::vector<std::string>{"TestTool"});
   EXPECT_EQ(library.FindTool("testtool"), nullptr);
+}
+
+// The test tool kept in a data folder of the given path.
+class PathTool : public testing_support::TestToolPlugin {
+ public:
+  explicit PathTool(std::string path) : path_(std::move(path)) {}
+  std::string GetPath() override { return path_; }
+
+ private:
+  std::string path_;
+};
+
+TEST(Plugin, HelpFileIsTheDataPathWithItsFoldersJoinedByUnderscores) {
+  ScopedEnv root("RIGWORKS_ROOT", "/opt/rgw");
+  // The data path, and the file name of its help page.
+  const std::pair<const char*, const char*> cases[] = {{"steadycam", "steadycam.html"},
+                                                       {"utility/1dpositioner", "utility_1dpositioner.html"},
+                                                       {"cameras\\rail", "cameras_rail.html"},
+                                                       {"a/b\\c/d", "a_b_c_d.html"}};
+  for (const auto& [path, file] : cases) {
+    Plugin plugin(new PathTool(path));
+    EXPECT_EQ(plugin.GetHelpFileName(), file) << path;
+    EXPECT_EQ(plugin.GetHelpFile(), std::string("/opt/rgw/rigworks/doc/") + file) << path;
+  }
 }
 
 }  // namespace
