@@ -13,7 +13,7 @@
 
 namespace vuk::rgw::core {
 
-class InstanceManager : public InstanceList {
+class InstanceManager final : public InstanceList {
  public:
   // Tools below tools are made, saved and walked recursively. Real rigs nest
   // a handful of levels; 64 is far past any of them and far within the stack.
