@@ -48,7 +48,7 @@ const std::map<std::string, Pinned> kPinned = {
     {"Helicopter",
      {{"Forw/Backw Speed", "Right/Left Speed", "Up/Down Speed", "Yaw Speed (Right/Left)", "Brake All",
        "Wind Turbulence Strength"},
-      5558708364406153663ull}},
+      4967163177756151944ull}},
     {"HumanizerCam",
      {{"Shaker Amplitude", "Spinner: Shake Multiplier", "Spinner: Yaw Shake", "Spinner: Pitch Shake",
        "Spinner: Roll Shake", "Spinner: Damping Factor", "Spinner: Irregularity", "Spinner: Shaker Threshold",

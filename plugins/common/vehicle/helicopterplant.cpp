@@ -125,7 +125,9 @@ void HelicopterPlant::inputStage(double dt) {
 
 PPQuollRTQuatGlobLinVelocityControlWYNewNew::Output HelicopterPlant::runRegulator(double positionFilter) {
   const Vector3<double> worldRate = rotation_.Rotate(angularVelocity_);
-  return regulator.step(channels[kForward].value, channels[kRight].value, heightReference_, yawReference_,
+  // The regulator's second axis points left (host minus X); the channel, as
+  // its name and the yaw channel say, is positive to the right.
+  return regulator.step(channels[kForward].value, -channels[kRight].value, heightReference_, yawReference_,
                         toRegulator(position_ / scale_), toRegulator(velocity_), toRegulator(worldRate),
                         toRegulator(rotation_), positionFilter);
 }

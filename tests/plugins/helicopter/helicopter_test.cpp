@@ -66,6 +66,29 @@ TEST_F(Helicopter, AForwardReferenceSettlesWithTheNoseDown) {
   EXPECT_LT((-Body(frames).Axis(2)).y, -1e-3);
 }
 
+// Each speed channel moves the body the way its name says first, in the
+// world, as the body starts level and facing minus Z.
+struct SpeedCase {
+  HelicopterPlant::ChannelIndex channel;
+  Vector way;
+};
+
+class SpeedChannel : public Helicopter, public testing::WithParamInterface<SpeedCase> {};
+
+TEST_P(SpeedChannel, APositiveValueMovesTheWayItsNameSaysFirst) {
+  std::array<double, HelicopterPlant::kChannelCount> raws{};
+  raws[GetParam().channel] = 0.5;
+  Fly(5, raws);
+  const Vector moved = Body(frames).GetTranslation() - Body(0).GetTranslation();
+  EXPECT_GT(moved.Dot(GetParam().way), 0.8 * moved.Length()) << moved.x << " " << moved.y << " " << moved.z;
+  EXPECT_GT(moved.Length(), 1.0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Helicopter, SpeedChannel,
+                         testing::Values(SpeedCase{HelicopterPlant::kForward, {0, 0, -1}},
+                                         SpeedCase{HelicopterPlant::kRight, {1, 0, 0}},
+                                         SpeedCase{HelicopterPlant::kUpDown, {0, 1, 0}}));
+
 // The yaw channel's value v turns the wanted heading at -v radians a
 // second: a positive input turns to the right, clockwise from above.
 TEST_F(Helicopter, YawInputIntegratesTheHeading) {
