@@ -1,7 +1,7 @@
 // Live takes without a window: recorded from SDL's virtual joystick and from
 // key events put into the device layer, on a clock of the test's that moves
-// one frame of the wall clock per tick; and the journal that a recording
-// killed at random moments leaves behind.
+// one frame of the wall clock per tick; the keyboard profiles the tools ship;
+// and the journal that a recording killed at random moments leaves behind.
 #include "app/rgw/liverecording.h"
 
 #include <gtest/gtest.h>
@@ -243,6 +243,92 @@ TEST_F(LiveTake, AKeyboardTakeReplaysTheMotionItRecorded) {
   session.Resimulate(Take().front().time - 1 / kFps, Take().back().time);
   ExpectSameKeys(recorded, KeysOf(session.host.GetScene()));
 }
+
+// The "Keyboard" input profiles the tools ship: each binds the channels it
+// names, and only those, to keys; a two-key channel goes the way its name
+// says first ("Forw" of "Forw/Backw") with the key a user would press for
+// that way.
+constexpr int kShift = 0x10, kSpace = 0x20, kLeft = 0x25, kUp = 0x26, kRight = 0x27, kDown = 0x28;
+constexpr int kA = 'A', kD = 'D', kS = 'S', kW = 'W';
+
+struct KeyBinding {
+  const char* channel;
+  int positive;
+  int negative;  // 0 for a channel on one key
+};
+
+struct ShippedProfile {
+  const char* tool;
+  std::vector<KeyBinding> keys;  // in the tool's channel order
+};
+
+const ShippedProfile kProfiles[] = {
+    {"1DPositioner", {{"Position", kUp, kDown}}},
+    {"4WheelerExt",
+     {{"Gas Pedal (Forw/Backw)", kUp, kDown},
+      {"Steering Wheel (Right/Left)", kRight, kLeft},
+      {"Booster", kShift, 0},
+      {"ABS Brake", kSpace, 0}}},
+    {"Helicopter",
+     {{"Forw/Backw Speed", kW, kS},
+      {"Right/Left Speed", kD, kA},
+      {"Up/Down Speed", kUp, kDown},
+      {"Yaw Speed (Right/Left)", kRight, kLeft},
+      {"Brake All", kSpace, 0}}},
+    // The stick pulled back, Down, lifts the nose.
+    {"AirplaneExt",
+     {{"Forw/Backw Speed", kW, kS},
+      {"Rudder (Yaw Right/Left)", kD, kA},
+      {"Elevator (Pitch Up/Down)", kDown, kUp},
+      {"Aileron (Roll Right/Left)", kRight, kLeft},
+      {"Brake All", kSpace, 0},
+      {"AfterBurner", kShift, 0}}},
+    {"Missile", {{"Fire Missile", kSpace, 0}}},
+    {"Firepower", {{"Fire", kSpace, 0}}},
+    {"AutoZoomCam", {{"Forw/Backw Transl", kUp, kDown}}},
+    {"HumanizerCam", {{"Shaker Amplitude", kSpace, 0}}},
+};
+
+class KeyboardProfile : public testing::TestWithParam<ShippedProfile> {
+ protected:
+  QCoreApplication& application = Application();
+  Session session;
+  unidevice::driver::KeyboardDevice& keyboard = *session.core.GetDevices()->GetPlatformDriver().GetKeyboard();
+};
+
+TEST_P(KeyboardProfile, BindsItsChannelsToTheKeysForTheWaysTheirNamesSay) {
+  const ShippedProfile& shipped = GetParam();
+  rgw::core::InstanceReference* item = session.tools.Create(shipped.tool);
+  ASSERT_NE(item, nullptr);
+  // Asked after the tool is made, which adds its start profile to the list.
+  const util::xml::Element* profile = session.library.FindTool(shipped.tool)->InputProfiles().Find("Keyboard");
+  ASSERT_NE(profile, nullptr);
+  rgw::core::Instance& tool = *item->instance;
+  tool.ApplyInputProfile(*profile);
+
+  std::vector<std::string> bound, expected;
+  for (std::size_t i = 0; i < tool.Inputs().Count(); ++i) {
+    if (tool.Inputs().Get(i)->source) bound.push_back(tool.Inputs().Get(i)->name);
+  }
+  for (const KeyBinding& binding : shipped.keys) expected.push_back(binding.channel);
+  EXPECT_EQ(bound, expected);
+
+  for (const KeyBinding& binding : shipped.keys) {
+    unidevice::Property* channel = tool.Inputs().Find(binding.channel);
+    ASSERT_NE(channel, nullptr) << binding.channel;
+    EXPECT_EQ(channel->Evaluate(), 0.0) << binding.channel;
+    keyboard.KeyDown(binding.positive);
+    EXPECT_GT(channel->Evaluate(), 0.5) << binding.channel;
+    keyboard.KeyUp(binding.positive);
+    if (!binding.negative) continue;
+    keyboard.KeyDown(binding.negative);
+    EXPECT_LT(channel->Evaluate(), -0.5) << binding.channel;
+    keyboard.KeyUp(binding.negative);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Shipped, KeyboardProfile, testing::ValuesIn(kProfiles),
+                         [](const auto& info) { return std::string(info.param.tool); });
 
 }  // namespace
 }  // namespace vuk::app
