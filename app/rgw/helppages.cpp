@@ -63,7 +63,10 @@ const char* const kGuide[][2] = {
     {"Start",
      "Run rgw gui, or rgw gui FILE to open a glTF scene (.gltf or .glb). The window shows the 3D viewport, the "
      "Rigworks panel (the tools), the outliner of the scene's nodes, the timeline and a log pane. View > Rigworks "
-     "panel brings the panel back; View > Look through shows the scene from the orbit or through any camera."},
+     "panel brings the panel back; View > Look through shows the scene from the orbit or through any camera. In "
+     "the orbit the left mouse button turns the view, the middle one (or Shift and the left) moves it and the wheel "
+     "zooms; View > Frame selected (F) brings the node chosen in the outliner into view, Frame all (Home) the "
+     "whole scene."},
     {"Make a tool",
      "In the Rigworks panel, click and hold Vehicles, Cameras, Accessories or Templates to open the list of those "
      "tools, and choose one; the menus Main > Create Vehicle tool, Create Camera tool, Create Accessory tool and "

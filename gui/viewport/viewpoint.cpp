@@ -32,25 +32,48 @@ void OrbitView::Fit(const QVector3D& lower, const QVector3D& upper) {
   distance_ = std::clamp(radius / std::sin(kFovDegrees * kPi / 360), kNearestDistance, kFarthestDistance);
 }
 
-void OrbitView::Fit(Scene& scene, Tick tick) {
+namespace {
+
+bool IsAtOrBelow(const SceneNode& node, const std::vector<SceneNode*>& roots) {
+  for (const SceneNode* up = &node; up; up = up->parent) {
+    if (std::find(roots.begin(), roots.end(), up) != roots.end()) return true;
+  }
+  return false;
+}
+
+// Grows the box to hold the point.
+void Hold(const QVector3D& at, QVector3D& lower, QVector3D& upper) {
+  for (int axis = 0; axis < 3; ++axis) {
+    lower[axis] = std::min(lower[axis], at[axis]);
+    upper[axis] = std::max(upper[axis], at[axis]);
+  }
+}
+
+}  // namespace
+
+void OrbitView::Fit(Scene& scene, Tick tick, const std::vector<SceneNode*>& below) {
   constexpr float kMax = std::numeric_limits<float>::max();
   QVector3D lower(kMax, kMax, kMax);
   QVector3D upper = -lower;
   scene.Walk([&](SceneNode& node) {
     if (!node.visible || node.mesh.vertices.empty()) return;
+    if (!below.empty() && !IsAtOrBelow(node, below)) return;
     const QMatrix4x4 world = ToQt(node.World(tick));
     for (const auto& vertex : node.mesh.vertices) {
-      const QVector3D at = world.map(QVector3D(static_cast<float>(vertex.x), static_cast<float>(vertex.y),
-                                               static_cast<float>(vertex.z)));
-      for (int axis = 0; axis < 3; ++axis) {
-        lower[axis] = std::min(lower[axis], at[axis]);
-        upper[axis] = std::max(upper[axis], at[axis]);
-      }
+      Hold(world.map(QVector3D(static_cast<float>(vertex.x), static_cast<float>(vertex.y), static_cast<float>(vertex.z))),
+           lower, upper);
     }
   });
   if (lower.x() > upper.x()) {
-    lower = QVector3D(-1, -1, -1);
-    upper = QVector3D(1, 1, 1);
+    // Nothing drawn to fit: the given nodes' places, else the origin.
+    lower = upper = QVector3D();
+    for (std::size_t i = 0; i < below.size(); ++i) {
+      const QVector3D at = ToQt(below[i]->World(tick)).map(QVector3D());
+      if (i == 0) lower = upper = at;
+      Hold(at, lower, upper);
+    }
+    lower -= QVector3D(1, 1, 1);
+    upper += QVector3D(1, 1, 1);
   }
   Fit(lower, upper);
 }

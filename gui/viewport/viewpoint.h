@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QVector2D>
 #include <QVector3D>
+#include <vector>
 
 #include "adaptor/standalone/scene.h"
 
@@ -30,9 +31,10 @@ class OrbitView {
 
   // Looks at the box from above and aside, with all of it in sight.
   void Fit(const QVector3D& lower, const QVector3D& upper);
-  // Fits the meshes of the scene's shown nodes at the tick; the origin when
-  // there are none.
-  void Fit(Scene& scene, Tick tick);
+  // Fits the meshes of the scene's shown nodes at the tick, or of those at
+  // and below the given nodes; where none has a mesh, a box of 2 around each
+  // given node, or the origin.
+  void Fit(Scene& scene, Tick tick, const std::vector<SceneNode*>& below = {});
   // Turns around the target by radians: about the vertical, and up or down
   // short of straight above or below.
   void Orbit(float yaw, float pitch);

@@ -24,6 +24,13 @@ Viewport::~Viewport() {
   doneCurrent();
 }
 
+void Viewport::FrameNodes(const std::vector<SceneNode*>& nodes) {
+  if (!scene_) return;
+  viewPoint_.LookThrough(nullptr);
+  viewPoint_.orbit.Fit(*scene_, tick_, nodes);
+  update();
+}
+
 void Viewport::SetScene(Scene* scene) {
   if (renderer_) {
     makeCurrent();

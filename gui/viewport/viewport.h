@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "gui/viewport/scenerenderer.h"
 
@@ -25,6 +26,9 @@ class Viewport : public QOpenGLWidget {
   void SetTime(double seconds);
   // Looks through a camera node of the scene; null goes back to the orbit.
   void LookThrough(const SceneNode* camera);
+  // Back to the orbit, fitted to the nodes and what hangs below them, or to
+  // the whole scene when none is given.
+  void FrameNodes(const std::vector<SceneNode*>& nodes);
   // Draws again, after the scene changed at the same time.
   void Redraw() { update(); }
 

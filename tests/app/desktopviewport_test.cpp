@@ -44,16 +44,20 @@ class DesktopViewport : public testing::Test {
     RunFor(3 * Timeline::kRefreshMs);
     return Viewport().grabFramebuffer();
   }
-  QAction* LookThroughChoice(const QString& label) {
+  QAction* ViewItem(const QString& label) {
     for (QAction* menu : window.menuBar()->actions()) {
       if (menu->text() != "&View") continue;
       for (QAction* item : menu->menu()->actions()) {
-        if (item->text() != "&Look through") continue;
-        emit item->menu()->aboutToShow();
-        for (QAction* choice : item->menu()->actions()) {
-          if (choice->text() == label) return choice;
-        }
+        if (item->text() == label) return item;
       }
+    }
+    return nullptr;
+  }
+  QAction* LookThroughChoice(const QString& label) {
+    QMenu* look = ViewItem("&Look through")->menu();
+    emit look->aboutToShow();
+    for (QAction* choice : look->actions()) {
+      if (choice->text() == label) return choice;
     }
     return nullptr;
   }
@@ -103,6 +107,32 @@ TEST_F(DesktopViewport, LooksThroughTheCameraChosenAndBackFromTheOrbit) {
   LookThroughChoice("&Orbit")->trigger();
   EXPECT_EQ(window.LookingThrough(), "");
   EXPECT_EQ(DifferentPixels(orbit, Drawn()), 0);
+}
+
+// Frame selected comes back from a camera to the orbit around the node
+// chosen in the outliner; Frame all around the whole scene.
+TEST_F(DesktopViewport, FramesTheSelectedNodeOrTheWholeScene) {
+  vuk::scenes::BuildSampleScene(window.GetSession().host.GetScene());
+  MakeTool("LookAtCam");
+  const gui::viewport::OrbitView& orbit = Viewport().View().orbit;
+  ViewItem("&Frame all")->trigger();
+  const float whole = orbit.Distance();
+  ASSERT_TRUE(window.LookThrough("LookAtCam_01_LookAtCam"));
+  rgw::adaptor::standalone::Scene& scene = window.GetSession().host.GetScene();
+  rgw::adaptor::standalone::SceneNode* target = nullptr;
+  scene.Walk([&target](rgw::adaptor::standalone::SceneNode& node) {
+    if (node.hostName == "LookAtCam_01_TargetMesh") target = &node;
+  });
+  ASSERT_NE(target, nullptr);
+  scene.ClearSelection();
+  scene.Select(target);
+  ViewItem("Frame &selected")->trigger();
+  EXPECT_EQ(window.LookingThrough(), "");
+  const QVector3D at = gui::viewport::ToQt(target->World(scene.clock.GetTick())).map(QVector3D());
+  EXPECT_LT((orbit.Target() - at).length(), 1.0f);
+  EXPECT_LT(orbit.Distance(), whole);
+  ViewItem("&Frame all")->trigger();
+  EXPECT_FLOAT_EQ(orbit.Distance(), whole);
 }
 
 TEST_F(DesktopViewport, DuringARecordingTheKeysGoToTheKeyboardNotToShortcuts) {

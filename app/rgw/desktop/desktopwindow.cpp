@@ -195,6 +195,9 @@ void DesktopWindow::MakeMenus() {
   QMenu* view = menuBar()->addMenu("&View");
   view->addAction("&Rigworks panel", this, [this] { dlg_->Show(); });
   view->addAction(outlinerDock_->toggleViewAction());
+  view->addAction("&Frame all", this, [this] { viewport_->FrameNodes({}); }, Qt::Key_Home);
+  view->addAction("Frame &selected", this, [this] { viewport_->FrameNodes(session_->host.GetScene().Selection()); },
+                  Qt::Key_F);
   QMenu* look = view->addMenu("&Look through");
   connect(look, &QMenu::aboutToShow, this, [this, look] { FillLookThroughMenu(look); });
 }

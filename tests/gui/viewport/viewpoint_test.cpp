@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "gui/viewport/viewpoint.h"
+#include "util/mesh.h"
 
 namespace vuk::gui::viewport {
 namespace {
@@ -53,6 +54,39 @@ TEST(OrbitView, TurnsAroundItsTargetAndStopsShortOfStraightDown) {
   EXPECT_GT(above.y(), 0.99f);
   // Straight above, the view's up would be undefined.
   EXPECT_FALSE(std::isnan(orbit.View()(0, 0)));
+}
+
+// Framing the whole scene, a node with what hangs below it, or a node with
+// nothing to draw.
+TEST(OrbitView, FitsTheSceneOrTheGivenNodesAndTheirChildren) {
+  Scene scene;
+  const auto placed = [&scene](ObjectKind kind, const char* name, double x) {
+    SceneNode* node = scene.CreateNode(kind, name);
+    if (kind == ObjectKind::kMesh) node->SetMesh(util::CMesh_Box(2, 2, 2));
+    util::Matrix<double> pose;
+    pose.SetTranslation({x, 0, 0});
+    scene.WriteWorld(node, 0, pose);
+    return node;
+  };
+  SceneNode* near = placed(ObjectKind::kMesh, "Near", 0);
+  SceneNode* far = placed(ObjectKind::kMesh, "Far", 100);
+  SceneNode* rig = placed(ObjectKind::kHelper, "Rig", 40);
+  scene.SetParent(far, rig, 0);
+  SceneNode* empty = placed(ObjectKind::kHelper, "Empty", -30);
+
+  OrbitView orbit;
+  orbit.Fit(scene, 0);
+  EXPECT_NEAR(orbit.Target().x(), 50, kTolerance);
+  const float whole = orbit.Distance();
+  orbit.Fit(scene, 0, {near});
+  EXPECT_NEAR(orbit.Target().x(), 0, kTolerance);
+  EXPECT_LT(orbit.Distance(), whole / 10);
+  // The rig draws nothing itself; the mesh below it does.
+  orbit.Fit(scene, 0, {rig});
+  EXPECT_NEAR(orbit.Target().x(), 100, kTolerance);
+  orbit.Fit(scene, 0, {empty});
+  EXPECT_NEAR(orbit.Target().x(), -30, kTolerance);
+  EXPECT_LT(orbit.Distance(), whole / 10);
 }
 
 struct LensCase {
